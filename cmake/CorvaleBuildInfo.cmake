@@ -1,0 +1,31 @@
+# Build date, platform and compiler for the information line. The date is English in every locale
+# ("May  3 2024") and follows SOURCE_DATE_EPOCH.
+
+string(TIMESTAMP month "%m" UTC)
+string(TIMESTAMP day "%d" UTC)
+string(TIMESTAMP year "%Y" UTC)
+set(months Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec)
+math(EXPR month_index "${month} - 1")
+list(GET months ${month_index} month_name)
+string(REGEX REPLACE "^0" " " day "${day}")
+set(CORVALE_BUILD_DATE "${month_name} ${day} ${year}")
+
+# Sixteen characters for every platform; longer names are cut, shorter ones filled.
+if(CMAKE_SYSTEM_NAME STREQUAL "Darwin" AND CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+  set(platform "Intel Mac 64-bit")
+elseif(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
+  set(platform "Apple Mac 64-bit")
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|amd64|AMD64)$")
+  set(platform "${CMAKE_SYSTEM_NAME} x86 64-bit")
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
+  set(platform "${CMAKE_SYSTEM_NAME} ARM 64-bit")
+else()
+  set(platform "${CMAKE_SYSTEM_NAME} ${CMAKE_SYSTEM_PROCESSOR}")
+endif()
+string(SUBSTRING "${platform}                " 0 16 CORVALE_PLATFORM)
+
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  set(CORVALE_COMPILER "GCC ${CMAKE_CXX_COMPILER_VERSION}")
+else()
+  set(CORVALE_COMPILER "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
+endif()

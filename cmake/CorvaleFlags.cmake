@@ -1,0 +1,21 @@
+# The flags of everything that is built here. Results must be the same to the last bit everywhere:
+# no flag that lets a compiler change floating-point arithmetic may reach the library.
+
+foreach(flags IN ITEMS CMAKE_C_FLAGS CMAKE_CXX_FLAGS CMAKE_CXX_FLAGS_RELEASE CMAKE_CXX_FLAGS_RELWITHDEBINFO)
+  if("${${flags}}" MATCHES "-ffast-math|-Ofast|-funsafe-math-optimizations|-ffinite-math-only|-fassociative-math|-freciprocal-math")
+    message(FATAL_ERROR "Corvale: ${flags} asks for inexact arithmetic (${${flags}}); results would differ")
+  endif()
+endforeach()
+
+add_library(corvale_flags INTERFACE)
+target_compile_features(corvale_flags INTERFACE cxx_std_20 c_std_99)
+target_compile_options(corvale_flags INTERFACE -ffp-contract=off -fno-fast-math
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  $<$<BOOL:${CORVALE_WARNINGS_AS_ERRORS}>:-Werror>)
+target_link_options(corvale_flags INTERFACE -fno-fast-math)
+
+if(CORVALE_SANITIZE)
+  target_compile_options(corvale_flags INTERFACE
+    -fsanitize=${CORVALE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(corvale_flags INTERFACE -fsanitize=${CORVALE_SANITIZE})
+endif()

@@ -1,0 +1,49 @@
+// Internal: not installed, may change in any commit.
+//
+// One loop, compiled twice: for every x86-64 processor and for those with AVX2. The results are the
+// same, only the speed differs. A loop is a type with an always-inlined call operator:
+//
+//     struct UpperCaseLoop {
+//         CORVALE_LOOP void operator()(const char* in, char* out, std::size_t n) const noexcept;
+//     };
+//     OnBestPath<UpperCaseLoop>(in, out, n);
+//
+// Bench: Text512 in bench/TextBench.cpp shows what the second copy brings.
+#pragma once
+
+#if defined(__x86_64__) && !defined(CORVALE_BASELINE_ONLY)
+#define CORVALE_HAS_AVX2_PATH 1
+#else
+#define CORVALE_HAS_AVX2_PATH 0
+#endif
+
+#define CORVALE_LOOP [[gnu::always_inline]] inline
+
+namespace corvale::internal {
+
+/// 1 where the processor and the system run AVX2 code. Reads a word that is set before the first
+/// static constructor; where it is not set yet the answer is false, which is always safe.
+[[nodiscard]] inline bool HasAvx2() noexcept {
+#if CORVALE_HAS_AVX2_PATH
+    return __builtin_cpu_supports("avx2") != 0;
+#else
+    return false;
+#endif
+}
+
+#if CORVALE_HAS_AVX2_PATH
+template <class Loop, class... Args>
+[[gnu::target("avx2")]] auto WithAvx2(Args... args) noexcept {
+    return Loop{}(args...);
+}
+#endif
+
+template <class Loop, class... Args>
+auto OnBestPath(Args... args) noexcept {
+#if CORVALE_HAS_AVX2_PATH
+    if (HasAvx2()) return WithAvx2<Loop>(args...);
+#endif
+    return Loop{}(args...);
+}
+
+}  // namespace corvale::internal

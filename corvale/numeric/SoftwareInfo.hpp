@@ -1,0 +1,26 @@
+// The information line: which library this is, its version, and what built it.
+#pragma once
+
+#include <corvale/base/Export.h>
+
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace corvale::GenFunctions {
+
+/// Writes the information line of the library `libName`: "Arvenit " + `libName` + " - Version: " +
+/// `version` (this library's own "v9.4" where none is given) + " - Build: ", the build date as
+/// "May  3 2024", " - Platform: ", 16 characters, " - Compiler: " and the compiler's name.
+///
+/// Width      exactly 128 characters, blank-filled, without a terminator; trailing blanks of
+///            `libName` and `version` are kept
+/// Bad input  a line longer than 128 characters is cut there: `libName`, `version` and the
+/// compiler's
+///            name have 44 characters together
+/// Aliasing   `info` must not overlap `libName` or `version`
+/// Threads    no state: any number of threads at once
+CORVALE_API void GetSoftwareInfo(std::string_view libName, std::span<char, 128> info,
+                                 std::optional<std::string_view> version = std::nullopt) noexcept;
+
+}  // namespace corvale::GenFunctions
