@@ -3,15 +3,15 @@
 // The one place that turns characters into a double. Every reader scans with ScanReal and decides,
 // at its call, what may follow the number; the value is formed by ToDouble, only when it is wanted.
 //
-// The grammar, after the leading sign:
+// The grammar, after an optional sign:
 //   mantissa  digits with at most one point; no implied decimals
 //   exponent  E e D d (Q q where the rules say so), an optional sign and digits; or a sign that
 //             follows the mantissa directly and digits. Without digits it counts as 0
 //
 // Threads    no state, no allocation: any number of threads at once
 // Exactness  correctly rounded to nearest, ties to even, whatever the thread's rounding mode and
-//            locale and whether it flushes subnormals: all digits count. Too large is an infinity,
-//            too small a zero, both with their sign
+//            locale and whether it flushes subnormals: all digits count, and all arithmetic is on
+//            integers. Too large is an infinity, too small a zero, both with their sign
 #pragma once
 
 #include <cstddef>
@@ -23,21 +23,22 @@ namespace corvale::internal {
 /// What differs between the readers' numbers.
 struct RealRules {
     bool exponentQ;      ///< Q and q begin an exponent too
-    bool emptyMantissa;  ///< a mantissa without any digit counts as 0: "", "+", ".", "e5"
+    bool emptyMantissa;  ///< a mantissa without any digit counts as +0: "", "-", ".", "-e5"
 };
 
 /// A number as it was scanned, before any rounding. Refers to the scanned text.
 struct ScannedReal {
-    std::string_view mantissa;  ///< digits and point, from the first non-zero digit on
-    std::uint64_t digits = 0;   ///< the first 19 significant digits
-    std::int64_t exponent = 0;  ///< the value is digits x 10^exponent (cut where `isCut`)
+    std::string_view mantissa;  ///< digits with at most one point, leading zeros included
+    std::uint64_t digits = 0;   ///< the first 19 significant digits, or all where they are fewer
+    std::int64_t exponent = 0;  ///< the value is digits x 10^exponent, or above it where `isCut`
     bool isNegative = false;
-    bool isCut = false;  ///< significant digits beyond the 19th exist
+    bool isCut = false;  ///< there are digits other than 0 after the 19th
 };
 
-/// Scans the number that begins at the first character of `text` and takes every character that
-/// continues it. Returns how many were taken; `npos` where no number begins there.
-[[nodiscard]] std::size_t ScanReal(std::string_view text, RealRules rules,
+/// Scans the number that begins at position `at` <= size of `text` and takes every character that
+/// continues it. Returns the position after the last one taken; `npos` where no number begins. What
+/// stands before `at` is not looked at, but must be readable.
+[[nodiscard]] std::size_t ScanReal(std::string_view text, std::size_t at, RealRules rules,
                                    ScannedReal& number) noexcept;
 
 /// The nearest double.
