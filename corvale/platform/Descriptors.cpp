@@ -1,0 +1,186 @@
+#include <corvale/platform/Descriptors.hpp>
+
+#include <corvale/platform/SignalHold.hpp>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <optional>
+
+namespace corvale::internal {
+
+namespace {
+
+constexpr int kWriterWaitMs = 2000;  // how long a named pipe waits for its writer
+constexpr int kWriterStepMs = 50;    // how often it asks whether one has come
+constexpr int kRoomWaitMs = 1000;    // how long a full pipe may take to make room for a line
+constexpr int kFirstOwnDescriptor = 3;
+constexpr mode_t kNewFileMode = 0666;  // less what the process masks out
+
+template <class Call>
+auto RetryInterrupted(Call call) noexcept {
+    auto result = call();
+    while (result == -1 && errno == EINTR) result = call();
+    return result;
+}
+
+int OpenFlags(FileAccess access) noexcept {
+    constexpr int always = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    switch (access) {
+        case FileAccess::Read:
+            return always | O_RDONLY;
+        case FileAccess::Replace:
+            return always | O_WRONLY | O_CREAT | O_TRUNC | O_APPEND;
+        case FileAccess::Append:
+            return always | O_WRONLY | O_CREAT | O_APPEND;
+    }
+    return always;
+}
+
+// The host may have closed its standard descriptors: what is opened then must not become its
+// standard output.
+int MoveAboveStandard(int descriptor) noexcept {
+    if (descriptor < 0 || descriptor >= kFirstOwnDescriptor) return descriptor;
+    const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, kFirstOwnDescriptor);
+    close(descriptor);
+    return moved;
+}
+
+int OpenPath(const char* path, FileAccess access) noexcept {
+    return MoveAboveStandard(
+        RetryInterrupted([&] { return open(path, OpenFlags(access), kNewFileMode); }));
+}
+
+bool IsNullDevice(const struct stat& status) noexcept {
+    struct stat nullDevice = {};
+    return stat("/dev/null", &nullDevice) == 0 && nullDevice.st_rdev == status.st_rdev;
+}
+
+bool IsText(int descriptor, const struct stat& status, FileAccess access) noexcept {
+    if (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode)) return true;
+    if (!S_ISCHR(status.st_mode)) return false;
+    return access != FileAccess::Read || isatty(descriptor) == 1 || IsNullDevice(status);
+}
+
+// A named pipe opens before its writer has come, and then reads as ended; once a writer is there it
+// has no data yet. A byte that the question itself takes out is kept in `file`.
+bool HasWriter(TextFile& file) noexcept {
+    for (int waitedMs = 0; waitedMs < kWriterWaitMs; waitedMs += kWriterStepMs) {
+        pollfd waiting = {file.descriptor, POLLIN, 0};
+        if (RetryInterrupted([&] { return poll(&waiting, 1, kWriterStepMs); }) > 0) return true;
+        char first = '\0';
+        const auto count = ReadSome(file.descriptor, {&first, 1});
+        if (count > 0) file.firstByte = first;
+        if (count != 0) return count > 0 || errno == EAGAIN;
+    }
+    return false;
+}
+
+bool MakeBlocking(int descriptor) noexcept {
+    const int flags = fcntl(descriptor, F_GETFL);
+    return flags != -1 && fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != -1;
+}
+
+// True when the last byte of a file that is not empty is no line end.
+bool EndsInsideLine(const char* path, const struct stat& status) noexcept {
+    if (!S_ISREG(status.st_mode) || status.st_size == 0) return false;
+    const int reader = OpenPath(path, FileAccess::Read);
+    if (reader < 0) return false;
+    char last = '\n';
+    const auto count =
+        RetryInterrupted([&] { return pread(reader, &last, 1, status.st_size - 1); });
+    close(reader);
+    return count == 1 && last != '\n';
+}
+
+// A file-size limit turns a write into SIGXFSZ, a pipe without readers into SIGPIPE.
+bool MayRaiseSignals(const struct stat& status) noexcept {
+    if (!S_ISREG(status.st_mode)) return true;
+    rlimit limit = {};
+    return getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
+}
+
+// What remains to be known of a file that has just been opened; false when it is of no use.
+bool Settle(TextFile& file, const char* path) noexcept {
+    struct stat status = {};
+    if (fstat(file.descriptor, &status) != 0) return false;
+    if (!IsText(file.descriptor, status, file.access)) return false;
+    if (file.access == FileAccess::Read) {
+        if (S_ISFIFO(status.st_mode) && !HasWriter(file)) return false;
+        return MakeBlocking(file.descriptor);
+    }
+    file.mayRaiseSignals = MayRaiseSignals(status);
+    file.lacksLineEnd = file.access == FileAccess::Append && EndsInsideLine(path, status);
+    return true;
+}
+
+// Drops the first `count` bytes of `parts` and every part that is empty.
+std::span<iovec> Advance(std::span<iovec> parts, std::size_t count) noexcept {
+    while (!parts.empty()) {
+        iovec& part = parts.front();
+        const std::size_t taken = std::min(count, part.iov_len);
+        part.iov_base = static_cast<char*>(part.iov_base) + taken;
+        part.iov_len -= taken;
+        count -= taken;
+        if (part.iov_len > 0) break;
+        parts = parts.subspan(1);
+    }
+    return parts;
+}
+
+bool WaitForRoom(int descriptor) noexcept {
+    pollfd waiting = {descriptor, POLLOUT, 0};
+    return RetryInterrupted([&] { return poll(&waiting, 1, kRoomWaitMs); }) > 0;
+}
+
+std::ptrdiff_t WriteSome(int descriptor, std::span<iovec> parts) noexcept {
+    if (parts.size() == 1) {
+        const iovec& only = parts.front();
+        return RetryInterrupted([&] { return write(descriptor, only.iov_base, only.iov_len); });
+    }
+    return RetryInterrupted(
+        [&] { return writev(descriptor, parts.data(), static_cast<int>(parts.size())); });
+}
+
+}  // namespace
+
+TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept {
+    std::array<char, PATH_MAX> path;
+    name = name.substr(0, name.find_last_not_of(' ') + 1);
+    if (name.empty() || name.size() >= path.size() || name.find('\0') != std::string_view::npos)
+        return {};
+    *std::copy(name.begin(), name.end(), path.begin()) = '\0';
+
+    TextFile file = {OpenPath(path.data(), access), access};
+    if (!file.IsOpen() || Settle(file, path.data())) return file;
+    close(file.descriptor);
+    return {};
+}
+
+std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept {
+    return RetryInterrupted([&] { return read(descriptor, buffer.data(), buffer.size()); });
+}
+
+bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
+    std::optional<SignalHold> hold;
+    if (file.mayRaiseSignals) hold.emplace();
+
+    parts = Advance(parts, 0);
+    while (!parts.empty()) {
+        const std::ptrdiff_t written = WriteSome(file.descriptor, parts);
+        if (written < 0 && errno == EAGAIN && WaitForRoom(file.descriptor)) continue;
+        if (written <= 0) return false;
+        file.lacksLineEnd = true;
+        parts = Advance(parts, static_cast<std::size_t>(written));
+    }
+    file.lacksLineEnd = false;
+    return true;
+}
+
+}  // namespace corvale::internal

@@ -1,0 +1,49 @@
+// Internal to platform/: not installed, may change in any commit.
+//
+// Text files as the operating system sees them: opening with everything that can go wrong, reading
+// and writing with interrupted and partial calls taken care of.
+#pragma once
+
+#include <sys/uio.h>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace corvale::internal {
+
+enum class FileAccess : std::uint8_t {
+    Read,     ///< must exist; from its start
+    Replace,  ///< created or emptied; write only
+    Append    ///< created or kept; write only, at its end
+};
+
+/// An open file, or none.
+struct TextFile {
+    int descriptor = -1;
+    FileAccess access = FileAccess::Read;
+    bool mayRaiseSignals = false;        ///< writing can raise SIGPIPE or SIGXFSZ
+    bool lacksLineEnd = false;           ///< what stands at its end is not a whole line
+    std::optional<char> firstByte = {};  ///< was read while opening; precedes all further reading
+
+    [[nodiscard]] bool IsOpen() const noexcept { return descriptor >= 0; }
+};
+
+/// Opens a text file: a regular file, a pipe, a terminal, the null device; to write, any character
+/// device. Directories, block devices and devices that never end are none. The descriptor is 3 or
+/// higher and is closed on exec. Nothing blocks: a named pipe that nobody reads does not open for
+/// writing, one that nobody writes does not open for reading after two seconds.
+///
+/// Bad input  a name that is blank, holds a NUL or is longer than the system's paths opens nothing
+[[nodiscard]] TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept;
+
+/// Reads what is there, up to the size of `buffer`: the number of bytes, 0 at the end, -1 on error.
+[[nodiscard]] std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept;
+
+/// Writes `parts`, which end in a line end, in one system call wherever the system takes them
+/// whole. Returns false if that was impossible; `lacksLineEnd` of `file` then says whether a part
+/// of a line is left behind. A full pipe is given one second to make room. `parts` is used up.
+[[nodiscard]] bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept;
+
+}  // namespace corvale::internal

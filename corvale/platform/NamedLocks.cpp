@@ -1,0 +1,74 @@
+#include <corvale/platform/NamedLocks.hpp>
+
+#include <corvale/platform/ForkSafety.hpp>
+
+#include <atomic>
+#include <cstring>
+#include <new>
+
+namespace corvale::NamedLocks {
+
+namespace {
+
+// A lock and its name. Locks live as long as the process: none is ever taken out of the list.
+struct Entry {
+    std::string_view name;
+    Entry* next = nullptr;
+    std::mutex lock = {};
+};
+
+constinit Entry infoMessage{InfoMessageLock};
+constinit Entry errorMessage{ErrorMessageLock, &infoMessage};
+constinit std::atomic<Entry*> firstEntry{&errorMessage};
+constinit std::mutex insertion;
+constinit std::mutex sharedForLackOfMemory;
+
+Entry* Find(std::string_view name) noexcept {
+    Entry* entry = firstEntry.load(std::memory_order_acquire);
+    while (entry != nullptr && entry->name != name) entry = entry->next;
+    return entry;
+}
+
+// One block: the entry, then the characters of its name.
+Entry* MakeEntry(std::string_view name) noexcept {
+    void* block = ::operator new(sizeof(Entry) + name.size(), std::nothrow);
+    if (block == nullptr) return nullptr;
+    char* characters = static_cast<char*>(block) + sizeof(Entry);
+    if (!name.empty()) std::memcpy(characters, name.data(), name.size());
+    return new (block) Entry{{characters, name.size()}, firstEntry.load(std::memory_order_relaxed)};
+}
+
+}  // namespace
+
+std::mutex& NamedLock(std::string_view name) noexcept {
+    internal::KeepUsableAfterFork();
+    if (Entry* entry = Find(name)) return entry->lock;
+
+    const std::scoped_lock guard(insertion);
+    if (Entry* entry = Find(name)) return entry->lock;
+    Entry* entry = MakeEntry(name);
+    if (entry == nullptr) return sharedForLackOfMemory;
+    firstEntry.store(entry, std::memory_order_release);
+    return entry->lock;
+}
+
+}  // namespace corvale::NamedLocks
+
+namespace corvale::internal {
+
+// Between these two no other thread changes the list. Locks that other threads hold are lost to the
+// child together with those threads, so it gets new ones in their place.
+void HoldNamedLocks() noexcept {
+    NamedLocks::insertion.lock();
+}
+
+void ReleaseNamedLocks(ForkSide side) noexcept {
+    NamedLocks::insertion.unlock();
+    if (side == ForkSide::Parent) return;
+    new (&NamedLocks::sharedForLackOfMemory) std::mutex;
+    for (NamedLocks::Entry* entry = NamedLocks::firstEntry.load(); entry != nullptr;
+         entry = entry->next)
+        new (&entry->lock) std::mutex;
+}
+
+}  // namespace corvale::internal

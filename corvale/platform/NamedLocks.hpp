@@ -1,0 +1,28 @@
+// NamedLocks: process-wide locks that libraries of the family look up by name.
+//
+// "cs_logerrormessage"  held while an error message is stored and its log line written
+// "cs_loginfomessage"   the same for informational messages
+// any other name        a lock of its own, made when it is first asked for
+#pragma once
+
+#include <corvale/base/Export.h>
+
+#include <mutex>
+#include <string_view>
+
+namespace corvale::NamedLocks {
+
+inline constexpr std::string_view ErrorMessageLock = "cs_logerrormessage";
+inline constexpr std::string_view InfoMessageLock = "cs_loginfomessage";
+
+/// The lock of that name, compared byte for byte: the same object for every caller in the process,
+/// valid until the process ends. Only the first call for a new name allocates.
+///
+/// Bad input  any name is usable, the empty one included; names for whose lock no memory can be had
+///            share one lock
+/// Threads    any number at once, from the first static constructor to the last exit handler; not
+///            from a signal handler. In a child process after fork every lock is free, whoever held
+///            it in the parent
+[[nodiscard]] CORVALE_API std::mutex& NamedLock(std::string_view name) noexcept;
+
+}  // namespace corvale::NamedLocks

@@ -1,0 +1,32 @@
+#include <corvale/platform/SignalHold.hpp>
+
+#include <pthread.h>
+#include <cerrno>
+#include <initializer_list>
+
+namespace corvale::internal {
+
+SignalHold::SignalHold() noexcept {
+    sigemptyset(&ofWriting_);
+    sigaddset(&ofWriting_, SIGPIPE);
+    sigaddset(&ofWriting_, SIGXFSZ);
+    sigpending(&hostsPending_);
+    pthread_sigmask(SIG_BLOCK, &ofWriting_, &hostsMask_);
+}
+
+SignalHold::~SignalHold() {
+    sigset_t pending;
+    sigpending(&pending);
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        if (sigismember(&pending, signal) == 0 || sigismember(&hostsPending_, signal) != 0)
+            continue;
+        sigset_t raised;
+        sigemptyset(&raised);
+        sigaddset(&raised, signal);
+        int taken = 0;
+        sigwait(&raised, &taken);
+    }
+    pthread_sigmask(SIG_SETMASK, &hostsMask_, nullptr);
+}
+
+}  // namespace corvale::internal
