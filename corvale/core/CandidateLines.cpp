@@ -1,0 +1,136 @@
+#include <corvale/core/CandidateLines.hpp>
+
+#include <corvale/base/CodePath.hpp>
+#include <corvale/platform/UnitFiles.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace corvale::internal {
+
+namespace {
+
+constexpr std::size_t kColumns = 512;
+constexpr std::size_t kLongest = kColumns + 2;  // with CR LF: more of a line never matters
+
+// A line that reaches beyond what has been read so far is moved to stand before what comes next.
+constexpr std::size_t kFront = 1024;
+constexpr std::size_t kChunk = 256 * 1024;
+static_assert(kFront > kLongest);
+
+// Too large for the stack of a small thread; loading is serialised by the callers.
+alignas(64) constinit std::array<char, kFront + kChunk> buffer{};
+
+// The first place where a line begins with q or Q, or no more than a block before it; `n` when
+// there is none. `text[-1]` is looked at too. Nothing is done for each line: the search runs over
+// line ends as over any other character (bench: CardFile).
+struct NearCandidateLoop {
+    static constexpr std::size_t kBlock = 256;
+
+    CORVALE_LOOP static bool IsCandidate(const char* at) noexcept {
+        return (at[-1] == '\n') & ((at[0] | 0x20) == 'q');
+    }
+    CORVALE_LOOP std::size_t operator()(const char* text, std::size_t n) const noexcept {
+        std::size_t i = 0;
+        for (; i + kBlock <= n; i += kBlock) {
+            unsigned char found = 0;
+            for (std::size_t j = 0; j < kBlock; ++j)
+                found = static_cast<unsigned char>(found | IsCandidate(text + i + j));
+            if (found != 0) return i;
+        }
+        while (i < n && !IsCandidate(text + i)) ++i;
+        return i;
+    }
+};
+
+// Where the next line that begins with q or Q begins, or `end`. `at[-1]` is looked at too.
+const char* NextCandidate(const char* at, const char* end) noexcept {
+    while (at < end) {
+        at += OnBestPath<NearCandidateLoop>(at, static_cast<std::size_t>(end - at));
+        const char* const blockEnd =
+            at + std::min<std::ptrdiff_t>(NearCandidateLoop::kBlock, end - at);
+        while (at < blockEnd) {
+            if (NearCandidateLoop::IsCandidate(at)) return at;
+            const void* lineEnd = std::memchr(at, '\n', static_cast<std::size_t>(blockEnd - at));
+            at = lineEnd == nullptr ? blockEnd : static_cast<const char*>(lineEnd) + 1;
+        }
+        if (at < end && NearCandidateLoop::IsCandidate(at)) return at;
+    }
+    return end;
+}
+
+// The line that begins at `at`, as far as it matters, and whether all of that is there.
+struct Line {
+    std::string_view text;
+    bool isComplete;
+};
+
+Line LineAt(const char* at, const char* end) noexcept {
+    const std::string_view rest(
+        at, std::min<std::size_t>(kLongest, static_cast<std::size_t>(end - at)));
+    const std::size_t lineEnd = rest.find('\n');
+    if (lineEnd == std::string_view::npos)
+        return {rest.substr(0, kColumns), rest.size() == kLongest};
+    const bool hasReturn = lineEnd > 0 && rest[lineEnd - 1] == '\r';
+    return {rest.substr(0, std::min(lineEnd - (hasReturn ? 1 : 0), kColumns)), true};
+}
+
+// Lines on their way to `take`.
+class Group {
+  public:
+    explicit Group(void (*take)(Lines) noexcept) noexcept : take_(take) {}
+
+    void Add(std::string_view line) noexcept {
+        lines_[count_++] = line;
+        if (count_ == lines_.size()) HandOver();
+    }
+    void HandOver() noexcept {
+        if (count_ > 0) take_(Lines(lines_).first(count_));
+        count_ = 0;
+    }
+
+  private:
+    void (*take_)(Lines) noexcept;
+    std::array<std::string_view, 512> lines_;
+    std::size_t count_ = 0;
+};
+
+// Adds the complete candidates between `at` and `end`; returns the incomplete one at the end.
+std::string_view AddCandidates(const char* at, const char* end, Group& group) noexcept {
+    for (at = NextCandidate(at, end); at < end; at = NextCandidate(at, end)) {
+        const Line line = LineAt(at, end);
+        if (!line.isComplete) return {at, static_cast<std::size_t>(end - at)};
+        group.Add(line.text);
+        at += line.text.size();
+    }
+    return {};
+}
+
+}  // namespace
+
+void ReadCandidateLines(std::int32_t unit, void (*take)(Lines) noexcept) noexcept {
+    Group group(take);
+    char* const front = buffer.data() + kFront;
+    std::string_view unfinished;
+    bool isAtLineStart = true;
+    for (;;) {
+        const std::ptrdiff_t count = ReadBytes(unit, {front, kChunk});
+        if (count <= 0) {
+            if (count == 0 && !unfinished.empty()) group.Add(unfinished.substr(0, kColumns));
+            return group.HandOver();
+        }
+        const char* const end = front + count;
+        char* const begin = front - unfinished.size();
+        begin[-1] = isAtLineStart || !unfinished.empty() ? '\n' : ' ';
+        unfinished = AddCandidates(begin, end, group);
+        group.HandOver();
+
+        isAtLineStart = end[-1] == '\n';
+        char* const kept = front - unfinished.size();
+        if (!unfinished.empty()) std::memmove(kept, unfinished.data(), unfinished.size());
+        unfinished = {kept, unfinished.size()};
+    }
+}
+
+}  // namespace corvale::internal

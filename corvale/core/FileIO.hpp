@@ -1,0 +1,102 @@
+// FileIO: the last error and the last informational message of the process, the log file that they
+// are written to, and the opening of text files.
+//
+// A procedure that fails stores a message with TraceLogError, beginning with its own name and a
+// colon, and returns status 2. A success never clears the stored message. The log file is opened
+// and closed by the C functions OpenLogFile and CloseLogFile; while it is open each message is also
+// one line in it: "Error-" and the message for an error, the message alone otherwise, in full
+// length, trailing blanks included. When TraceLogError and TraceLogInfo return, the line has been
+// handed to the system: a process that is killed loses none. A line that the system does not take
+// (disk full, nobody reads the pipe) is lost without an error; later ones are written again once
+// they can be.
+//
+// Message  LastLoggedErrMsg  LogLastInfoMsg  TraceLogError  TraceLogInfo  LogFileUnit
+// Open     FileOpen  FileOpenMT
+#pragma once
+
+#include <corvale/base/Export.h>
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace corvale::FileIO {
+
+/// A message of 128 characters, all blank at first.
+///
+/// Threads    any number at once: a message that is read while another is stored may mix the two
+class CORVALE_API MessageStore {
+  public:
+    /// Copies the message to `message`, blank-filled, without a terminator.
+    void Load(std::span<char, 128> message) const noexcept;
+
+    /// Keeps the first 128 characters of `message`, blank-filled.
+    void Store(std::string_view message) noexcept;
+
+  private:
+    static constexpr std::uint64_t kBlanks = 0x2020202020202020;  // eight blanks
+    using Word = std::atomic<std::uint64_t>;
+
+    std::array<Word, 16> words_ = {Word{kBlanks}, Word{kBlanks}, Word{kBlanks}, Word{kBlanks},
+                                   Word{kBlanks}, Word{kBlanks}, Word{kBlanks}, Word{kBlanks},
+                                   Word{kBlanks}, Word{kBlanks}, Word{kBlanks}, Word{kBlanks},
+                                   Word{kBlanks}, Word{kBlanks}, Word{kBlanks}, Word{kBlanks}};
+};
+
+/// The last error message. Stored and logged under the named lock "cs_logerrormessage".
+extern CORVALE_API MessageStore LastLoggedErrMsg;
+
+/// The last informational message. Stored and logged under the named lock "cs_loginfomessage".
+extern CORVALE_API MessageStore LogLastInfoMsg;
+
+/// The unit of the log file: 6 while one is open and after opening one has failed, 0 when the
+/// library is loaded and after CloseLogFile.
+extern CORVALE_API std::atomic<std::int32_t> LogFileUnit;
+
+/// Stores an error message and writes its line, "Error-" and the message, to an open log.
+///
+/// Width      any: 128 characters are stored, the line holds all. CR and LF are stored as they are
+///            and become blanks in the line
+/// Bad input  a blank or empty message clears the store and writes no line
+/// Threads    any number at once, also in a forked child; one message at a time holds the lock
+///            "cs_logerrormessage", which must not be held by the caller. Not from a signal handler
+CORVALE_API void TraceLogError(std::string_view message) noexcept;
+
+/// Stores an informational message and writes it as one line to an open log.
+///
+/// Width      as `TraceLogError`
+/// Bad input  a blank message clears the store and is written too, an empty one as an empty line
+/// Threads    as `TraceLogError`, with the lock "cs_loginfomessage"
+CORVALE_API void TraceLogInfo(std::string_view message) noexcept;
+
+/// Opens a text file on `fileUnit`, any number, after closing what was open there. Backslashes of
+/// the name are taken as slashes; trailing blanks are not part of it, leading ones are.
+/// Directories, block devices and devices that never end are no text files; opening never waits for
+/// a named pipe longer than two seconds. Lines are read and written with TextUnits.
+///
+/// `ioMode`     0 to write (the file is created or emptied), 1 to read (it must exist), 2 to append
+///              (it is created or kept)
+/// `readFlag`   makes no difference
+/// Bad input    status 2 and a message: "FileOpen: File name is empty." (tested first), "FileOpen:
+///              Invalid ioMode for FileOpen.", "FileOpen: Unable to open file " with the name as it
+///              was given, in quotes, and " for reading." or " for writing."; a name that holds a
+///              NUL opens nothing. `fileUnit` is then closed
+/// Threads      as TextUnits: safe, but two callers that use one number disturb each other
+[[nodiscard]] CORVALE_API std::int32_t FileOpen(
+    std::int32_t fileUnit, std::string_view fileName, std::int32_t ioMode,
+    std::optional<std::int32_t> readFlag = std::nullopt) noexcept;
+
+/// Opens a text file on a number that no open unit has and gives the number in `fileUnit`; 0 when
+/// nothing was opened. As `FileOpen`, but nothing is closed first and `ioMode` 2 is not allowed.
+///
+/// Bad input  as `FileOpen`, with messages that begin "FileOpenMT: " ("FileOpen: File name is
+/// empty."
+///            excepted)
+/// Threads    any number at once
+[[nodiscard]] CORVALE_API std::int32_t FileOpenMT(std::string_view fileName, std::int32_t ioMode,
+                                                  std::int32_t& fileUnit) noexcept;
+
+}  // namespace corvale::FileIO

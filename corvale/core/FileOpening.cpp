@@ -1,0 +1,93 @@
+#include <corvale/core/CorvaleTypes.hpp>
+#include <corvale/core/FileIO.hpp>
+#include <corvale/core/LogFile.hpp>
+#include <corvale/platform/TextUnits.hpp>
+#include <corvale/platform/UnitFiles.hpp>
+#include <corvale/text/FixedWidthText.hpp>
+#include <corvale/text/TextParts.hpp>
+
+#include <array>
+#include <climits>
+
+namespace corvale::FileIO {
+
+namespace {
+
+using internal::FileAccess;
+
+constexpr std::int32_t kWrite = 0;
+constexpr std::int32_t kRead = 1;
+constexpr std::int32_t kAppend = 2;
+
+// The system's form of a name: slashes for backslashes. Longer names than the system's paths open
+// nothing and stay as they are.
+class SystemPath {
+  public:
+    explicit SystemPath(std::string_view name) noexcept : path_(name) {
+        if (name.size() > characters_.size()) return;
+        const std::span<char> path = std::span(characters_).first(name.size());
+        StrFunctions::ReplaceString(name, "\\", "/", path);
+        path_ = {path.data(), path.size()};
+    }
+    [[nodiscard]] std::string_view Text() const noexcept { return path_; }
+
+  private:
+    std::array<char, PATH_MAX> characters_;
+    std::string_view path_;
+};
+
+std::optional<FileAccess> AccessFor(std::int32_t ioMode) noexcept {
+    switch (ioMode) {
+        case kRead:
+            return FileAccess::Read;
+        case kAppend:
+            return FileAccess::Append;
+        case kWrite:
+            return FileAccess::Replace;
+        default:
+            return std::nullopt;
+    }
+}
+
+std::int32_t Fail(std::string_view message) noexcept {
+    TraceLogError(message);
+    return CorvaleTypes::StatusFailed;
+}
+
+std::int32_t FailToOpen(std::string_view beginning, std::string_view name,
+                        std::int32_t ioMode) noexcept {
+    const std::array<std::string_view, 5> message = {
+        beginning, "\"", name, "\"", ioMode == kRead ? " for reading." : " for writing."};
+    internal::TraceErrorPieces(message);
+    return CorvaleTypes::StatusFailed;
+}
+
+}  // namespace
+
+std::int32_t FileOpen(std::int32_t fileUnit, std::string_view fileName, std::int32_t ioMode,
+                      std::optional<std::int32_t> /*readFlag*/) noexcept {
+    TextUnits::Close(fileUnit);
+    if (StrFunctions::IsBlankOrNull(fileName) == 1) return Fail("FileOpen: File name is empty.");
+    const std::optional<FileAccess> access = AccessFor(ioMode);
+    if (!access) return Fail("FileOpen: Invalid ioMode for FileOpen.");
+
+    const std::string_view name = internal::WithoutTrailingBlanks(fileName);
+    if (internal::OpenUnit(fileUnit, SystemPath(name).Text(), *access))
+        return CorvaleTypes::StatusOk;
+    return FailToOpen("FileOpen: Unable to open file ", name, ioMode);
+}
+
+std::int32_t FileOpenMT(std::string_view fileName, std::int32_t ioMode,
+                        std::int32_t& fileUnit) noexcept {
+    fileUnit = 0;
+    if (StrFunctions::IsBlankOrNull(fileName) == 1) return Fail("FileOpen: File name is empty.");
+    const std::optional<FileAccess> access = AccessFor(ioMode);
+    if (!access || ioMode == kAppend) return Fail("FileOpenMT: Invalid ioMode for FileOpen.");
+
+    const std::string_view name = internal::WithoutTrailingBlanks(fileName);
+    fileUnit = internal::OpenFreshUnit(SystemPath(name).Text(), *access);
+    if (fileUnit != 0) return CorvaleTypes::StatusOk;
+    return FailToOpen("FileOpenMT: Unable to open file ", name, ioMode);
+}
+
+}  // namespace corvale::FileIO

@@ -1,0 +1,93 @@
+#include <corvale/core/LogFile.hpp>
+
+#include <corvale/core/CorvaleTypes.hpp>
+#include <corvale/core/FileIO.hpp>
+#include <corvale/platform/NamedLocks.hpp>
+#include <corvale/platform/TextUnits.hpp>
+#include <corvale/platform/UnitFiles.hpp>
+#include <corvale/text/FixedWidthText.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <mutex>
+
+namespace corvale::FileIO {
+
+constinit std::atomic<std::int32_t> LogFileUnit{0};
+
+namespace {
+
+constexpr std::int32_t kNoLog = 0;
+constexpr std::int32_t kLogUnit = 6;
+constexpr std::string_view kErrorPrefix = "Error-";
+
+using Pieces = std::span<const std::string_view>;
+
+bool IsBlank(Pieces pieces) noexcept {
+    return std::ranges::all_of(
+        pieces, [](std::string_view piece) { return StrFunctions::IsBlankOrNull(piece) == 1; });
+}
+
+void StorePieces(Pieces pieces, MessageStore& store) noexcept {
+    if (pieces.size() == 1) return store.Store(pieces.front());
+    std::array<char, CorvaleTypes::MessageWidth> message;
+    std::size_t end = 0;
+    for (const std::string_view piece : pieces)
+        end += piece.copy(message.data() + end, message.size() - end);
+    store.Store({message.data(), end});
+}
+
+// A line that the system does not take is lost: there is nobody to tell.
+void WriteToLog(Pieces pieces) noexcept {
+    const std::int32_t unit = LogFileUnit.load(std::memory_order_relaxed);
+    if (unit != kNoLog) static_cast<void>(internal::WriteLine(unit, pieces));
+}
+
+}  // namespace
+
+void TraceLogError(std::string_view message) noexcept {
+    internal::TraceErrorPieces({&message, 1});
+}
+
+void TraceLogInfo(std::string_view message) noexcept {
+    const std::scoped_lock guard(NamedLocks::NamedLock(NamedLocks::InfoMessageLock));
+    WriteToLog({&message, 1});
+    LogLastInfoMsg.Store(message);
+}
+
+}  // namespace corvale::FileIO
+
+namespace corvale::internal {
+
+using namespace FileIO;
+
+void TraceErrorPieces(std::span<const std::string_view> pieces) noexcept {
+    const std::scoped_lock guard(NamedLocks::NamedLock(NamedLocks::ErrorMessageLock));
+    if (!IsBlank(pieces)) {
+        std::array<std::string_view, 8> line = {kErrorPrefix};
+        const auto end = std::ranges::copy(pieces.first(std::min(pieces.size(), line.size() - 1)),
+                                           line.begin() + 1)
+                             .out;
+        WriteToLog({line.begin(), end});
+    }
+    StorePieces(pieces, LastLoggedErrMsg);
+}
+
+std::int32_t OpenLog(std::string_view name) noexcept {
+    const std::int32_t openUnit = LogFileUnit.load(std::memory_order_relaxed);
+    if (openUnit != kNoLog) TextUnits::Close(openUnit);
+    LogFileUnit.store(kLogUnit, std::memory_order_relaxed);
+    if (OpenUnit(kLogUnit, name, FileAccess::Replace)) return CorvaleTypes::StatusOk;
+    TraceLogError("OpenLogFile: log file failed to open.");
+    return CorvaleTypes::StatusFailed;
+}
+
+void CloseLog() noexcept {
+    const std::int32_t openUnit = LogFileUnit.load(std::memory_order_relaxed);
+    if (openUnit != kNoLog) TextUnits::Close(openUnit);
+    LogFileUnit.store(kNoLog, std::memory_order_relaxed);
+    TraceLogError("");
+}
+
+}  // namespace corvale::internal
