@@ -1,0 +1,140 @@
+#include <corvale/exports/CorvaleDllExports.h>
+
+#include <corvale/core/CorvaleCardReading.hpp>
+#include <corvale/core/CorvaleTypes.hpp>
+#include <corvale/core/FileIO.hpp>
+#include <corvale/core/LogFile.hpp>
+#include <corvale/numeric/SoftwareInfo.hpp>
+#include <corvale/text/FixedWidthText.hpp>
+#include <corvale/text/TextParts.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+using namespace corvale;
+
+static_assert(CORVALE_OK == CorvaleTypes::StatusOk);
+static_assert(CORVALE_FAILED == CorvaleTypes::StatusFailed);
+static_assert(CORVALE_NAME_WIDTH == CorvaleTypes::NameWidth);
+static_assert(CORVALE_MESSAGE_WIDTH == CorvaleTypes::MessageWidth);
+
+namespace {
+
+// A caller's buffer as a text, left-adjusted: its leading blanks are moved to its end.
+template <std::int32_t Width>
+class BufferText {
+  public:
+    explicit BufferText(const char* buffer) noexcept {
+        StrFunctions::CharArrToStr(buffer, Width, text_);
+        const std::string_view whole(text_.data(), text_.size());
+        internal::PutText(internal::WithoutLeadingBlanks(whole), text_);
+    }
+    [[nodiscard]] std::string_view Whole() const noexcept { return {text_.data(), text_.size()}; }
+    [[nodiscard]] std::string_view Trimmed() const noexcept {
+        return internal::WithoutTrailingBlanks(Whole());
+    }
+
+  private:
+    std::array<char, Width> text_;
+};
+
+using NameText = BufferText<CorvaleTypes::NameWidth>;
+using MessageText = BufferText<CorvaleTypes::MessageWidth>;
+
+void HandOut(const FileIO::MessageStore& store, char* message) noexcept {
+    std::array<char, CorvaleTypes::MessageWidth> text;
+    store.Load(text);
+    StrFunctions::StrToCharArr({text.data(), text.size()}, CorvaleTypes::MessageWidth, message);
+}
+
+// Stores `mode` with `set` if it is 0 or 1; otherwise reports `complaint`.
+std::int32_t SetMode(std::int32_t mode, void (*set)(std::int32_t) noexcept,
+                     std::string_view complaint) noexcept {
+    if (mode != 0 && mode != 1) {
+        FileIO::TraceLogError(complaint);
+        return CorvaleTypes::StatusFailed;
+    }
+    set(mode);
+    return CorvaleTypes::StatusOk;
+}
+
+}  // namespace
+
+int32_t CorvaleInit() noexcept {
+    return CorvaleTypes::StatusOk;
+}
+
+void CorvaleGetInfo(char* info) noexcept {
+    std::array<char, CorvaleTypes::MessageWidth> line;
+    GenFunctions::GetSoftwareInfo("Corvale", line);
+    StrFunctions::StrToCharArr({line.data(), line.size()}, CorvaleTypes::MessageWidth, info);
+}
+
+void GetInitDllNames(char* names) noexcept {
+    StrFunctions::StrToCharArr({}, CorvaleTypes::NameWidth, names);
+}
+
+int32_t OpenLogFile(const char* fileName) noexcept {
+    return internal::OpenLog(NameText(fileName).Trimmed());
+}
+
+void CloseLogFile() noexcept {
+    internal::CloseLog();
+}
+
+void LogMessage(const char* message) noexcept {
+    FileIO::TraceLogInfo(MessageText(message).Whole());
+}
+
+void GetLastErrMsg(char* message) noexcept {
+    HandOut(FileIO::LastLoggedErrMsg, message);
+}
+
+void GetLastInfoMsg(char* message) noexcept {
+    HandOut(FileIO::LogLastInfoMsg, message);
+}
+
+int32_t GetDupKeyMode() noexcept {
+    return CorvaleCardReading::DupKeyModeGet();
+}
+
+int32_t SetDupKeyMode(int32_t mode) noexcept {
+    return SetMode(mode, CorvaleCardReading::DupKeyModeSet,
+                   "SetDupKeyMode: invalid input value for DUPLICATION key mode.");
+}
+
+int32_t GetAllKeyMode() noexcept {
+    return CorvaleCardReading::AllKeyModeGet();
+}
+
+int32_t SetAllKeyMode(int32_t mode) noexcept {
+    return SetMode(mode, CorvaleCardReading::AllKeyModeSet,
+                   "SetAllKeyMode: invalid input value for elset key mode.");
+}
+
+void ResetAllKeyMode() noexcept {
+    CorvaleTypes::gUseAllKeyMode.store(0, std::memory_order_relaxed);
+    CorvaleTypes::gAllKeyMode.store(0, std::memory_order_relaxed);
+    CorvaleTypes::gDupKeyMode.store(0, std::memory_order_relaxed);
+}
+
+int32_t GetElsetKeyMode() noexcept {
+    return CorvaleCardReading::ElsetKeyModeGet();
+}
+
+int32_t SetElsetKeyMode(int32_t mode) noexcept {
+    return SetMode(mode, CorvaleCardReading::ElsetKeyModeSet,
+                   "SetElsetKeyMode: invalid input value for elset key mode.");
+}
+
+int32_t CorvaleLoadFile(const char* fileName) noexcept {
+    return CorvaleCardReading::ReadCorvaleFrFile(NameText(fileName).Trimmed());
+}
+
+void GetMOICData(int32_t count, double* values) noexcept {
+    if (values == nullptr || count < 1) return;
+    std::fill_n(values, static_cast<std::size_t>(count), 0.0);
+    if (count <= CORVALE_MOIC_COUNT) CorvaleCardReading::RetrieveMocData(values, count);
+}
