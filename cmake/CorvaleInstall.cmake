@@ -1,0 +1,26 @@
+# What `cmake --install` puts in place: headers, library, package description for CMake and
+# pkg-config (both relocatable), and the program.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS Corvale EXPORT CorvaleTargets FILE_SET HEADERS)
+if(CORVALE_BUILD_TOOLS)
+  install(TARGETS corvale_program)
+  file(RELATIVE_PATH library_from_program
+    "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(corvale_program PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_program}")
+endif()
+
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Corvale")
+install(EXPORT CorvaleTargets NAMESPACE Corvale:: DESTINATION "${package_dir}")
+configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/CorvaleConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/CorvaleConfig.cmake" INSTALL_DESTINATION "${package_dir}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/CorvaleConfigVersion.cmake"
+  COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/CorvaleConfig.cmake"
+  "${PROJECT_BINARY_DIR}/CorvaleConfigVersion.cmake" DESTINATION "${package_dir}")
+
+file(RELATIVE_PATH CORVALE_PREFIX_FROM_PC
+  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/Corvale.pc.in" "${PROJECT_BINARY_DIR}/Corvale.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/Corvale.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

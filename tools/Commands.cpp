@@ -1,0 +1,96 @@
+#include "Commands.hpp"
+
+#include "Texts.hpp"
+
+#include <corvale/Corvale.h>
+
+#include <array>
+#include <cmath>
+#include <iomanip>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+namespace corvale::tool {
+
+namespace {
+
+using Values = std::array<double, CORVALE_MOIC_COUNT>;
+
+bool IsRefused(const std::string& name) {
+    const auto why = WhyNameIsRefused(name);
+    if (why) std::cerr << "corvale: the name \"" << name << "\" is refused: " << *why << '\n';
+    return why.has_value();
+}
+
+int Fail() {
+    std::cerr << MessageFrom(GetLastErrMsg) << '\n';
+    return kExitFailed;
+}
+
+Values AllValues() {
+    Values values{};
+    GetMOICData(CORVALE_MOIC_COUNT, values.data());
+    return values;
+}
+
+void PrintJson(int status) {
+    nlohmann::ordered_json moic = nlohmann::ordered_json::array();
+    for (const double value : AllValues()) {
+        if (std::isfinite(value)) moic.push_back(value);
+        else moic.push_back(RealText(value));
+    }
+    const nlohmann::ordered_json all = {
+        {"status", status},
+        {"message", status == CORVALE_OK ? "" : MessageFrom(GetLastErrMsg)},
+        {"elsetKeyMode", GetElsetKeyMode()},
+        {"allKeyMode", GetAllKeyMode()},
+        {"dupKeyMode", GetDupKeyMode()},
+        {"moic", moic}};
+    std::cout << all.dump(2) << '\n';
+}
+
+void PrintTable() {
+    constexpr std::size_t perRow = 4;
+    std::cout << MessageFrom(CorvaleGetInfo) << "\n\n"
+              << "element-set key mode  " << GetElsetKeyMode() << '\n'
+              << "all-key mode          " << GetAllKeyMode() << '\n'
+              << "duplication key mode  " << GetDupKeyMode() << "\n\n"
+              << "MOIC\n";
+    const Values values = AllValues();
+    for (std::size_t i = 0; i < values.size(); i += perRow) {
+        std::cout << std::setw(3) << i + 1 << " to " << std::setw(3) << i + perRow;
+        for (std::size_t j = i; j < i + perRow; ++j)
+            std::cout << ' ' << std::setw(23) << RealText(values[j]);
+        std::cout << '\n';
+    }
+}
+
+// The log is open while the file is loaded, and closed whatever happens.
+int LoadWithLog(const LoadOptions& options) {
+    if (OpenLogFile(options.log.c_str()) != CORVALE_OK) return Fail();
+    LogMessage(("corvale load " + options.file).c_str());
+    const int status = Load({options.file, "", options.asJson});
+    CloseLogFile();
+    return status;
+}
+
+}  // namespace
+
+int Info() {
+    std::cout << MessageFrom(CorvaleGetInfo) << '\n';
+    return kExitOk;
+}
+
+int Load(const LoadOptions& options) {
+    if (IsRefused(options.file) || (!options.log.empty() && IsRefused(options.log)))
+        return kExitFailed;
+    if (!options.log.empty()) return LoadWithLog(options);
+
+    const int status = CorvaleLoadFile(options.file.c_str());
+    if (options.asJson) PrintJson(status);
+    if (status != CORVALE_OK) return Fail();
+    if (!options.asJson) PrintTable();
+    return kExitOk;
+}
+
+}  // namespace corvale::tool
