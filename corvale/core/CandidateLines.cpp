@@ -20,7 +20,8 @@ constexpr std::size_t kChunk = 256 * 1024;
 static_assert(kFront > kLongest);
 
 // Too large for the stack of a small thread; loading is serialised by the callers.
-alignas(64) constinit std::array<char, kFront + kChunk> buffer{};
+// One character more stands behind what was read.
+alignas(64) constinit std::array<char, kFront + kChunk + 1> buffer{};
 
 // The first place where a line begins with q or Q, or no more than a block before it; `n` when
 // there is none. `text[-1]` is looked at too. Nothing is done for each line: the search runs over
@@ -29,7 +30,7 @@ struct NearCandidateLoop {
     static constexpr std::size_t kBlock = 256;
 
     CORVALE_LOOP static bool IsCandidate(const char* at) noexcept {
-        return (at[-1] == '\n') & ((at[0] | 0x20) == 'q');
+        return (at[-1] == '\n') & ((at[0] | 0x20) == 'q') & ((at[1] | 0x20) == 'z');
     }
     CORVALE_LOOP std::size_t operator()(const char* text, std::size_t n) const noexcept {
         std::size_t i = 0;
@@ -44,7 +45,7 @@ struct NearCandidateLoop {
     }
 };
 
-// Where the next line that begins with q or Q begins, or `end`. `at[-1]` is looked at too.
+// Where the next line that begins with QZ begins, or `end`. `at[-1]` and `*end` are looked at too.
 const char* NextCandidate(const char* at, const char* end) noexcept {
     while (at < end) {
         at += OnBestPath<NearCandidateLoop>(at, static_cast<std::size_t>(end - at));
@@ -120,7 +121,8 @@ void ReadCandidateLines(std::int32_t unit, void (*take)(Lines) noexcept) noexcep
             if (count == 0 && !unfinished.empty()) group.Add(unfinished.substr(0, kColumns));
             return group.HandOver();
         }
-        const char* const end = front + count;
+        char* const end = front + count;
+        *end = 'z';  // a line of which only the q is here is unfinished, not passed over
         char* const begin = front - unfinished.size();
         begin[-1] = isAtLineStart || !unfinished.empty() ? '\n' : ' ';
         unfinished = AddCandidates(begin, end, group);

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <bitset>
 #include <cstddef>
+#include <cstring>
 
 namespace corvale::CorvaleCardReading {
 
@@ -37,27 +38,35 @@ constexpr internal::FreeFormRules kCardRules = {.real = {.exponentQ = true, .emp
                                                 .tabSeparates = true,
                                                 .semicolonSeparates = false,
                                                 .repeatCounts = true,
-    .numberWidth = std::string_view::npos};
+                                                .numberWidth = std::string_view::npos};
 
 // No card supplies more values than this. Counts the characters at which a value, or a comma that
-// no value precedes, begins: those that follow a separator and are no blank. `text[-1]` is looked
-// at.
+// no value precedes, can begin: those above a blank that follow a comma or no character above a
+// blank. `numbers` continues a card: the character before it is looked at too.
 struct MostValuesLoop {
-    CORVALE_LOOP std::size_t operator()(const char* text, std::size_t n) const noexcept {
-        constexpr std::size_t block = 128;  // counts of one block fit a byte
-        std::size_t most = 0;
-        unsigned char repeats = 0;
-        for (std::size_t i = 0; i < n; i += block) {
-            unsigned char begins = 0;
-            for (std::size_t j = i; j < std::min(n, i + block); ++j) {
-                const bool isBlank = (text[j] == ' ') | (text[j] == '\t');
-                const bool follows =
-                    (text[j - 1] == ' ') | (text[j - 1] == '\t') | (text[j - 1] == ',');
-                begins = static_cast<unsigned char>(begins + (follows & !isBlank));
-                repeats = static_cast<unsigned char>(repeats | (text[j] == '*'));
-            }
-            most += begins;
+    static constexpr std::size_t kBlock = 128;  // its count fits a byte
+    using Count = unsigned char;
+
+    CORVALE_LOOP static std::size_t CountBlock(const char* text, Count& repeats) noexcept {
+        constexpr Count blank = ' ';
+        Count begins = 0;
+        for (std::size_t i = 0; i < kBlock; ++i) {
+            const auto before = static_cast<Count>(text[i]);
+            const auto at = static_cast<Count>(text[i + 1]);
+            const bool follows = (before <= blank) | (before == ',');
+            begins = static_cast<Count>(begins + (follows & (at > blank)));
+            repeats = static_cast<Count>(repeats | (at == '*'));
         }
+        return begins;
+    }
+    CORVALE_LOOP std::size_t operator()(const char* numbers, std::size_t n) const noexcept {
+        Count repeats = 0;
+        std::size_t most = 0;
+        std::size_t i = 0;
+        for (; i + kBlock <= n; i += kBlock) most += CountBlock(numbers - 1 + i, repeats);
+        std::array<char, kBlock + 1> rest{};
+        std::memcpy(rest.data(), numbers - 1 + i, n - i + 1);
+        most += CountBlock(rest.data(), repeats);
         return repeats != 0 ? MoicArr.size() : most;
     }
 };

@@ -11,7 +11,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <optional>
 
 namespace corvale::internal {
 
@@ -148,6 +147,19 @@ std::ptrdiff_t WriteSome(int descriptor, std::span<iovec> parts) noexcept {
         [&] { return writev(descriptor, parts.data(), static_cast<int>(parts.size())); });
 }
 
+bool WriteEach(TextFile& file, std::span<iovec> parts) noexcept {
+    parts = Advance(parts, 0);
+    while (!parts.empty()) {
+        const std::ptrdiff_t written = WriteSome(file.descriptor, parts);
+        if (written < 0 && errno == EAGAIN && WaitForRoom(file.descriptor)) continue;
+        if (written <= 0) return false;
+        file.lacksLineEnd = true;
+        parts = Advance(parts, static_cast<std::size_t>(written));
+    }
+    file.lacksLineEnd = false;
+    return true;
+}
+
 }  // namespace
 
 TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept {
@@ -168,19 +180,9 @@ std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept {
 }
 
 bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
-    std::optional<SignalHold> hold;
-    if (file.mayRaiseSignals) hold.emplace();
-
-    parts = Advance(parts, 0);
-    while (!parts.empty()) {
-        const std::ptrdiff_t written = WriteSome(file.descriptor, parts);
-        if (written < 0 && errno == EAGAIN && WaitForRoom(file.descriptor)) continue;
-        if (written <= 0) return false;
-        file.lacksLineEnd = true;
-        parts = Advance(parts, static_cast<std::size_t>(written));
-    }
-    file.lacksLineEnd = false;
-    return true;
+    if (!file.mayRaiseSignals) return WriteEach(file, parts);
+    const SignalHold hold;
+    return WriteEach(file, parts);
 }
 
 }  // namespace corvale::internal
