@@ -6,9 +6,11 @@
 
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <iomanip>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <system_error>
 
 namespace corvale::tool {
 
@@ -20,6 +22,15 @@ bool IsRefused(const std::string& name) {
     const auto why = WhyNameIsRefused(name);
     if (why) std::cerr << "corvale: the name \"" << name << "\" is refused: " << *why << '\n';
     return why.has_value();
+}
+
+// The log is emptied when it is opened.
+bool IsSameFile(const std::string& log, const std::string& input) {
+    std::error_code notThere;
+    if (log != input && !std::filesystem::equivalent(log, input, notThere)) return false;
+    std::cerr << "corvale: the log \"" << log
+              << "\" is refused: it is the same file as the input\n";
+    return true;
 }
 
 int Fail() {
@@ -36,8 +47,10 @@ Values AllValues() {
 void PrintJson(int status) {
     nlohmann::ordered_json moic = nlohmann::ordered_json::array();
     for (const double value : AllValues()) {
-        if (std::isfinite(value)) moic.push_back(value);
-        else moic.push_back(RealText(value));
+        if (std::isfinite(value))
+            moic.push_back(value);
+        else
+            moic.push_back(RealText(value));
     }
     const nlohmann::ordered_json all = {
         {"status", status},
@@ -82,9 +95,11 @@ int Info() {
 }
 
 int Load(const LoadOptions& options) {
-    if (IsRefused(options.file) || (!options.log.empty() && IsRefused(options.log)))
-        return kExitFailed;
-    if (!options.log.empty()) return LoadWithLog(options);
+    if (IsRefused(options.file)) return kExitFailed;
+    if (!options.log.empty()) {
+        if (IsRefused(options.log) || IsSameFile(options.log, options.file)) return kExitFailed;
+        return LoadWithLog(options);
+    }
 
     const int status = CorvaleLoadFile(options.file.c_str());
     if (options.asJson) PrintJson(status);

@@ -1,5 +1,5 @@
-// The program corvale: what the library says of itself, what it reads from an input file, and whether
-// a caller's arguments reach it.
+// The program corvale: what the library says of itself, what it reads from an input file, and
+// whether a caller's arguments reach it.
 #include "Commands.hpp"
 
 #include <corvale/Corvale.h>
@@ -39,7 +39,7 @@ int Run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kExitOk : kExitFailed;
+        status = app.exit(error) == 0 ? kExitOk : kExitFailed;
     }
     std::cout.flush();
     if (!std::cout) {

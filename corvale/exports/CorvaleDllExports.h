@@ -1,20 +1,21 @@
 /* CorvaleDllExports.h: the C face of libCorvale, 20 functions for applications in any language.
  *
- * Texts   A text is a buffer of 512 characters (file names, general text: CORVALE_NAME_WIDTH) or
- * 128 characters (messages: CORVALE_MESSAGE_WIDTH), filled with blanks on the right. Texts given to
- * the library end earlier at the first byte outside 32 to 127, so a NUL-terminated string may stand
- * in for a full buffer. The same rule cuts a name at a tab or at any byte of an accented letter,
- * and longer names at 512: another, shorter file would be opened. Refuse such names before the
- * call. Texts written by the library fill their buffer exactly and have no terminator. Status
- * CORVALE_OK, or CORVALE_FAILED with the reason in GetLastErrMsg. A success does not clear an
- *         earlier message.
- * Null    A null input text counts as blank; a null output is skipped.
- * Start   Nothing has to be called first and nothing has to be released. No exception leaves and no
- *         pointer is kept. State survives unloading the library.
- * Threads LogMessage, the Get functions of modes and messages, CorvaleInit, CorvaleGetInfo,
- *         GetInitDllNames and the TestInterface functions: any number of threads at once. Opening
- *         and closing the log, setting modes, loading a file and GetMOICData are for the callers to
- *         serialise. None may be called from a signal handler.
+ * Texts    A text is a buffer of 512 characters (file names, general text: CORVALE_NAME_WIDTH) or
+ *          128 characters (messages: CORVALE_MESSAGE_WIDTH), filled with blanks on the right.
+ *          Texts given to the library end earlier at the first byte outside 32 to 127, so a
+ *          NUL-terminated string may stand in for a full buffer. The same rule cuts a name at a
+ *          tab or at any byte of an accented letter, and longer names at 512: another, shorter
+ *          file would be opened. Refuse such names before the call.
+ *          Texts written by the library fill their buffer exactly and have no terminator.
+ * Status   CORVALE_OK, or CORVALE_FAILED with the reason in GetLastErrMsg. A success does not
+ *          clear an earlier message.
+ * Null     A null input text counts as blank; a null output is skipped.
+ * Start    Nothing has to be called first and nothing has to be released. No exception leaves and
+ *          no pointer is kept. State survives unloading the library.
+ * Threads  LogMessage, the Get functions of modes and messages, CorvaleInit, CorvaleGetInfo,
+ *          GetInitDllNames and the TestInterface functions: any number of threads at once. Opening
+ *          and closing the log, setting modes, loading a file and GetMOICData are for the callers
+ *          to serialise. None may be called from a signal handler.
  *
  * C99 and C++.
  */
@@ -138,8 +139,8 @@ CORVALE_API int32_t GetDupKeyMode(void) CORVALE_NOEXCEPT;
 /* Sets the duplication key mode.
  *
  * mode     0 or 1
- * Returns  CORVALE_FAILED for any other mode, with "SetDupKeyMode: invalid input value for
- *          DUPLICATION key mode."; the mode stays as it was
+ * Returns  CORVALE_FAILED for any other mode, with
+ *          "SetDupKeyMode: invalid input value for DUPLICATION key mode."; the mode stays as it was
  *
  *     if (SetDupKeyMode(1) != CORVALE_OK) return 1;
  *     printf("%d\n", (int)GetDupKeyMode());
@@ -158,8 +159,8 @@ CORVALE_API int32_t GetAllKeyMode(void) CORVALE_NOEXCEPT;
 /* Sets the all-key mode, and records that it has been chosen.
  *
  * mode     0 or 1
- * Returns  CORVALE_FAILED for any other mode, with "SetAllKeyMode: invalid input value for elset
- * key mode."; the mode stays as it was
+ * Returns  CORVALE_FAILED for any other mode, with
+ *          "SetAllKeyMode: invalid input value for elset key mode."; the mode stays as it was
  *
  *     if (SetAllKeyMode(1) != CORVALE_OK) return 1;
  *     printf("%d\n", (int)GetAllKeyMode());
@@ -187,8 +188,8 @@ CORVALE_API int32_t GetElsetKeyMode(void) CORVALE_NOEXCEPT;
 /* Sets the element-set key mode.
  *
  * mode     0 or 1
- * Returns  CORVALE_FAILED for any other mode, with "SetElsetKeyMode: invalid input value for elset
- * key mode."; the mode stays as it was
+ * Returns  CORVALE_FAILED for any other mode, with
+ *          "SetElsetKeyMode: invalid input value for elset key mode."; the mode stays as it was
  *
  *     if (SetElsetKeyMode(1) != CORVALE_OK) return 1;
  *     printf("%d\n", (int)GetElsetKeyMode());
@@ -202,8 +203,8 @@ CORVALE_API int32_t SetElsetKeyMode(int32_t mode) CORVALE_NOEXCEPT;
  * fileName  512 characters or a shorter terminated string; leading and trailing blanks are not part
  *           of the name, backslashes are taken as slashes
  * Returns   CORVALE_FAILED when the file cannot be opened, with a message of "FileOpen: "; once it
- * is open CORVALE_OK, whatever its lines hold Threads   one load at a time in the process, and none
- * while GetMOICData runs
+ *           is open CORVALE_OK, whatever its lines hold
+ * Threads   one load at a time in the process, and none while GetMOICData runs
  *
  *     double values[CORVALE_MOIC_COUNT];
  *     if (CorvaleLoadFile("orbit.inp") != CORVALE_OK) return 1;
@@ -213,9 +214,9 @@ CORVALE_API int32_t CorvaleLoadFile(const char* fileName) CORVALE_NOEXCEPT;
 
 /* Copies the first values of the array that QZ_MOIC cards fill.
  *
- * count   how many: 1 to 128; 0 or less writes nothing; more than 128 gives that many zeros
- * values  room for count values
- * Threads not while a file is loaded
+ * count    how many: 1 to 128; 0 or less writes nothing; more than 128 gives that many zeros
+ * values   room for count values
+ * Threads  not while a file is loaded
  *
  *     double values[CORVALE_MOIC_COUNT];
  *     GetMOICData(CORVALE_MOIC_COUNT, values);
@@ -227,14 +228,13 @@ CORVALE_API void GetMOICData(int32_t count, double* values) CORVALE_NOEXCEPT;
  * passed by value; texts have 512 characters, arrays 3 or 6 elements, at any alignment. An array
  * out may be its own array in.
  *
- * strOut  strIn up to its first byte outside 32 to 127, then blanks; leading blanks stay
- * Threads any, on distinct arguments
+ * strOut   strIn up to its first byte outside 32 to 127, then blanks; leading blanks stay
+ * Threads  any, on distinct arguments
  *
- * Called by the program `corvale selftest`; see tools/SelfTest.cpp for a whole call. The first
- * lines:
- *
- *     char c; int32_t i, i3[3], i6[6]; int64_t l, l3[3], l6[6]; double d, d3[3], d6[6];
- *     char text[CORVALE_NAME_WIDTH];
+ *     char c, text[CORVALE_NAME_WIDTH];
+ *     int32_t i, i3[3] = {1, 2, 3}, i6[6] = {1, 2, 3, 4, 5, 6};
+ *     int64_t l, l3[3] = {1, 2, 3}, l6[6] = {1, 2, 3, 4, 5, 6};
+ *     double d, d3[3] = {0.1, 0.2, 0.3}, d6[6] = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6};
  *     TestInterface('A', &c, 1, &i, 2, &l, 3.5, &d, "text", text, i3, i3, l3, l3, d3, d3,
  *                   i6, i6, l6, l6, d6, d6);
  */
@@ -249,12 +249,14 @@ CORVALE_API void TestInterface(char cIn, char* cOut, int32_t iIn, int32_t* iOut,
 /* Proves that arguments are changed in place: ch becomes 'Z', i + 1, l + 2, d + 42.123456, i3 + 1,
  * l3 + 1234567890123456789, d3 + 42.0, i6 + 1, l6 + 6, d6 + 7.6; integers wrap.
  *
- * str     512 characters, all overwritten: "It doesn't matter what your string was." and blanks
- * Threads any, on distinct arguments
+ * str      512 characters, all overwritten: "It doesn't matter what your string was." and blanks
+ * Threads  any, on distinct arguments
  *
- *     char c = 'A'; int32_t i = 0, i3[3] = {0}, i6[6] = {0}; int64_t l = 0, l3[3] = {0}, l6[6] =
- * {0}; double d = 0, d3[3] = {0}, d6[6] = {0}; char text[CORVALE_NAME_WIDTH]; TestInterface2(&c,
- * &i, &l, &d, text, i3, l3, d3, i6, l6, d6);
+ *     char c = 'A', text[CORVALE_NAME_WIDTH];
+ *     int32_t i = 0, i3[3] = {0}, i6[6] = {0};
+ *     int64_t l = 0, l3[3] = {0}, l6[6] = {0};
+ *     double d = 0, d3[3] = {0}, d6[6] = {0};
+ *     TestInterface2(&c, &i, &l, &d, text, i3, l3, d3, i6, l6, d6);
  */
 CORVALE_API void TestInterface2(char* ch, int32_t* i, int64_t* l, double* d, char* str, int32_t* i3,
                                 int64_t* l3, double* d3, int32_t* i6, int64_t* l6,
@@ -263,7 +265,7 @@ CORVALE_API void TestInterface2(char* ch, int32_t* i, int64_t* l, double* d, cha
 /* Proves that integer arrays arrive: i3Out is 4 times i3In, i6Out 5 times i6In; products wrap. An
  * array out may be its own array in.
  *
- * Threads any, on distinct arguments
+ * Threads  any, on distinct arguments
  *
  *     int32_t i3[3] = {1, 2, 3}, i6[6] = {1, 2, 3, 4, 5, 6};
  *     TestInterface3(i3, i3, i6, i6);

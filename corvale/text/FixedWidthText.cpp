@@ -5,6 +5,7 @@
 #include <corvale/text/TextParts.hpp>
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <cstring>
 
@@ -102,21 +103,25 @@ std::string_view ValueOf(std::string_view line) noexcept {
     return internal::WithoutLeadingBlanks(line.substr(line.find('=') + 1));
 }
 
+// Copies what fits of `piece` (they may overlap) and returns the room that is left.
+std::span<char> Append(std::string_view piece, std::span<char> room) noexcept {
+    const std::size_t count = std::min(piece.size(), room.size());
+    if (count > 0) std::memmove(room.data(), piece.data(), count);
+    return room.subspan(count);
+}
+
 // The general replacement: copies the stretches between occurrences, stops where `result` is full.
+// Nothing is written beyond what has been searched, so that a text may be replaced in its place.
 void ReplaceOccurrences(std::string_view text, std::string_view pattern,
                         std::string_view replacement, std::span<char> result) noexcept {
     while (!result.empty()) {
         const std::size_t match = text.find(pattern);
-        const std::string_view before = text.substr(0, match);
-        PutText(before, result);
-        if (match == std::string_view::npos || before.size() >= result.size()) return;
-        result = result.subspan(before.size());
+        result = Append(text.substr(0, match), result);
+        if (match == std::string_view::npos) break;
         text.remove_prefix(match + pattern.size());
-
-        const std::size_t inserted = std::min(replacement.size(), result.size());
-        std::memcpy(result.data(), replacement.data(), inserted);
-        result = result.subspan(inserted);
+        result = Append(replacement, result);
     }
+    std::ranges::fill(result, kBlank);
 }
 
 }  // namespace
@@ -134,6 +139,7 @@ void StrToCharArr(std::string_view text, std::int32_t n, char* chars) noexcept {
 
 void ReplaceString(std::string_view text, std::string_view pattern, std::string_view replacement,
                    std::span<char> result) noexcept {
+    assert(result.empty() || text.data() != result.data() || replacement.size() <= pattern.size());
     if (pattern.empty()) {
         std::ranges::fill(result, kBlank);
     } else if (pattern.size() == 1 && replacement.size() == 1) {

@@ -1,0 +1,287 @@
+#include <corvale/Corvale.h>
+#include <corvale/core/CorvaleCardReading.hpp>
+#include <corvale/core/CorvaleTypes.hpp>
+#include <corvale/core/FileIO.hpp>
+#include <corvale/numeric/SoftwareInfo.hpp>
+
+#include "GuardPage.hpp"
+
+#include <gtest/gtest.h>
+#include <algorithm>
+#include <climits>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvale {
+namespace {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+using test::GuardedBuffer;
+
+std::string Filled(std::string_view text, std::size_t width) {
+    std::string result(text.substr(0, width));
+    result.resize(width, ' ');
+    return result;
+}
+
+// What `write` puts into a buffer that ends at the end of memory; what lies before it must stay.
+std::string Written(void (*write)(char*) noexcept, std::size_t width = CORVALE_MESSAGE_WIDTH) {
+    const GuardedBuffer buffer(width + 8);
+    write(buffer.Data() + 8);
+    EXPECT_EQ(buffer.Text().substr(0, 8), "########");
+    return std::string(buffer.Text().substr(8));
+}
+
+std::string Message(std::string_view text) {
+    return Filled(text, CORVALE_MESSAGE_WIDTH);
+}
+
+// The first calls of the process, before main and before any other.
+const std::string kFirstError = Written(GetLastErrMsg);
+const std::string kFirstInfo = Written(GetLastInfoMsg);
+const std::int32_t kFirstModes = GetDupKeyMode() | GetAllKeyMode() | GetElsetKeyMode();
+
+// Each test starts with closed log, modes 0, blank error store, in an empty folder.
+class CFace : public testing::Test {
+  protected:
+    void SetUp() override {
+        ResetAll();
+        std::filesystem::create_directory(folder_);
+        std::filesystem::current_path(folder_);
+    }
+    void TearDown() override {
+        ResetAll();
+        std::filesystem::current_path(before_);
+        std::filesystem::remove_all(folder_);
+    }
+
+  private:
+    static void ResetAll() {
+        CloseLogFile();
+        ResetAllKeyMode();
+        EXPECT_EQ(SetElsetKeyMode(0), CORVALE_OK);
+    }
+    std::filesystem::path before_ = std::filesystem::current_path();
+    std::filesystem::path folder_ =
+        std::filesystem::path(testing::TempDir()) / ("corvale_c_face_" + std::to_string(getpid()));
+};
+
+std::vector<std::string> Lines(const std::string& name) {
+    std::ifstream file(name);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) lines.push_back(line);
+    return lines;
+}
+
+void WriteFile(const std::string& name, std::string_view text) {
+    std::ofstream(name) << text;
+}
+
+TEST(StaticConstructor, MayMakeTheFirstCall) {
+    EXPECT_EQ(kFirstError, Message(""));
+    EXPECT_EQ(kFirstInfo, Message(""));
+    EXPECT_EQ(kFirstModes, 0);
+}
+
+TEST_F(CFace, TellsWhichLibraryThisIs) {
+    EXPECT_EQ(CorvaleInit(), CORVALE_OK);
+    EXPECT_EQ(Written(GetInitDllNames, CORVALE_NAME_WIDTH), Filled("", CORVALE_NAME_WIDTH));
+    const std::string line = Written(CorvaleGetInfo);
+    const std::regex form(
+        "Arvenit Corvale - Version: v9[.]4 - Build: "
+        "(Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [ 123][0-9] 2[0-9]{3}"
+        " - Platform: .{16} - Compiler: [A-Za-z]+ [0-9][0-9.]*\\S* *");
+    EXPECT_TRUE(std::regex_match(line, form)) << line;
+}
+
+TEST_F(CFace, ComposesTheInformationLineOfAnyLibrary) {
+    struct InfoCase {
+        std::string_view name;
+        std::optional<std::string_view> version;
+        std::string_view start;
+        const char* why;
+    };
+    const std::string longName(200, 'n');
+    const InfoCase cases[] = {
+        {"Orbit", "v1", "Arvenit Orbit - Version: v1 - Build: ", "stands where v9.4 would"},
+        {"Orbit  ", "v2  ", "Arvenit Orbit   - Version: v2   - Build: ", "blanks are kept"},
+        {"", std::nullopt, "Arvenit  - Version: v9.4 - Build: ", "no name"},
+        {"Orbit", "", "Arvenit Orbit - Version:  - Build: ", "an empty version is a version"},
+        {longName, "v1", "Arvenit nnnn", "the line is cut at its width"},
+    };
+    for (const auto& [name, version, start, why] : cases) {
+        const GuardedBuffer info(CORVALE_MESSAGE_WIDTH);
+        GenFunctions::GetSoftwareInfo(name, info.Span().first<CORVALE_MESSAGE_WIDTH>(), version);
+        EXPECT_EQ(info.Text().substr(0, start.size()), start) << why;
+        EXPECT_EQ(info.Text().find('#'), std::string_view::npos) << why;
+    }
+}
+
+TEST_F(CFace, TakesNullForBlankAndSkipsNullOutputs) {
+    CorvaleGetInfo(nullptr);
+    GetInitDllNames(nullptr);
+    GetLastErrMsg(nullptr);
+    GetLastInfoMsg(nullptr);
+    GetMOICData(5, nullptr);
+    LogMessage(nullptr);
+    EXPECT_EQ(Written(GetLastInfoMsg), Message(""));
+    EXPECT_EQ(OpenLogFile(nullptr), CORVALE_FAILED);
+    EXPECT_EQ(CorvaleLoadFile(nullptr), CORVALE_FAILED);
+    EXPECT_EQ(Written(GetLastErrMsg), Message("FileOpen: File name is empty."));
+}
+
+struct NameCase {
+    std::string buffer;
+    std::string name;
+    const char* why;
+};
+
+TEST_F(CFace, TakesNamesOutOfBuffers) {
+    const std::string longest(255, 'l');
+    const NameCase cases[] = {
+        {"plain.log\0other"s, "plain.log", "a terminated string"},
+        {"   left.log\0"s, "left.log", "leading blanks are removed"},
+        {Filled("full.log", 512), "full.log", "a full buffer: trailing blanks are not its own"},
+        {"in ner.log\0"s, "in ner.log", "inner blanks stay"},
+        {"cut\t.log\0"s, "cut", "a tab ends the name"},
+        {"utf\xc3\xa9.log\0"s, "utf", "so does a byte above 127"},
+        {std::string(257, ' ') + longest, longest, "the name may reach the buffer's last byte"},
+        {Filled("w512", 512) + "not looked at", "w512", "what follows the buffer does not count"},
+        {"back\\slash\0"s, "back\\slash", "a backslash stays in the name of a log"},
+    };
+    for (const auto& [buffer, name, why] : cases) {
+        EXPECT_EQ(OpenLogFile(GuardedBuffer(buffer).Data()), CORVALE_OK) << why;
+        CloseLogFile();
+        EXPECT_TRUE(std::filesystem::remove(name)) << why;
+        if (name.find('\\') != std::string::npos) continue;
+        WriteFile(name, "QZ_DMA_ON\n");
+        EXPECT_EQ(SetElsetKeyMode(0), CORVALE_OK);
+        EXPECT_EQ(CorvaleLoadFile(GuardedBuffer(buffer).Data()), CORVALE_OK) << why;
+        EXPECT_EQ(GetElsetKeyMode(), 1) << why;
+        EXPECT_TRUE(std::filesystem::remove(name)) << why;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(".")) << "no other file was made";
+}
+
+TEST_F(CFace, ReportsFilesThatDoNotOpen) {
+    const struct {
+        std::string buffer, message;
+    } cases[] = {
+        {Filled("", 512), "FileOpen: File name is empty."},
+        {"\0"s, "FileOpen: File name is empty."},
+        {"  no\\such\0"s, "FileOpen: Unable to open file \"no\\such\" for reading."},
+        {Filled("missing", 512), "FileOpen: Unable to open file \"missing\" for reading."},
+        {std::string(512, 'x'), "FileOpen: Unable to open file \"" + std::string(97, 'x')},
+    };
+    for (const auto& [buffer, message] : cases) {
+        EXPECT_EQ(CorvaleLoadFile(GuardedBuffer(buffer).Data()), CORVALE_FAILED) << message;
+        EXPECT_EQ(Written(GetLastErrMsg), Message(message));
+    }
+    std::filesystem::create_directory("folder");
+    WriteFile("folder/cards", "QZ_DMA_ALL_ON\n");
+    EXPECT_EQ(CorvaleLoadFile("folder\\cards"), CORVALE_OK) << "a backslash is a slash here";
+    EXPECT_EQ(GetAllKeyMode(), 1);
+    EXPECT_NE(Written(GetLastErrMsg), Message("")) << "a success clears no message";
+}
+
+TEST_F(CFace, LogsMessagesAsLinesOf128Characters) {
+    ASSERT_EQ(OpenLogFile("first.log"), CORVALE_OK);
+    EXPECT_EQ(FileIO::LogFileUnit, 6);
+    LogMessage(GuardedBuffer("   moved left\0lost"s.substr(0, 14)).Data());
+    EXPECT_EQ(Written(GetLastInfoMsg), Message("moved left"));
+    LogMessage("");
+    EXPECT_EQ(Written(GetLastInfoMsg), Message(""));
+    LogMessage(GuardedBuffer(std::string(CORVALE_MESSAGE_WIDTH, 'm')).Data());
+    EXPECT_EQ(SetAllKeyMode(-1), CORVALE_FAILED);
+    ASSERT_EQ(OpenLogFile("second.log"), CORVALE_OK) << "the first is closed";
+    LogMessage("lost when the file is opened again");
+    ASSERT_EQ(OpenLogFile("second.log"), CORVALE_OK);
+    LogMessage("kept");
+    EXPECT_NE(Written(GetLastErrMsg), Message("")) << "no message is cleared by opening";
+    CloseLogFile();
+    LogMessage("stored alone");
+
+    EXPECT_EQ(FileIO::LogFileUnit, 0);
+    EXPECT_EQ(Written(GetLastErrMsg), Message("")) << "closing clears the error";
+    EXPECT_EQ(Written(GetLastInfoMsg), Message("stored alone"));
+    EXPECT_EQ(Lines("first.log"),
+              (std::vector{Message("moved left"), Message(""), std::string(128, 'm'),
+                           "Error-SetAllKeyMode: invalid input value for elset key mode."s}));
+    EXPECT_EQ(Lines("second.log"), std::vector{Message("kept")});
+}
+
+TEST_F(CFace, GoesOnWithoutALogThatDoesNotOpen) {
+    for (const char* name : {"", "   ", ".", "no/such/folder/log"}) {
+        EXPECT_EQ(OpenLogFile(name), CORVALE_FAILED) << name;
+        EXPECT_EQ(FileIO::LogFileUnit, 6) << name;
+        EXPECT_EQ(Written(GetLastErrMsg), Message("OpenLogFile: log file failed to open."));
+        LogMessage(name);
+        EXPECT_EQ(Written(GetLastInfoMsg), Message(name[0] == ' ' ? "" : name));
+    }
+    EXPECT_EQ(OpenLogFile("now.log"), CORVALE_OK);
+    LogMessage("works");
+    CloseLogFile();
+    CloseLogFile();
+    EXPECT_EQ(FileIO::LogFileUnit, 0);
+    EXPECT_EQ(Lines("now.log"), std::vector{Message("works")});
+}
+
+TEST_F(CFace, SetsModesOfZeroAndOne) {
+    const struct {
+        std::int32_t (*set)(std::int32_t) noexcept;
+        std::int32_t (*get)() noexcept;
+        std::string_view message;
+    } modes[] = {
+        {SetDupKeyMode, GetDupKeyMode,
+         "SetDupKeyMode: invalid input value for DUPLICATION key mode."},
+        {SetAllKeyMode, GetAllKeyMode, "SetAllKeyMode: invalid input value for elset key mode."},
+        {SetElsetKeyMode, GetElsetKeyMode,
+         "SetElsetKeyMode: invalid input value for elset key mode."},
+    };
+    for (const auto& [set, get, message] : modes) {
+        for (const std::int32_t mode : {1, 0}) {
+            EXPECT_EQ(set(mode), CORVALE_OK) << message;
+            for (const std::int32_t bad : {2, -1, INT_MIN, INT_MAX}) {
+                CloseLogFile();  // blanks the message
+                EXPECT_EQ(set(bad), CORVALE_FAILED) << message;
+                EXPECT_EQ(Written(GetLastErrMsg), Message(message));
+                EXPECT_EQ(get(), mode) << message << bad;
+            }
+        }
+    }
+}
+
+TEST_F(CFace, RemembersThatTheAllKeyModeWasChosen) {
+    EXPECT_EQ(SetAllKeyMode(2), CORVALE_FAILED);
+    EXPECT_EQ(CorvaleCardReading::UseAllKeyMode(), 0) << "a refused mode chooses nothing";
+    EXPECT_EQ(SetAllKeyMode(0), CORVALE_OK);
+    EXPECT_EQ(CorvaleCardReading::UseAllKeyMode(), 1) << "0 is a choice too";
+    EXPECT_EQ(SetDupKeyMode(1) | SetAllKeyMode(1) | SetElsetKeyMode(1), CORVALE_OK);
+    ResetAllKeyMode();
+    EXPECT_EQ(CorvaleCardReading::UseAllKeyMode(), 0);
+    EXPECT_EQ(GetAllKeyMode() | GetDupKeyMode(), 0);
+    EXPECT_EQ(GetElsetKeyMode(), 1) << "a reset leaves the element-set key mode";
+}
+
+TEST_F(CFace, CopiesAsManyValuesAsAreAskedFor) {
+    std::array<double, CORVALE_MOIC_COUNT> before = CorvaleCardReading::MoicArr;
+    for (std::size_t i = 0; i < before.size(); ++i)
+        CorvaleCardReading::MoicArr[i] = 1.0 + static_cast<double>(i);
+    for (const int count : {INT_MIN, -1, 0, 1, 2, 127, 128, 129, 1000}) {
+        const auto written = static_cast<std::size_t>(std::max(count, 0));
+        std::vector<double> values(written + 1, -1.0);
+        GetMOICData(count, values.data());
+        EXPECT_EQ(values[written], -1.0) << count << ": nothing beyond is written";
+        for (std::size_t i = 0; i < written; ++i)
+            EXPECT_EQ(values[i], count > 128 ? 0.0 : 1.0 + static_cast<double>(i)) << count;
+    }
+    CorvaleCardReading::MoicArr = before;
+}
+
+}  // namespace
+}  // namespace corvale

@@ -1,0 +1,298 @@
+#include <corvale/text/StrFunctions.hpp>
+
+#include "GuardPage.hpp"
+
+#include <gtest/gtest.h>
+#include <climits>
+#include <cstdint>
+#include <functional>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace corvale::StrFunctions {
+namespace {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+using test::GuardedBuffer;
+
+// What `write` makes of a result of `width` characters at the end of mapped memory.
+std::string Result(std::size_t width, const std::function<void(std::span<char>)>& write) {
+    const GuardedBuffer buffer(width);
+    write(buffer.Span());
+    return std::string(buffer.Text());
+}
+
+std::string Blanks(std::size_t count) {
+    return std::string(count, ' ');
+}
+
+struct BufferCase {
+    std::string_view chars;
+    std::int32_t n;
+    std::string_view text;
+    const char* why;
+};
+const BufferCase kBuffers[] = {
+    {"AB\0CDE"sv, 6, "AB    ", "a NUL ends the text, what follows is lost"},
+    {"AB\tCDE", 6, "AB    ", "so does a tab"},
+    {"\x1f"sv, 1, " ", "the last control character stops"},
+    {" \x7fz", 3, " \x7fz", "the blank and code 127 are copied"},
+    {"ab\x80z", 4, "ab  ", "128 ends the text, whatever the sign of char"},
+    {"ab\xffz", 4, "ab  ", "255 too"},
+    {"\0abc"sv, 4, "    ", "nothing before the NUL"},
+    {"abcdef", 6, "abcdef", "a full buffer has no terminator"},
+    {"abcdef", 4, "abcd  ", "no more than n are read"},
+    {"ab\0"sv, INT_MAX, "ab", "a count larger than the text: the text limits"},
+    {"abc", 0, "   ", "no characters: nothing is read"},
+    {"abc", INT_MIN, "   ", "a negative count likewise"},
+};
+
+TEST(CharArrToStr, StopsAtTheFirstControlOrHighByteAndReadsNothingBeyond) {
+    for (const auto& [chars, n, text, why] : kBuffers) {
+        // The buffer ends with the character that stops, if one does.
+        const std::size_t stop = chars.find_first_of("\0\t\x1f\x80\xff"sv);
+        const GuardedBuffer buffer(stop == chars.npos ? chars : chars.substr(0, stop + 1));
+        EXPECT_EQ(
+            Result(text.size(), [&, n = n](auto out) { CharArrToStr(buffer.Data(), n, out); }),
+            text)
+            << why;
+    }
+    EXPECT_EQ(Result(3, [](auto out) { CharArrToStr(nullptr, 3, out); }), "   ") << "null";
+    for (int code = 0; code < 256; ++code) {
+        const char character = static_cast<char>(code);
+        const std::string kept = code < 32 || code > 127 ? " " : std::string(1, character);
+        EXPECT_EQ(Result(1, [&](auto out) { CharArrToStr(&character, 1, out); }), kept) << code;
+    }
+}
+
+TEST(StrToCharArr, FillsExactlyNElements) {
+    const auto handOut = [](std::string_view text, std::int32_t n) {
+        return [=](std::span<char> out) { StrToCharArr(text, n, out.data()); };
+    };
+    EXPECT_EQ(Result(5, handOut("abc", 5)), "abc  ") << "blanks follow, no terminator";
+    EXPECT_EQ(Result(3, handOut("\0\t\xff"sv, 3)), "\0\t\xff"s) << "no stopping in this direction";
+    EXPECT_EQ(Result(2, handOut("abc", 2)), "ab") << "a longer text is cut";
+    EXPECT_EQ(Result(2, handOut({}, 2)), "  ") << "an empty text is blanks";
+    EXPECT_EQ(Result(2, handOut("abc", 0)), "##") << "no elements: nothing is written";
+    EXPECT_EQ(Result(2, handOut("abc", INT_MIN)), "##") << "nor for a negative count";
+    StrToCharArr("abc", 3, nullptr);
+}
+
+struct ReplaceCase {
+    std::string_view text, pattern, replacement, result;
+    const char* why;
+};
+const ReplaceCase kReplacements[] = {
+    {"a\\b\\c", "\\", "/", "a/b/c", "every occurrence"},
+    {"aaa", "aa", "b", "ba ", "occurrences do not overlap"},
+    {"abc", "b", "xyz", "axy", "growth is lost on the right"},
+    {"abcabc", "b", "", "acac  ", "shrinking leaves blanks on the right"},
+    {"a.b", ".", "..", "a..", "what was inserted is not searched"},
+    {"abcd", "", "x", "    ", "an empty pattern blanks the text"},
+    {"ab", "abc", "x", "ab", "a pattern wider than the text"},
+    {"a b  ", "b ", "c", "a c  ", "blanks of the pattern match blanks"},
+    {"a-b-c", "-", "+ ", "a+ b+", "blanks of the replacement are inserted"},
+    {"xyxyxz", "xyxz", "12", "xy12  ", "a false start is searched again from its second character"},
+    {"abab", "ab", "", "    ", "everything is replaced by nothing"},
+    {"a\0b"sv, "\0"sv, "-", "a-b", "a NUL is a character like any other"},
+    {"ab", "b", "longer than all of it", "al", "the replacement is cut"},
+    {"", "a", "b", "", "width 0"},
+    {"", "", "", "", "width 0 with an empty pattern"},
+};
+
+TEST(ReplaceString, ReplacesFromLeftToRightAndKeepsTheWidth) {
+    for (const auto& c : kReplacements) {
+        const auto replace = [&](std::span<char> out) {
+            ReplaceString(c.text, c.pattern, c.replacement, out);
+        };
+        const std::string wanted(c.result);
+        EXPECT_EQ(Result(wanted.size(), replace), wanted) << c.why;
+        EXPECT_EQ(Result(wanted.size() + 20, replace), wanted + Blanks(20)) << c.why;
+        EXPECT_EQ(Result(wanted.size() / 2, replace), wanted.substr(0, wanted.size() / 2)) << c.why;
+        if (c.replacement.size() > c.pattern.size()) continue;
+        const GuardedBuffer inPlace(c.text);
+        ReplaceString(inPlace.Text(), c.pattern, c.replacement, inPlace.Span());
+        EXPECT_EQ(inPlace.Text(), wanted) << "in place: " << c.why;
+    }
+}
+
+TEST(ReplaceString, TakesTimeThatGrowsWithTheTextOnly) {
+    const std::string many(1U << 22U, 'a');
+    EXPECT_EQ(Result(many.size(), [&](auto out) { ReplaceString(many, "a", many, out); }), many);
+    EXPECT_EQ(Result(many.size(), [&](auto out) { ReplaceString(many, "a", "", out); }),
+              Blanks(many.size()));
+}
+
+struct PairCase {
+    std::string_view text, result;
+    const char* why;
+};
+using Operation = void (*)(std::string_view, std::span<char>) noexcept;
+
+// Into a result of its own, and over its own input.
+void ExpectResult(Operation operation, std::string_view text, std::string_view result,
+                  const char* why = "") {
+    const GuardedBuffer input(text);
+    EXPECT_EQ(Result(result.size(), [&](auto out) { operation(input.Text(), out); }), result)
+        << why;
+    if (text.size() != result.size()) return;
+    operation(input.Text(), input.Span());
+    EXPECT_EQ(input.Text(), result) << "in place: " << why;
+}
+
+void ExpectResults(Operation operation, std::span<const PairCase> cases) {
+    for (const auto& [text, result, why] : cases) ExpectResult(operation, text, result, why);
+}
+
+TEST(ToUpperCase, ChangesAsciiLettersAlone) {
+    const PairCase upper[] = {{"a1z{`", "A1Z{`", "the neighbours of a to z stay"},
+                              {"aBc", "ABC", "capitals stay"},
+                              {"\xe4\0\t"sv, "\xe4\0\t"sv, "other codes pass"},
+                              {"abc", "ABC  ", "a wider result is filled"},
+                              {"abc", "AB", "a narrower one is cut"},
+                              {"", "  ", "nothing gives blanks"}};
+    ExpectResults(ToUpperCase, upper);
+    const PairCase lower[] = {{"A1Z[@", "a1z[@", "the neighbours of A to Z stay"},
+                              {"\xc4\xff", "\xc4\xff", "bytes above 127 pass"},
+                              {"ABC", "abc ", "a wider result is filled"},
+                              {"ABC", "a", "a narrower one is cut"}};
+    ExpectResults(ToLowerCase, lower);
+}
+
+TEST(RemSpaceSlashChars, KeepsDigitsAndPoints) {
+    const PairCase cases[] = {
+        {"2023/10/05 12:30:45.5", "20231005123045.5     ", "the rest closes up"},
+        {"1.2.3..", "1.2.3..", "several points are kept"},
+        {"-+eE:,/", "       ", "nothing to keep"},
+        {"0/9:a", "09   ", "the neighbours of the digits are dropped"},
+        {"12345", "123", "what does not fit is dropped"},
+        {"1234567890123456789012345678901234567890", "12345678901234567", "also from a long text"},
+        {"a1", "1    ", "a wider output is filled"},
+        {"1", "", "width 0"}};
+    ExpectResults(RemSpaceSlashChars, cases);
+}
+
+TEST(GetInputStr, TakesTheValueOfAnInputLine) {
+    const PairCase values[] = {
+        {"Mode =  abc Def ", "ABC DEF         ", "left-justified, in capitals, inner blank kept"},
+        {"  no sign here", "NO SIGN HERE  ", "a line without = is all value"},
+        {"KEY =", "     ", "= last: nothing"},
+        {"=a", "A ", "= first"},
+        {"KEY = A = b", "A = B      ", "only the first = separates"},
+        {"k='q' ! c", "'Q' ! C  ", "quotes and comments stay"},
+        {"k=\ta", "\tA  ", "a tab is no blank"},
+        {"", "", "width 0"}};
+    ExpectResults(GetInputStr, values);
+    const PairCase names[] = {{"FILE = Data\\Run1.txt", "Data\\Run1.txt       ", "case kept"},
+                              {"f=a", "a   ", "a wider result is filled"},
+                              {"f=abc", "ab", "a narrower one is cut"},
+                              {"f =    ", "       ", "a blank value"}};
+    ExpectResults(GetInputFileName, names);
+}
+
+TEST(IsBlankOrNull, AcceptsBlanksAlone) {
+    EXPECT_EQ(IsBlankOrNull(""), 1);
+    EXPECT_EQ(IsBlankOrNull(Blanks(100)), 1);
+    EXPECT_EQ(IsBlankOrNull("   \t"), 0) << "a tab is no blank";
+    std::string nulls(3, '\0');
+    EXPECT_EQ(IsBlankOrNull(nulls), 0) << "nor is a NUL";
+    NullToSpace(nulls);
+    EXPECT_EQ(IsBlankOrNull(nulls), 1) << "until it is made one";
+}
+
+TEST(BlankToZeroChar, ChangesEveryBlank) {
+    for (const auto& [text, result, why] :
+         {PairCase{" 5:03", "05:03", "leading"}, PairCase{"12 4  ", "120400", "trailing too"},
+          PairCase{"\0\t1"sv, "\0\t1"sv, "blanks alone"}, PairCase{"", "", "width 0"}}) {
+        std::string changed(text);
+        BlankToZeroChar(changed);
+        EXPECT_EQ(changed, result) << why;
+    }
+}
+
+// The rules once more, one character after the other.
+std::string Each(std::string_view text, const std::function<char(char)>& change) {
+    std::string result;
+    for (const char c : text) result += change(c);
+    return result;
+}
+std::string Kept(std::string_view text) {
+    std::string result;
+    for (const char c : text)
+        if (".0123456789"sv.find(c) != std::string_view::npos) result += c;
+    result.resize(text.size(), ' ');
+    return result;
+}
+std::string Replaced(std::string_view text, std::string_view pattern, std::string_view by) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size();) {
+        const bool isMatch = text.substr(i, pattern.size()) == pattern;
+        result += isMatch ? by : text.substr(i, 1);
+        i += isMatch ? pattern.size() : 1;
+    }
+    result.resize(text.size(), ' ');
+    return result;
+}
+std::string ValueIn(std::string_view line) {
+    std::string value(line.substr(line.find('=') + 1));
+    value.erase(0, value.find_first_not_of(' '));
+    value.resize(line.size(), ' ');
+    return value;
+}
+
+TEST(FixedWidthText, AgreesWithCharacterLoopsAtEveryWidth) {
+    std::mt19937 random(20260312);
+    const std::string_view alphabets[] = {"ab"sv, " \0."sv, "aZ{[`@9:/. =\0\x7f\x80\xff"sv,
+                                          "0123456789."sv};
+    for (std::size_t width = 0; width <= 600; ++width) {
+        const std::string_view alphabet = alphabets[random() % std::size(alphabets)];
+        std::string text(width, ' ');
+        for (char& c : text) c = alphabet[random() % alphabet.size()];
+        const auto swap = [](char from, char to) {
+            return [=](char c) { return c == from ? to : c; };
+        };
+        const auto shift = [](char first, char last, int by) {
+            return [=](char c) { return static_cast<char>(c >= first && c <= last ? c + by : c); };
+        };
+        const std::string value = ValueIn(text);
+        ExpectResult(ToUpperCase, text, Each(text, shift('a', 'z', -32)));
+        ExpectResult(ToLowerCase, text, Each(text, shift('A', 'Z', 32)));
+        ExpectResult(RemSpaceSlashChars, text, Kept(text));
+        ExpectResult(GetInputFileName, text, value);
+        ExpectResult(GetInputStr, text, Each(value, shift('a', 'z', -32)));
+        const auto inPlace = [&](void (*change)(std::span<char>) noexcept) {
+            const GuardedBuffer buffer(text);
+            change(buffer.Span());
+            return std::string(buffer.Text());
+        };
+        EXPECT_EQ(inPlace(NullToSpace), Each(text, swap('\0', ' ')));
+        EXPECT_EQ(inPlace(BlankToZeroChar), Each(text, swap(' ', '0')));
+        EXPECT_EQ(IsBlankOrNull(GuardedBuffer(text).Text()), text == Blanks(width) ? 1 : 0);
+        for (const auto& [pattern, by] : {std::pair{"a"sv, "b"sv},
+                                          {"ab"sv, "b"sv},
+                                          {"0"sv, ""sv},
+                                          {"aab"sv, "bba"sv},
+                                          {"b"sv, "abc"sv}}) {
+            const std::string wanted = Replaced(text, pattern, by);
+            const auto replace = [&, pattern = pattern, by = by](std::span<char> out) {
+                ReplaceString(text, pattern, by, out);
+            };
+            EXPECT_EQ(Result(width, replace), wanted) << text;
+        }
+    }
+}
+
+TEST(IsBlankOrNull, FindsOneNonBlankAnywhere) {
+    std::string text = Blanks(600);
+    for (char& c : text) {
+        c = '!';
+        EXPECT_EQ(IsBlankOrNull(text), 0) << &c - text.data();
+        c = ' ';
+    }
+    EXPECT_EQ(IsBlankOrNull(text), 1);
+}
+
+}  // namespace
+}  // namespace corvale::StrFunctions
