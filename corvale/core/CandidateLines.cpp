@@ -16,7 +16,7 @@ constexpr std::size_t kLongest = kColumns + 2;  // with CR LF: more of a line ne
 
 // A line that reaches beyond what has been read so far is moved to stand before what comes next.
 constexpr std::size_t kFront = 1024;
-constexpr std::size_t kChunk = 256 * 1024;
+constexpr std::size_t kChunk = 0x40000;  // 256 KiB
 static_assert(kFront > kLongest);
 
 // Too large for the stack of a small thread; loading is serialised by the callers.
