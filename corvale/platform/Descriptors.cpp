@@ -176,10 +176,9 @@ bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
         const std::ptrdiff_t written = WriteSome(file.descriptor, parts);
         if (written < 0 && errno == EAGAIN && WaitForRoom(file.descriptor)) continue;
         if (written <= 0) return false;
-        file.lacksLineEnd = true;
         parts = Advance(parts, static_cast<std::size_t>(written));
+        file.lacksLineEnd = !parts.empty();
     }
-    file.lacksLineEnd = false;
     return true;
 }
 
