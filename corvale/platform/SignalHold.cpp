@@ -25,8 +25,7 @@ SignalHold::~SignalHold() {
         sigaddset(&raised, signal);
         // Does not wait: a signal of the whole process may have gone to another thread meanwhile.
         constexpr timespec now = {};
-        while (sigtimedwait(&raised, nullptr, &now) == -1 && errno == EINTR) {
-        }
+        while (sigtimedwait(&raised, nullptr, &now) == -1 && errno == EINTR) {}
     }
     pthread_sigmask(SIG_SETMASK, &hostsMask_, nullptr);
 }
