@@ -37,7 +37,7 @@ constexpr internal::FreeFormRules kCardRules = {.real = {.exponentQ = true, .emp
                                                 .tabSeparates = true,
                                                 .semicolonSeparates = false,
                                                 .repeatCounts = true,
-    .numberWidth = std::string_view::npos};
+                                                .numberWidth = std::string_view::npos};
 
 // No card supplies more values than this. Counts the characters at which a value, or a comma that
 // no value precedes, begins: those that follow a separator and are no blank. `text[-1]` is looked
