@@ -10,15 +10,19 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 
 namespace corvale::internal {
 
 namespace {
 
-constexpr int kWriterWaitMs = 2000;  // how long a named pipe waits for its writer
-constexpr int kWriterStepMs = 50;    // how often it asks whether one has come
-constexpr int kRoomWaitMs = 1000;    // how long a full pipe may take to make room for a line
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kWriterWait{2000};  // how long a named pipe waits for its writer
+constexpr milliseconds kWriterStep{50};    // how often it asks whether one has come
+constexpr milliseconds kRoomWait{1000};    // how long a full pipe may take to make room for a line
 constexpr int kFirstOwnDescriptor = 3;
 constexpr mode_t kNewFileMode = 0666;  // less what the process masks out
 
@@ -27,6 +31,19 @@ auto RetryInterrupted(Call call) noexcept {
     auto result = call();
     while (result == -1 && errno == EINTR) result = call();
     return result;
+}
+
+// Waits until the descriptor is ready for `event`, but not longer than `wait`, however many signals
+// interrupt it.
+bool IsReady(int descriptor, short event, milliseconds wait) noexcept {
+    const auto deadline = Clock::now() + wait;
+    pollfd waiting = {descriptor, event, 0};
+    for (;;) {
+        const int ready = poll(&waiting, 1, static_cast<int>(wait.count()));
+        if (ready != -1 || errno != EINTR) return ready > 0;
+        wait = std::chrono::floor<milliseconds>(deadline - Clock::now());
+        if (wait.count() <= 0) return false;
+    }
 }
 
 int OpenFlags(FileAccess access) noexcept {
@@ -70,9 +87,9 @@ bool IsText(int descriptor, const struct stat& status, FileAccess access) noexce
 // A named pipe opens before its writer has come, and then reads as ended; once a writer is there it
 // has no data yet. A byte that the question itself takes out is kept in `file`.
 bool HasWriter(TextFile& file) noexcept {
-    for (int waitedMs = 0; waitedMs < kWriterWaitMs; waitedMs += kWriterStepMs) {
-        pollfd waiting = {file.descriptor, POLLIN, 0};
-        if (RetryInterrupted([&] { return poll(&waiting, 1, kWriterStepMs); }) > 0) return true;
+    const auto deadline = Clock::now() + kWriterWait;
+    while (Clock::now() < deadline) {
+        if (IsReady(file.descriptor, POLLIN, kWriterStep)) return true;
         char first = '\0';
         const auto count = ReadSome(file.descriptor, {&first, 1});
         if (count > 0) file.firstByte = first;
@@ -133,9 +150,10 @@ std::span<iovec> Advance(std::span<iovec> parts, std::size_t count) noexcept {
     return parts;
 }
 
-bool WaitForRoom(int descriptor) noexcept {
-    pollfd waiting = {descriptor, POLLOUT, 0};
-    return RetryInterrupted([&] { return poll(&waiting, 1, kRoomWaitMs); }) > 0;
+// A reader that has stopped is waited for once, not again for every line.
+bool WaitForRoom(TextFile& file) noexcept {
+    if (!file.isStuck) file.isStuck = !IsReady(file.descriptor, POLLOUT, kRoomWait);
+    return !file.isStuck;
 }
 
 std::ptrdiff_t WriteSome(int descriptor, std::span<iovec> parts) noexcept {
@@ -147,17 +165,10 @@ std::ptrdiff_t WriteSome(int descriptor, std::span<iovec> parts) noexcept {
         [&] { return writev(descriptor, parts.data(), static_cast<int>(parts.size())); });
 }
 
-bool WriteEach(TextFile& file, std::span<iovec> parts) noexcept {
-    parts = Advance(parts, 0);
-    while (!parts.empty()) {
-        const std::ptrdiff_t written = WriteSome(file.descriptor, parts);
-        if (written < 0 && errno == EAGAIN && WaitForRoom(file.descriptor)) continue;
-        if (written <= 0) return false;
-        file.lacksLineEnd = true;
-        parts = Advance(parts, static_cast<std::size_t>(written));
-    }
-    file.lacksLineEnd = false;
-    return true;
+std::ptrdiff_t WriteQuietly(const TextFile& file, std::span<iovec> parts) noexcept {
+    if (!file.mayRaiseSignals) return WriteSome(file.descriptor, parts);
+    const SignalHold hold;
+    return WriteSome(file.descriptor, parts);
 }
 
 }  // namespace
@@ -180,9 +191,18 @@ std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept {
 }
 
 bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
-    if (!file.mayRaiseSignals) return WriteEach(file, parts);
-    const SignalHold hold;
-    return WriteEach(file, parts);
+    parts = Advance(parts, 0);
+    while (!parts.empty()) {
+        const std::ptrdiff_t written = WriteQuietly(file, parts);
+        if (written < 0 && errno == EAGAIN && WaitForRoom(file)) continue;
+        if (written <= 0) return false;
+        file.isStuck = false;
+        parts = Advance(parts, static_cast<std::size_t>(written));
+        file.lacksLineEnd = !parts.empty();
+        // A limit that was set after opening first shows as a short write.
+        if (!parts.empty()) file.mayRaiseSignals = true;
+    }
+    return true;
 }
 
 }  // namespace corvale::internal

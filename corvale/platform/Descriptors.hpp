@@ -25,6 +25,7 @@ struct TextFile {
     FileAccess access = FileAccess::Read;
     bool mayRaiseSignals = false;        ///< writing can raise SIGPIPE or SIGXFSZ
     bool lacksLineEnd = false;           ///< what stands at its end is not a whole line
+    bool isStuck = false;                ///< was full, and the wait for room was in vain
     std::optional<char> firstByte = {};  ///< was read while opening; precedes all further reading
 
     [[nodiscard]] bool IsOpen() const noexcept { return descriptor >= 0; }
@@ -43,7 +44,8 @@ struct TextFile {
 
 /// Writes `parts`, which end in a line end, in one system call wherever the system takes them
 /// whole. Returns false if that was impossible; `lacksLineEnd` of `file` then says whether a part
-/// of a line is left behind. A full pipe is given one second to make room. `parts` is used up.
+/// of a line is left behind. A full pipe is given one second to make room, and none again until it
+/// has taken something. `parts` is used up.
 [[nodiscard]] bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept;
 
 }  // namespace corvale::internal

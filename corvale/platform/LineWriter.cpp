@@ -48,7 +48,7 @@ class LongLine {
         if (text.empty()) return;
         if (count_ == parts_.size()) {
             Flush();
-            file_.lacksLineEnd = true;  // until the rest has followed
+            if (isWhole_) file_.lacksLineEnd = true;  // until the rest has followed
         }
         parts_[count_++] = PartOf(text);
     }

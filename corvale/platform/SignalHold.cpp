@@ -15,6 +15,7 @@ SignalHold::SignalHold() noexcept {
 }
 
 SignalHold::~SignalHold() {
+    const int errorOfWriting = errno;
     sigset_t pending;
     sigpending(&pending);
     for (const int signal : {SIGPIPE, SIGXFSZ}) {
@@ -23,10 +24,12 @@ SignalHold::~SignalHold() {
         sigset_t raised;
         sigemptyset(&raised);
         sigaddset(&raised, signal);
-        int taken = 0;
-        sigwait(&raised, &taken);
+        // Does not wait: a signal of the whole process may have gone to another thread meanwhile.
+        constexpr timespec now = {};
+        while (sigtimedwait(&raised, nullptr, &now) == -1 && errno == EINTR) {}
     }
     pthread_sigmask(SIG_SETMASK, &hostsMask_, nullptr);
+    errno = errorOfWriting;
 }
 
 }  // namespace corvale::internal

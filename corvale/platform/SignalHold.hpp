@@ -7,7 +7,7 @@ namespace corvale::internal {
 
 /// While it lives, a write of this thread that the system answers with SIGPIPE or SIGXFSZ just
 /// fails: the host, whose default would be to end, never sees the signal. One that was pending
-/// before stays pending.
+/// before stays pending, and `errno` is that of the write.
 class SignalHold {
   public:
     SignalHold() noexcept;

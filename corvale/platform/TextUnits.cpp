@@ -27,9 +27,9 @@ constexpr std::size_t kReadBuffer = 4096;
 struct Unit {
     std::mutex writing;  // held for each line written and for closing
     std::optional<TextFile> file;
-    std::int32_t freshCount;  // how many fresh numbers this place has given out
-    bool isUntouched;         // opened, and nothing read yet
-    std::size_t begin, end;   // what of the read buffer is still to be read
+    std::uint32_t freshCount;  // how many fresh numbers this place has given out
+    bool isUntouched;          // opened, and nothing read yet
+    std::size_t begin, end;    // what of the read buffer is still to be read
 };
 
 using ReadBuffer = std::array<char, kReadBuffer>;
@@ -88,8 +88,9 @@ void CloseNumber(std::int32_t number) noexcept {
     {
         const std::scoped_lock guard(place.unit->writing);
         if (place.key->load(std::memory_order_relaxed) != KeyOf(number)) return;
+        place.key->store(0,
+                         std::memory_order_release);  // first: a fork between leaves no key alone
         file.swap(place.unit->file);
-        place.key->store(0, std::memory_order_release);
     }
     if (file->descriptor > STDERR_FILENO) close(file->descriptor);
 }
@@ -103,9 +104,9 @@ std::size_t FreePlace() noexcept {
 
 // The next number of that place that nobody has chosen for a unit of his own.
 std::int32_t FreshNumber(std::size_t index) noexcept {
-    constexpr std::int32_t rounds = (INT32_MAX - kFirstFreshUnit) / kMostUnits;
+    constexpr std::uint32_t rounds = (INT32_MAX - kFirstFreshUnit) / kMostUnits;
     for (;;) {
-        const std::int32_t round = units[index].freshCount++ % rounds;
+        const auto round = static_cast<std::int32_t>(units[index].freshCount++ % rounds);
         const std::int32_t number =
             kFirstFreshUnit + round * kMostUnits + static_cast<std::int32_t>(index);
         if (!Find(number)) return number;
@@ -178,6 +179,7 @@ std::ptrdiff_t ReadBytes(std::int32_t unit, std::span<char> buffer) noexcept {
 }
 
 bool WriteLine(std::int32_t unit, std::span<const std::string_view> pieces) noexcept {
+    KeepUsableAfterFork();
     const Place place = Find(unit);
     if (!place) return false;
     const std::scoped_lock guard(place.unit->writing);
@@ -210,6 +212,7 @@ bool IsOpen(std::int32_t unit) noexcept {
 }
 
 void Close(std::int32_t unit) noexcept {
+    KeepUsableAfterFork();
     CloseNumber(unit);
 }
 

@@ -1,0 +1,111 @@
+// Test help: a folder of the test's own, whole files, work in a child process, a time limit.
+#pragma once
+
+#include <corvale/core/FileIO.hpp>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvale::test {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool kIsSanitized = true;
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+
+/// How often a test repeats something: less where each time costs twenty times as much.
+constexpr int Times(int count) {
+    return kIsSanitized ? count / 20 : count;
+}
+
+class TemporaryFolder {
+  public:
+    TemporaryFolder() : path_(std::filesystem::temp_directory_path() / "corvale-XXXXXX") {
+        if (mkdtemp(path_.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
+    }
+    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    [[nodiscard]] const std::string& Path() const { return path_; }
+    [[nodiscard]] std::string operator/(std::string_view name) const {
+        return path_ + "/" + std::string(name);
+    }
+
+  private:
+    std::string path_;
+};
+
+inline void WriteFile(const std::string& path, std::string_view content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+inline std::string ReadFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline std::vector<std::string> LinesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) lines.push_back(line);
+    return lines;
+}
+
+/// `text` blank-filled to `width`.
+inline std::string Padded(std::string_view text, std::size_t width) {
+    std::string padded(text);
+    padded.resize(width, ' ');
+    return padded;
+}
+
+inline std::string Stored(const FileIO::MessageStore& store) {
+    std::array<char, 128> text;
+    store.Load(text);
+    return {text.data(), text.size()};
+}
+
+inline std::ptrdiff_t OpenDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+/// What does not return in time ends the test program.
+class TimeLimit {
+  public:
+    explicit TimeLimit(unsigned seconds) { alarm(seconds); }
+    ~TimeLimit() { alarm(0); }
+    TimeLimit(const TimeLimit&) = delete;
+    TimeLimit& operator=(const TimeLimit&) = delete;
+};
+
+/// Starts a child that ends with status 0 if `work` returns true, by SIGALRM if it hangs.
+template <class Work>
+pid_t StartChild(Work work) {
+    const pid_t child = fork();
+    if (child != 0) return child;
+    alarm(60);
+    _exit(work() ? 0 : 1);
+}
+
+inline int WaitFor(pid_t child) {
+    int status = -1;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+/// Whether `work` returned true in a child process.
+template <class Work>
+bool HoldsInChild(Work work) {
+    return WaitFor(StartChild(work)) == 0;
+}
+
+}  // namespace corvale::test

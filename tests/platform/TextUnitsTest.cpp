@@ -1,0 +1,342 @@
+#include <corvale/platform/TextUnits.hpp>
+
+#include <corvale/core/FileIO.hpp>
+
+#include <TestFiles.hpp>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <algorithm>
+#include <chrono>
+#include <climits>
+#include <csignal>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <thread>
+
+namespace corvale::TextUnits {
+namespace {
+
+using namespace std::literals;
+using FileIO::FileOpen;
+using FileIO::FileOpenMT;
+using test::TemporaryFolder;
+
+constexpr std::int32_t kUnit = 11;
+constexpr std::int32_t kWrite = 0, kRead = 1, kAppend = 2;
+
+// The next line of kUnit in `width` columns.
+std::optional<std::string> NextLine(std::size_t width) {
+    std::string line(width, '?');
+    if (!ReadLine(kUnit, line)) return std::nullopt;
+    return line;
+}
+
+struct ReadCase {
+    std::string_view content;
+    std::vector<std::string> lines;  // in six columns
+    const char* why;
+};
+const ReadCase kReads[] = {
+    {"", {}, "an empty file has no line"},
+    {"a\nbc\n", {"a     ", "bc    "}, "shorter lines are filled"},
+    {"a\nbc", {"a     ", "bc    "}, "the last line needs no line end"},
+    {"\n\n", {"      ", "      "}, "empty lines are lines"},
+    {"a\r\n\r\nb\r\n", {"a     ", "      ", "b     "}, "CR LF is one line end"},
+    {"\r\r\n", {"\r     "}, "only the CR before LF belongs to the line end"},
+    {"a\rb\n\r", {"a\rb   ", "\r     "}, "a CR elsewhere is a character"},
+    {"a\0b\n\0\n"sv, {"a\0b   "s, "\0     "s}, "so is a NUL"},
+    {"\t\xc3\xa9\n", {"\t\xc3\xa9   "}, "and a tab, and bytes above 127"},
+    {"12345\r\n123456\r\n", {"12345 ", "123456"}, "a CR in or after the last column"},
+    {"1234567\n8\n", {"123456", "8     "}, "what does not fit is skipped"},
+};
+
+TEST(TextUnits, ReadLinesAsTheyStand) {
+    const TemporaryFolder folder;
+    for (const auto& [content, lines, why] : kReads) {
+        test::WriteFile(folder / "in", content);
+        ASSERT_EQ(FileOpen(kUnit, folder / "in", kRead), 0);
+        for (int round = 1; round <= 2; ++round) {
+            EXPECT_TRUE(Rewind(kUnit)) << why;
+            for (const std::string& line : lines)
+                EXPECT_EQ(NextLine(6), line) << why << ", round " << round;
+            EXPECT_EQ(NextLine(6), std::nullopt) << why << ", round " << round;
+        }
+    }
+    Close(kUnit);
+}
+
+TEST(TextUnits, ReadLinesOfAnyLength) {
+    const TemporaryFolder folder;
+    for (const std::size_t length : {511U, 512U, 513U, 4094U, 4095U, 4096U, 4097U, 1000000U})
+        for (const char* const lineEnd : {"\n", "\r\n"}) {
+            std::string line(length, '\0');
+            for (std::size_t i = 0; i < length; ++i) line[i] = static_cast<char>('a' + i % 23);
+            test::WriteFile(folder / "in", line + lineEnd + "next");
+            ASSERT_EQ(FileOpen(kUnit, folder / "in", kRead), 0);
+            EXPECT_EQ(NextLine(512), test::Padded(line, 512)) << length;
+            EXPECT_EQ(NextLine(512), test::Padded("next", 512)) << length;
+        }
+    Close(kUnit);
+}
+
+TEST(TextUnits, TheWrongDirectionChangesNothing) {
+    const TemporaryFolder folder;
+    test::WriteFile(folder / "in", "one\ntwo\n");
+
+    ASSERT_EQ(FileOpen(kUnit, folder / "in", kRead), 0);
+    EXPECT_FALSE(WriteLine(kUnit, "x")) << "a unit that reads";
+    EXPECT_EQ(NextLine(3), "one");
+    EXPECT_EQ(test::ReadFile(folder / "in"), "one\ntwo\n");
+
+    ASSERT_EQ(FileOpen(kUnit, folder / "out", kWrite), 0);
+    EXPECT_TRUE(WriteLine(kUnit, "first"));
+    std::string line = "kept";
+    EXPECT_FALSE(ReadLine(kUnit, line)) << "a unit that writes";
+    EXPECT_FALSE(Rewind(kUnit));
+    EXPECT_TRUE(WriteLine(kUnit, "second"));
+
+    Close(kUnit);
+    Close(kUnit);
+    EXPECT_FALSE(IsOpen(kUnit) || Rewind(kUnit) || ReadLine(kUnit, line) || WriteLine(kUnit, "x"));
+    EXPECT_EQ(line, "kept");
+    EXPECT_EQ(test::ReadFile(folder / "out"), "first\nsecond\n");
+}
+
+TEST(TextUnits, AnyNumberNamesAUnit) {
+    const TemporaryFolder folder;
+    const std::int32_t units[] = {-1, 0, 3, 6, 1000000, 1000001, INT_MIN, INT_MAX};
+    for (const std::int32_t unit : units)
+        EXPECT_EQ(FileOpen(unit, folder / std::to_string(unit), kWrite), 0) << unit;
+    std::int32_t fresh = 0;
+    EXPECT_EQ(FileOpenMT(folder / "fresh", kWrite, fresh), 0);
+    EXPECT_EQ(std::ranges::count(units, fresh), 0) << "a number in use is not given out";
+    for (const std::int32_t unit : units)
+        EXPECT_TRUE(IsOpen(unit) && WriteLine(unit, std::to_string(unit))) << unit;
+    for (const std::int32_t unit : units) {
+        Close(unit);
+        EXPECT_FALSE(IsOpen(unit)) << unit;
+        EXPECT_EQ(test::ReadFile(folder / std::to_string(unit)), std::to_string(unit) + "\n");
+    }
+    Close(fresh);
+}
+
+TEST(TextUnits, WhatIsATextFile) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    const struct {
+        std::string name;
+        std::int32_t ioMode, status;
+        const char* why;
+    } cases[] = {
+        {folder.Path(), kRead, 2, "a directory opens for reading, but has no lines"},
+        {folder.Path(), kWrite, 2, "nor is it written"},
+        {folder / "fifo", kWrite, 2, "a named pipe without a reader does not block"},
+        {folder / "fifo", kAppend, 2, "nor when appending"},
+        {folder / ("a\0b"s), kWrite, 2, "a NUL cuts no name"},
+        {"/dev/zero", kRead, 2, "a device that never ends"},
+        {"/dev/null", kRead, 0, "the null device is an empty file"},
+        {"/dev/null", kWrite, 0, "and takes everything"},
+        {"/dev/full", kAppend, 0, "a device that will refuse each line"},
+    };
+    const test::TimeLimit limit(30);
+    const auto before = test::OpenDescriptors();
+    for (const auto& [name, ioMode, status, why] : cases) {
+        EXPECT_EQ(FileOpen(kUnit, name, ioMode), status) << why;
+        EXPECT_EQ(IsOpen(kUnit), status == 0) << why;
+        Close(kUnit);
+        EXPECT_EQ(test::OpenDescriptors(), before) << why;
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder / "a"));
+}
+
+TEST(TextUnits, WaitTwoSecondsForAWriterWhateverSignalsCome) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    EXPECT_TRUE(test::HoldsInChild([&] {
+        struct sigaction ignore = {};
+        ignore.sa_handler = [](int) {};
+        sigaction(SIGUSR1, &ignore, nullptr);
+        const pid_t parent = getpid();
+        const pid_t disturber = test::StartChild([&] {
+            while (usleep(5000) == 0 && kill(parent, SIGUSR1) == 0 && getppid() == parent) {}
+            return true;
+        });
+        const auto start = std::chrono::steady_clock::now();
+        const bool isRefused = FileOpen(kUnit, folder / "fifo", kRead) == 2;
+        const auto waited = std::chrono::steady_clock::now() - start;
+        kill(disturber, SIGKILL);
+        return isRefused && waited > std::chrono::seconds(1) && waited < std::chrono::seconds(20);
+    }));
+}
+
+TEST(TextUnits, ReadAPipeWhoseWriterComesLater) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    const test::TimeLimit limit(30);
+    std::thread writer([&] {
+        std::ofstream pipe(folder / "fifo");
+        pipe << "one\n" << std::flush << "two" << std::flush;
+    });
+    EXPECT_EQ(FileOpen(kUnit, folder / "fifo", kRead), 0);
+    EXPECT_TRUE(Rewind(kUnit)) << "nothing has been read yet";
+    EXPECT_EQ(NextLine(3), "one");
+    EXPECT_FALSE(Rewind(kUnit)) << "a pipe does not go back";
+    EXPECT_EQ(NextLine(3), "two");
+    EXPECT_EQ(NextLine(3), std::nullopt);
+    writer.join();
+    Close(kUnit);
+}
+
+TEST(TextUnits, WriteToAPipeThatStopsAndEnds) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    const test::TimeLimit limit(60);
+    const int reader = open((folder / "fifo").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_EQ(FileOpen(kUnit, folder / "fifo", kWrite), 0);
+
+    const std::string line(999, 'x');
+    int written = 0;
+    while (WriteLine(kUnit, line)) ++written;
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 20; ++i) EXPECT_FALSE(WriteLine(kUnit, line));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10))
+        << "a pipe that is stuck does not cost its wait again for each line";
+
+    std::string content(1 << 20, '\0');
+    ssize_t count = read(reader, content.data(), content.size());
+    EXPECT_TRUE(WriteLine(kUnit, "last"));
+    count += read(reader, content.data() + count, content.size() - static_cast<std::size_t>(count));
+    content.resize(static_cast<std::size_t>(count));
+    EXPECT_EQ(count, 1000 * written + 5) << "short lines go into a pipe whole or not at all";
+    EXPECT_TRUE(content.ends_with("\nlast\n")) << "on a line of its own";
+
+    close(reader);
+    EXPECT_FALSE(WriteLine(kUnit, line)) << "nobody reads; SIGPIPE would have ended the program";
+    Close(kUnit);
+}
+
+struct WriteCase {
+    std::string before;
+    std::string text, after;
+    const char* why;
+};
+const WriteCase kWrites[] = {
+    {"", "", "\n", "an empty text is an empty line"},
+    {"old\n", "new  ", "old\nnew  \n", "trailing blanks are written"},
+    {"old", "new", "old\nnew\n", "a line that had no end gets one"},
+    {"old", "", "old\n\n", "before an empty one too"},
+    {"", "a\nb\r\nc", "a b  c\n", "line ends inside become blanks"},
+    {"", "a\0b\x1b\xff"s, "a\0b\x1b\xff\n"s, "everything else stays"},
+    {"", std::string(1000, '\n'), std::string(1000, ' ') + "\n", "the longest short line"},
+    {"old", std::string(1001, '\r'), "old\n" + std::string(1001, ' ') + "\n", "many parts"},
+    {"", std::string(5000, 'x'), std::string(5000, 'x') + "\n", "one long part"},
+};
+
+TEST(TextUnits, AppendLines) {
+    const TemporaryFolder folder;
+    for (const auto& [before, text, after, why] : kWrites) {
+        test::WriteFile(folder / "out", before);
+        ASSERT_EQ(FileOpen(kUnit, folder / "out", kAppend), 0);
+        EXPECT_EQ(test::ReadFile(folder / "out"), before) << "opening alone changes nothing";
+        EXPECT_TRUE(WriteLine(kUnit, text)) << why;
+        EXPECT_EQ(test::ReadFile(folder / "out"), after) << why;
+    }
+    Close(kUnit);
+}
+
+// The descriptor that `path` is open on, -1 where there is none.
+int DescriptorOf(const std::string& path) {
+    for (int descriptor = 0; descriptor < 100; ++descriptor) {
+        struct stat open = {}, file = {};
+        if (fstat(descriptor, &open) == 0 && stat(path.c_str(), &file) == 0 &&
+            open.st_ino == file.st_ino && open.st_dev == file.st_dev)
+            return descriptor;
+    }
+    return -1;
+}
+
+TEST(TextUnits, DescriptorsStayApartFromTheHosts) {
+    const TemporaryFolder folder;
+    test::WriteFile(folder / "in", "x\n");
+    EXPECT_TRUE(test::HoldsInChild([&] {
+        for (int standard = 0; standard < 3; ++standard) close(standard);
+        bool isGood = true;
+        for (const std::int32_t ioMode : {kRead, kWrite, kAppend}) {
+            isGood = isGood && FileOpen(kUnit, folder / "in", ioMode) == 0;
+            const int descriptor = DescriptorOf(folder / "in");
+            isGood = isGood && descriptor > 2 && (fcntl(descriptor, F_GETFD) & FD_CLOEXEC) != 0;
+        }
+        for (int standard = 0; standard < 3; ++standard)
+            isGood = isGood && fcntl(standard, F_GETFD) == -1;
+        return isGood;
+    }));
+}
+
+// As many units as the system gives, then one more when one has been closed.
+bool OpensUpTo(rlim_t descriptors, const std::string& path) {
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = descriptors;
+    if (setrlimit(RLIMIT_NOFILE, &limit) != 0) return false;
+
+    const auto before = test::OpenDescriptors();
+    std::vector<std::int32_t> units;
+    std::int32_t unit = -1;
+    while (FileOpenMT(path, kRead, unit) == 0) units.push_back(unit);
+    bool isGood = unit == 0 && FileOpen(kUnit, path, kRead) == 2 && !IsOpen(kUnit);
+    Close(units.back());
+    isGood = isGood && FileOpenMT(path, kRead, unit) == 0 && unit != units.back();
+    isGood = isGood && !IsOpen(units.back());
+    units.back() = unit;
+    isGood = isGood && std::set(units.begin(), units.end()).size() == units.size();
+    for (const std::int32_t open : units) Close(open);
+    return isGood && units.size() > 5 && test::OpenDescriptors() == before;
+}
+
+TEST(TextUnits, ALimitOfDescriptorsLosesNone) {
+    const TemporaryFolder folder;
+    test::WriteFile(folder / "in", "x\n");
+    EXPECT_TRUE(test::HoldsInChild([&] { return OpensUpTo(30, folder / "in"); }));
+
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_max < 5000) return;  // the table cannot be filled here
+    EXPECT_TRUE(test::HoldsInChild([&] { return OpensUpTo(5000, folder / "in"); }))
+        << "the table is full before the system is";
+}
+
+TEST(TextUnits, FreshNumbersOfManyThreadsAreDistinct) {
+    const TemporaryFolder folder;
+    test::WriteFile(folder / "in", "x\n");
+    const auto before = test::OpenDescriptors();
+    std::mutex guard;
+    std::set<std::int32_t> live;
+    int faults = 0;
+    const auto openAndClose = [&] {
+        for (int i = 0; i < test::Times(10000); ++i) {
+            std::int32_t unit = 0;
+            std::string line(1, ' ');
+            const bool isOpen = FileOpenMT(folder / "in", kRead, unit) == 0;
+            const bool isRead = ReadLine(unit, line) && line == "x";
+            std::unique_lock lock(guard);
+            if (!isOpen || !isRead || unit <= 6 || !live.insert(unit).second) ++faults;
+            lock.unlock();
+            lock.lock();
+            live.erase(unit);
+            lock.unlock();
+            Close(unit);
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 16; ++i) threads.emplace_back(openAndClose);
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(faults, 0);
+    EXPECT_EQ(test::OpenDescriptors(), before);
+}
+
+}  // namespace
+}  // namespace corvale::TextUnits
