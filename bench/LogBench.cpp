@@ -1,6 +1,8 @@
-// One message of 128 characters to the open log, from one thread and from eight: the C face, spdlog
-// flushing each line, fprintf with fflush, and as the limit a bare write() of the line.
+// One message of 128 characters to the open log, from one thread and from eight: the module face
+// and the C face, spdlog flushing each line, fprintf with fflush, and as the limit a bare write()
+// of the line.
 #include <corvale/Corvale.h>
+#include <corvale/core/FileIO.hpp>
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -24,10 +26,14 @@ std::string LogName() {
         .native();
 }
 
-struct Corvale {
+struct CFace {
     static void Open() { OpenLogFile(LogName().c_str()); }
     static void Line() { LogMessage(kMessage.c_str()); }
     static void Close() { CloseLogFile(); }
+};
+
+struct ModuleFace : CFace {
+    static void Line() { corvale::FileIO::TraceLogInfo(kMessage); }
 };
 
 struct Spdlog {
@@ -76,13 +82,17 @@ void LogLine(benchmark::State& state) {
     std::filesystem::remove(LogName());
 }
 
-#define LOG_LINE(Logger, name)                                                           \
-    BENCHMARK(LogLine<Logger>)->Name("LogLine/" name)->Iterations(40000)->UseRealTime(); \
-    BENCHMARK(LogLine<Logger>)->Name("LogLine/" name)->Iterations(5000)->Threads(8)->UseRealTime()
+#define LOG_LINE(Logger, name)                                                \
+    BENCHMARK(LogLine<Logger>)->Name(name)->Iterations(40000)->UseRealTime(); \
+    BENCHMARK(LogLine<Logger>)->Name(name)->Iterations(5000)->Threads(8)->UseRealTime()
 
-LOG_LINE(Corvale, "Corvale");
-LOG_LINE(Spdlog, "spdlog");
-LOG_LINE(Stdio, "fprintf+fflush");
-LOG_LINE(BareWrite, "write() alone");
+#define RACE(Face, topic)                     \
+    LOG_LINE(Face, topic "/Corvale");         \
+    LOG_LINE(Spdlog, topic "/spdlog");        \
+    LOG_LINE(Stdio, topic "/fprintf+fflush"); \
+    LOG_LINE(BareWrite, topic "/write() alone")
+
+RACE(ModuleFace, "LogLine TraceLogInfo");
+RACE(CFace, "LogLine LogMessage");
 
 }  // namespace

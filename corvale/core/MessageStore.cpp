@@ -1,6 +1,7 @@
 #include <corvale/core/FileIO.hpp>
 
-#include <algorithm>
+#include <corvale/text/TextParts.hpp>
+
 #include <cstring>
 
 namespace corvale::FileIO {
@@ -18,12 +19,18 @@ void MessageStore::Load(std::span<char, 128> message) const noexcept {
 }
 
 void MessageStore::Store(std::string_view message) noexcept {
-    std::array<std::uint64_t, 16> characters;
-    characters.fill(kBlanks);
-    if (!message.empty())
-        std::memcpy(characters.data(), message.data(), std::min(message.size(), sizeof characters));
-    for (std::size_t i = 0; i < words_.size(); ++i)
-        words_[i].store(characters[i], std::memory_order_relaxed);
+    std::array<char, sizeof words_> filled;
+    if (message.size() < filled.size()) {
+        internal::PutText(message, filled);
+        message = {filled.data(), filled.size()};
+    }
+    const char* source = message.data();
+    for (Word& word : words_) {
+        std::uint64_t characters = 0;
+        std::memcpy(&characters, source, sizeof characters);
+        word.store(characters, std::memory_order_relaxed);
+        source += sizeof characters;
+    }
 }
 
 }  // namespace corvale::FileIO

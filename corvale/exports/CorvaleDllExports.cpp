@@ -28,8 +28,8 @@ class BufferText {
   public:
     explicit BufferText(const char* buffer) noexcept {
         StrFunctions::CharArrToStr(buffer, Width, text_);
-        const std::string_view whole(text_.data(), text_.size());
-        internal::PutText(internal::WithoutLeadingBlanks(whole), text_);
+        if (text_.front() != internal::kBlank) return;
+        internal::PutText(internal::WithoutLeadingBlanks(Whole()), text_);
     }
     [[nodiscard]] std::string_view Whole() const noexcept { return {text_.data(), text_.size()}; }
     [[nodiscard]] std::string_view Trimmed() const noexcept {
