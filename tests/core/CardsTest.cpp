@@ -1,0 +1,403 @@
+#include <corvale/core/CorvaleCardReading.hpp>
+
+#include <corvale/core/CorvaleTypes.hpp>
+#include <corvale/core/FileIO.hpp>
+#include <corvale/platform/TextUnits.hpp>
+
+#include <Bits.hpp>
+#include <TestFiles.hpp>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <random>
+#include <regex>
+#include <thread>
+
+namespace corvale::CorvaleCardReading {
+namespace {
+
+using namespace std::literals;
+
+constexpr double kOld = -77.5;  // what an element holds that no card has given a value
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+struct Modes {
+    std::int32_t elset, all, useAll;
+    bool operator==(const Modes&) const = default;
+};
+Modes CurrentModes() {
+    return {ElsetKeyModeGet(), AllKeyModeGet(), UseAllKeyMode()};
+}
+
+class Cards : public testing::Test {
+  protected:
+    Cards() { Reset(); }
+    ~Cards() override {
+        Reset();
+        MoicArr.fill(0.0);
+    }
+    static void Reset() {
+        ElsetKeyMode = CorvaleTypes::gAllKeyMode = CorvaleTypes::gUseAllKeyMode = 0;
+        MoicArr.fill(kOld);
+    }
+    void Load(std::string_view content) const {
+        test::WriteFile(folder / "in", content);
+        EXPECT_EQ(ReadCorvaleFrFile(folder / "in"), 0);
+        EXPECT_FALSE(TextUnits::IsOpen(3));
+    }
+    test::TemporaryFolder folder;
+};
+
+struct NumbersCase {
+    std::string_view numbers;    // from column 9 on
+    std::vector<double> values;  // of the first elements
+    const char* why;
+    double rest = kOld;  // of all others
+};
+const NumbersCase kNumbers[] = {
+    {"1.5 2.5 3.5", {1.5, 2.5, 3.5}, "blanks separate"},
+    {"  1\t\t2 \t3", {1, 2, 3}, "so do tabs"},
+    {"1,2 ,3, 4 , 5", {1, 2, 3, 4, 5}, "and one comma, whatever blanks surround it"},
+    {"1\t,\t2", {1, 2}, "or tabs"},
+    {"1,,3", {1, kOld, 3}, "nothing between commas keeps"},
+    {"1, ,3", {1, kOld, 3}, "with a blank too"},
+    {",5", {kOld, 5}, "a first comma has nothing before it"},
+    {" , ,5", {kOld, kOld, 5}, "nor has one after another"},
+    {",", {}, "one comma alone"},
+    {"1,/2", {1}, "a slash ends"},
+    {"/ 5", {}, "at once too"},
+    {"7/8", {7}, "directly after a value"},
+    {"3*", {}, "three that keep"},
+    {"3*/", {}, "with a slash"},
+    {"3*,5", {kOld, kOld, kOld, 5}, "a comma after them is their separator"},
+    {"2* 5", {kOld, kOld, 5}, "so is a blank: no repeated 5"},
+    {"2*5,6", {5, 5, 6}, "two copies"},
+    {"128*0", {}, "all of them", 0.0},
+    {"200*1", {}, "more than there are", 1.0},
+    {"99999999999999999999*1", {}, "more than any counter holds", 1.0},
+    {"126*1 2 3 4", {}, "what follows the last", 0.0},
+    {"01*4 1", {4, 1}, "a count with a leading zero"},
+    {"1 0*5 2", {1}, "no count: not a number"},
+    {"1 -2*3 2", {1}, "nor is a signed count"},
+    {"1 2.*3 2", {1}, "or one with a point"},
+    {"1 2**3 2", {1}, "two stars"},
+    {"1 2*3*4 2", {1}, "two counts"},
+    {"1 2*x 2", {1}, "a word repeated"},
+    {"1 *5 2", {1}, "a star without a count"},
+    {".5 2. 7 -.5 +3", {0.5, 2, 7, -0.5, 3}, "a point anywhere, any sign"},
+    {"1E2 1e2 1D2 1d2 1Q2 1q2 1.0D2", {100, 100, 100, 100, 100, 100, 100}, "all exponent letters"},
+    {"1.5+2 15-1 1E+2 1E-2", {150, 1.5, 100, 0.01}, "a sign begins an exponent or belongs to it"},
+    {"1E 2", {1, 2}, "an exponent without digits is 0"},
+    {"1E+ 2", {1, 2}, "with a sign too"},
+    {"1e400 -1e400 1e-400 -0", {kInfinity, -kInfinity, 0.0, -0.0}, "out of range, and signed zero"},
+    {"1 X 4", {1}, "a word ends the reading"},
+    {"1 . 4", {1}, "a point is no number"},
+    {"1 - 4", {1}, "nor is a sign"},
+    {"1 E5 4", {1}, "nor an exponent"},
+    {"1 Inf 4", {1}, "nor an infinity"},
+    {"1 NaN 4", {1}, "nor what is no number by name"},
+    {"1 0x10 4", {1}, "hexadecimal"},
+    {"1 1_000 4", {1}, "digits in groups"},
+    {"1 2;3 4", {1}, "a semicolon does not separate"},
+    {"1 1.2.3 4", {1}, "two points"},
+    {"1 2\r 4", {1}, "a CR inside the line"},
+    {"1 2\0 4"sv, {1}, "a NUL"},
+    {"1 2\xa0 4", {1}, "a byte above 127"},
+    {"", {}, "no numbers"},
+};
+
+TEST_F(Cards, NumbersInFreeForm) {
+    for (const auto& [numbers, values, why, rest] : kNumbers)
+        for (const char* const lineEnd : {"\n", "\r\n"}) {
+            Reset();
+            Load("QZ_MOIC " + std::string(numbers) + lineEnd + "qz_dma_on" + lineEnd);
+            for (std::size_t i = 0; i < MoicArr.size(); ++i) {
+                double expected = i < values.size() ? values[i] : rest;
+                if (numbers.starts_with("126*")) expected = i < 126 ? 1 : i < 127 ? 2 : 3;
+                EXPECT_EQ(test::Bits(MoicArr[i]), test::Bits(expected))
+                    << numbers << ", element " << i + 1 << ": " << why;
+            }
+            EXPECT_EQ(ElsetKeyModeGet(), 1) << why << ": the rest of the file is read";
+        }
+}
+
+const std::string kTo511(503, ' ');  // the columns 9 to 511
+
+struct FileCase {
+    std::string content;
+    Modes modes;
+    double first;  // element 1
+    const char* why;
+};
+const FileCase kFiles[] = {
+    {"", {0, 0, 0}, kOld, "an empty file"},
+    {"\n* comment\n    \n*QZ_DMA_ON\n", {0, 0, 0}, kOld, "comments and blank lines"},
+    {"QZ_DMA_ON", {1, 0, 0}, kOld, "without a line end"},
+    {"qZ_dMa_oN\n", {1, 0, 0}, kOld, "in any case"},
+    {"QZ_DMA_ONLY if\n", {1, 0, 0}, kOld, "only nine columns are compared"},
+    {"QZ_DMA_O\nQZ_DMA_ \nON\n", {0, 0, 0}, kOld, "all nine"},
+    {"QZ_DMA_ALL_ON\n", {0, 1, 1}, kOld, "all keys, and nothing else"},
+    {"qz_dma_all_onx\r\nQZ_DMA_ON\r\n", {1, 1, 1}, kOld, "both"},
+    {"QZ_DMA_ALL_O", {0, 0, 0}, kOld, "thirteen columns"},
+    {" QZ_DMA_ON\n*QZ_DMA_ON\n QZ_MOIC 1\n", {0, 0, 0}, kOld, "column 1 only"},
+    {"\xef\xbb\xbfQZ_DMA_ON\nQZ_DMA_ALL_ON\n", {0, 1, 1}, kOld, "a byte order mark hides a card"},
+    {"x\rQZ_DMA_ON\r", {0, 0, 0}, kOld, "a CR alone ends no line"},
+    {"QZ_DMA_ON\r", {1, 0, 0}, kOld, "and does not hide what precedes it"},
+    {"QZ_MOIC\t1\nQZ_MOIC1\nQZ_MOICS 1\n", {0, 0, 0}, kOld, "column 8 must be a blank"},
+    {"QZ_MOIC\nQZ_MOIC ", {0, 0, 0}, kOld, "no numbers"},
+    {"QZ_MOIC 7", {0, 0, 0}, 7, "a number without a line end"},
+    {"qz_moic 7d1\n", {0, 0, 0}, 70, "small letters"},
+    {"QZ_MOIC 1\nQZ_MOIC 2\nQZ_MOIC ,3\nQZ_MOIC x", {0, 0, 0}, 2, "the last value counts"},
+    {"QZ_MOIC " + kTo511 + "56\n", {0, 0, 0}, 5, "column 512 is the last"},
+    {"QZ_MOIC " + kTo511 + "56", {0, 0, 0}, 5, "without a line end too"},
+    {"QZ_MOIC " + kTo511 + "5\r\n", {0, 0, 0}, 5, "a CR after it"},
+    {"QZ_MOIC " + kTo511 + "\r\n", {0, 0, 0}, kOld, "a CR in it"},
+    {"QZ_MOIC " + kTo511 + " 5\n", {0, 0, 0}, kOld, "column 513 is not read"},
+    {"QZ_MOIC 4 " + std::string(1000000, ' ') + "\nQZ_DMA_ON", {1, 0, 0}, 4, "a very long line"},
+    {std::string(1000000, 'Q') + "\nQZ_DMA_ON", {1, 0, 0}, kOld, "one without sense"},
+    {std::string(600, '*') + "QZ_DMA_ON", {0, 0, 0}, kOld, "a card beyond its column 512"},
+};
+
+TEST_F(Cards, FilesOfEveryKind) {
+    for (const auto& [content, modes, first, why] : kFiles) {
+        Reset();
+        Load(content);
+        EXPECT_EQ(CurrentModes(), modes) << why;
+        EXPECT_EQ(MoicArr[0], first) << why;
+    }
+}
+
+TEST_F(Cards, WhatCannotBeReadChangesNothing) {
+    TextUnits::Close(3);
+    EXPECT_EQ(ReadCorvaleFrFile(folder / "missing"), 2);
+    EXPECT_EQ(test::Stored(FileIO::LastLoggedErrMsg).substr(0, 31),
+              "FileOpen: Unable to open file \"");
+    EXPECT_EQ(ReadCorvaleFrFile(" "), 2);
+    EXPECT_EQ(ReadCorvaleFrFileUnit(3), 0) << "a unit that is not open";
+    ASSERT_EQ(FileIO::FileOpen(3, folder / "out", 0), 0);
+    EXPECT_TRUE(TextUnits::WriteLine(3, "QZ_MOIC 1"));
+    EXPECT_EQ(ReadCorvaleFrFileUnit(3), 0) << "a unit that writes";
+    EXPECT_EQ(MoicArr[0], kOld);
+    TextUnits::Close(3);
+}
+
+TEST_F(Cards, AUnitIsReadFromItsFirstLineAndStaysOpen) {
+    test::WriteFile(folder / "in", "QZ_MOIC 1\nx\n");
+    ASSERT_EQ(FileIO::FileOpen(13, folder / "in", 1), 0);
+    std::string line(9, ' ');
+    for (int round = 0; round < 2; ++round, MoicArr.fill(kOld)) {
+        EXPECT_TRUE(TextUnits::ReadLine(13, line));
+        EXPECT_EQ(ReadCorvaleFrFileUnit(13), 0);
+        EXPECT_EQ(MoicArr[0], 1);
+        EXPECT_TRUE(TextUnits::Rewind(13));
+    }
+    TextUnits::Close(13);
+}
+
+TEST(CardTypes, ComparesAsItStands) {
+    const struct {
+        std::string_view card;
+        std::int32_t code;
+        const char* why;
+    } cases[] = {
+        {"QZ_MOIC 1 2 3", 1, "a blank in column 8"},
+        {"QZ_MOIC", 1, "short texts are filled"},
+        {"QZ_MOIC\t1", 100, "a tab there"},
+        {"QZ_DMA_ONE   ", 2, "nine columns"},
+        {"QZ_DMA_ALL_ON", 3, "thirteen columns"},
+        {"QZ_DMA_ALL_O ", 100, "one too few"},
+        {"qz_dma_on    ", 100, "no capitals"},
+        {" QZ_DMA_ON   ", 100, "column 1"},
+        {"", 100, "nothing at all"},
+    };
+    for (const auto& [card, code, why] : cases) EXPECT_EQ(CorvaleCardType(card), code) << why;
+}
+
+TEST_F(Cards, ElementsAreHandedOutUpToTheLast) {
+    for (std::size_t i = 0; i < MoicArr.size(); ++i) MoicArr[i] = static_cast<double>(i);
+    for (const std::int32_t count :
+         {std::numeric_limits<std::int32_t>::min(), -1, 0, 1, 127, 128}) {
+        std::array<double, 129> values;
+        values.fill(kOld);
+        RetrieveMocData(values.data(), count);
+        for (std::int32_t i = 0; i < 129; ++i)
+            EXPECT_EQ(values[static_cast<std::size_t>(i)], i < count ? i : kOld) << count;
+    }
+}
+
+// ---- The same cards, read by the simplest reader: one line after the other, all of each.
+
+struct Outcome {
+    Modes modes = {0, 0, 0};
+    std::array<double, 128> moic;
+};
+
+double ValueOf(std::string number) {
+    const std::size_t exponent = number.find_first_of("EeDdQq+-", 1);
+    if (exponent != std::string::npos) {
+        if (number[exponent] == '+' || number[exponent] == '-') number.insert(exponent, "e");
+        number[exponent] = 'e';
+    }
+    return std::strtod(number.c_str(), nullptr);  // an exponent without digits is passed over
+}
+
+void ReadNumbers(const std::string& record, std::array<double, 128>& moic) {
+    static const std::regex repeat("0*([1-9][0-9]*)\\*");
+    static const std::regex real(
+        "[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)([EeDdQq][+-]?[0-9]*|[+-][0-9]*)?");
+    std::size_t element = 0;
+    const auto skip = [&](std::size_t at) {
+        return std::min(record.find_first_not_of(" \t", at), record.size());
+    };
+    for (std::size_t at = skip(0); at < record.size() && record[at] != '/';) {
+        const std::size_t end = std::min(record.find_first_of(" \t,/", at), record.size());
+        std::string item = record.substr(at, end - at);
+        double count = 1;
+        std::smatch match;
+        if (std::regex_search(item, match, repeat, std::regex_constants::match_continuous)) {
+            count = std::strtod(match[1].str().c_str(), nullptr);
+            item = match.suffix();
+        }
+        if (!item.empty() && !std::regex_match(item, match, real)) return;
+        for (; count > 0 && element < 128; --count, ++element)
+            if (!item.empty()) moic[element] = ValueOf(item);
+        at = skip(end);
+        if (at < record.size() && record[at] == ',') at = skip(at + 1);
+    }
+}
+
+void ReadLiterally(std::string_view content, Outcome& outcome) {
+    while (!content.empty()) {
+        const std::size_t end = content.find('\n');
+        std::string line(content.substr(0, end));
+        content.remove_prefix(end == std::string_view::npos ? content.size() : end + 1);
+        if (end != std::string_view::npos && line.ends_with('\r')) line.pop_back();
+        line.resize(512, ' ');
+        if (line[0] == '*') continue;
+        std::string capitals = line;
+        for (char& c : capitals)
+            if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+        if (capitals.starts_with("QZ_MOIC "))
+            ReadNumbers(line.substr(8), outcome.moic);
+        else if (capitals.starts_with("QZ_DMA_ON"))
+            outcome.modes.elset = 1;
+        else if (capitals.starts_with("QZ_DMA_ALL_ON"))
+            outcome.modes.all = outcome.modes.useAll = 1;
+    }
+}
+
+class RandomFile {
+  public:
+    explicit RandomFile(unsigned seed) : engine_(seed) {}
+
+    std::string Make(std::size_t size) {
+        std::string content;
+        while (content.size() < size) content += Line() + (Below(4) == 0 ? "\r\n" : "\n");
+        if (Below(2) == 0) content += Line();
+        return content;
+    }
+    std::size_t Below(std::size_t count) { return engine_() % count; }
+
+  private:
+    template <std::size_t N>
+    std::string OneOf(const char* const (&choices)[N]) {
+        return choices[Below(N)];
+    }
+    std::string Digits(std::size_t most) {
+        std::string digits;
+        for (std::size_t i = Below(most + 1); i > 0; --i)
+            digits += static_cast<char>('0' + Below(10));
+        return digits;
+    }
+    std::string Number() {
+        const std::size_t most = Below(20) == 0 ? 60 : 9;
+        return OneOf({"", "", "", "-", "+"}) + Digits(most) + OneOf({"", ".", "."}) + Digits(most) +
+               OneOf({"", "", "", "E", "d-", "Q+", "+", "-"}) + Digits(Below(10) == 0 ? 4 : 2);
+    }
+    std::string Item() {
+        if (Below(8) == 0)
+            return OneOf({"", ",", "9*", "40*", "0*1", "X", "1;2", "/", "NaN", ".", "4*\t"});
+        return (Below(6) == 0 ? Digits(2) + "*" : "") + Number();
+    }
+    // A card that often first skips to where only some elements are set, and is often about as
+    // long as the columns are wide.
+    std::string MoicCard() {
+        std::string line = OneOf({"QZ_MOIC ", "qz_moic ", "Qz_MoIc ", "QZ_MOIC", "QZ_MOIC\t"});
+        if (Below(2) == 0) line += std::to_string(1 + Below(127)) + "* ";
+        const std::size_t length = Below(3) == 0 ? 490 + Below(40) : Below(80);
+        while (line.size() < length) line += Item() + OneOf({" ", " ", ",", " , ", "\t", "  "});
+        if (line.size() > 512 && Below(2) == 0) line.resize(510 + Below(5));
+        return line;
+    }
+    std::string Line() {
+        const std::size_t kind = Below(30);
+        if (kind < 8) return MoicCard();
+        if (kind == 8) return OneOf({"QZ_DMA_ON", "qz_dma_all_on x", "QZ_DMA_ONE"});
+        if (kind == 9) return std::string(Below(3000), OneOf({"Q", "q", " ", "*"})[0]);
+        return OneOf({"", "   ", "* QZ_MOIC 5", " QZ_MOIC 5", "Q", "QZ_", "ORBIT 1 2 3",
+                      "quit\rQZ_MOIC 5", "QZ_DMA_OFF", "\rQZ_MOIC 5", "x", "QZ_MOIC5", "q\tq",
+                      "1 2 3"});
+    }
+
+    std::mt19937 engine_;
+};
+
+class RandomCards : public Cards {
+  protected:
+    // Expects the library, reading `path`, to end where the simplest reader ends.
+    void Expect(const Outcome& expected, const std::string& path) const {
+        EXPECT_EQ(ReadCorvaleFrFile(path), 0);
+        EXPECT_EQ(CurrentModes(), expected.modes);
+        for (std::size_t i = 0; i < MoicArr.size(); ++i)
+            ASSERT_EQ(test::Bits(MoicArr[i]), test::Bits(expected.moic[i])) << "element " << i + 1;
+    }
+    static Outcome Literal(std::string_view content) {
+        Outcome outcome;
+        outcome.moic.fill(kOld);
+        ReadLiterally(content, outcome);
+        return outcome;
+    }
+};
+
+TEST_F(RandomCards, AgreeWithTheSimplestReader) {
+    for (int i = 0; i < test::Times(2000); ++i) {
+        SCOPED_TRACE(i);
+        RandomFile random(static_cast<unsigned>(i));
+        const std::size_t size = i % 100 == 0 ? 600000 : random.Below(2000);
+        const std::string content = random.Make(size);
+        test::WriteFile(folder / "in", content);
+        Reset();
+        Expect(Literal(content), folder / "in");
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST_F(RandomCards, ComeThroughAPipeInPiecesOfAnySize) {
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    const test::TimeLimit limit(120);
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        SCOPED_TRACE(seed);
+        RandomFile random(seed);
+        const std::string content = random.Make(seed == 0 ? 300000 : 3000);
+        std::thread writer([&] {
+            std::ofstream pipe(folder / "fifo");
+            for (std::size_t at = 0; at < content.size();) {
+                const std::size_t count =
+                    std::min(1 + random.Below(seed == 0 ? 5000 : 50), content.size() - at);
+                pipe << std::string_view(content).substr(at, count) << std::flush;
+                at += count;
+                std::this_thread::yield();
+            }
+        });
+        Reset();
+        Expect(Literal(content), folder / "fifo");
+        writer.join();
+        if (HasFatalFailure()) return;
+    }
+}
+
+}  // namespace
+}  // namespace corvale::CorvaleCardReading

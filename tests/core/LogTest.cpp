@@ -1,0 +1,347 @@
+#include <corvale/Corvale.h>
+
+#include <corvale/core/CorvaleCardReading.hpp>
+#include <corvale/core/CorvaleTypes.hpp>
+#include <corvale/core/FileIO.hpp>
+#include <corvale/platform/TextUnits.hpp>
+
+#include <TestFiles.hpp>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <map>
+#include <optional>
+#include <thread>
+
+namespace corvale::FileIO {
+namespace {
+
+using namespace std::literals;
+using test::Padded;
+using test::Stored;
+
+const std::string kBlanks(128, ' ');
+const std::string kOpenFailed = Padded("OpenLogFile: log file failed to open.", 128);
+
+class Log : public testing::Test {
+  protected:
+    Log() { CloseLogFile(); }
+    ~Log() override { CloseLogFile(); }
+
+    [[nodiscard]] bool Open(const std::string& name = "log") const {
+        return OpenLogFile((folder / name).c_str()) == 0;
+    }
+    [[nodiscard]] std::vector<std::string> Lines() const { return test::LinesOf(folder / "log"); }
+
+    test::TemporaryFolder folder;
+};
+
+struct MessageCase {
+    std::string message;
+    std::optional<std::string> errorLine;
+    std::string infoLine;
+    const char* why;
+};
+const MessageCase kMessages[] = {
+    {"", std::nullopt, "", "an empty message: no error line, an empty informational one"},
+    {"    ", std::nullopt, "    ", "a blank message: the same with blanks"},
+    {"  x ", "Error-  x ", "  x ", "blanks on both sides stay"},
+    {kBlanks, std::nullopt, kBlanks, "the store's width, blank"},
+    {std::string(128, 'a'), "Error-" + std::string(128, 'a'), std::string(128, 'a'), "its width"},
+    {std::string(200, 'b'), "Error-" + std::string(200, 'b'), std::string(200, 'b'), "wider"},
+    {"a\nb\r\nc\r", "Error-a b  c ", "a b  c ", "one message is one line"},
+    {"\n", "Error- ", " ", "a line end is no blank"},
+    {"\0\0"s, "Error-\0\0"s, "\0\0"s, "nor is a NUL"},
+    {std::string(1 << 20, 'c') + "\n", "Error-" + std::string(1 << 20, 'c') + " ",
+     std::string(1 << 20, 'c') + " ", "a megabyte"},
+};
+
+TEST_F(Log, EachMessageIsStoredAndIsOneLine) {
+    for (const auto& [message, errorLine, infoLine, why] : kMessages) {
+        ASSERT_TRUE(Open());
+        TraceLogError(message);
+        TraceLogInfo(message);
+        const std::string expected = (errorLine ? *errorLine + "\n" : "") + infoLine + "\n";
+        EXPECT_TRUE(test::ReadFile(folder / "log") == expected) << why;
+        EXPECT_EQ(Stored(LastLoggedErrMsg), Padded(message.substr(0, 128), 128)) << why;
+        EXPECT_EQ(Stored(LogLastInfoMsg), Padded(message.substr(0, 128), 128)) << why;
+    }
+}
+
+TEST_F(Log, MessagesAreStoredWithoutALog) {
+    TraceLogInfo("kept");
+    for (const MessageCase& c : kMessages) {
+        TraceLogError(c.message);
+        EXPECT_EQ(Stored(LastLoggedErrMsg), Padded(c.message.substr(0, 128), 128)) << c.why;
+    }
+    CloseLogFile();
+    EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks) << "closing clears the error, log or no log";
+    EXPECT_EQ(Stored(LogLastInfoMsg), Padded("kept", 128)) << "and nothing else";
+}
+
+TEST_F(Log, BuffersAreAdjustedAndCutAtANul) {
+    ASSERT_TRUE(Open("  a\\b  ")) << "of a name neither backslashes nor case change";
+    std::string message = Padded("   from the left", 128);
+    LogMessage(message.c_str());
+    message[10] = '\0';
+    LogMessage(message.c_str());
+    EXPECT_EQ(test::ReadFile(folder / "  a\\b"),
+              Padded("from the left", 128) + "\n" + Padded("from th", 128) + "\n");
+
+    std::string stored(129, '#');
+    GetLastInfoMsg(stored.data());
+    EXPECT_EQ(stored, Padded("from th", 128) + "#") << "128 characters, no terminator";
+    ASSERT_EQ(OpenLogFile(("  " + (folder / "log")).c_str()), 0) << "leading blanks are dropped";
+    EXPECT_EQ(Lines().size(), 0U);
+}
+
+TEST_F(Log, OpeningClosesTheLogBefore) {
+    test::WriteFile(folder / "second", "old\n");
+    ASSERT_TRUE(Open());
+    LogMessage("one");
+    ASSERT_TRUE(Open("second"));
+    EXPECT_EQ(LogFileUnit, 6);
+    EXPECT_EQ(test::ReadFile(folder / "second"), "") << "an existing file is emptied";
+    LogMessage("two");
+    EXPECT_EQ(Lines().size(), 1U);
+    ASSERT_TRUE(Open("second"));
+    EXPECT_EQ(test::ReadFile(folder / "second"), "") << "the open log as well";
+
+    for (int times = 0; times < 2; ++times) {
+        CloseLogFile();
+        EXPECT_EQ(LogFileUnit, 0);
+        EXPECT_FALSE(TextUnits::IsOpen(6));
+    }
+}
+
+TEST_F(Log, WhatCannotBeOpenedLeavesAStateWithoutAFile) {
+    symlink("loop", (folder / "loop").c_str());
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    const struct {
+        std::string name;
+        const char* why;
+    } cases[] = {
+        {folder.Path(), "a directory"},
+        {folder / "missing/log", "a missing directory"},
+        {folder / "loop", "a link to itself"},
+        {folder / "fifo", "a named pipe that nobody reads"},
+        {folder / std::string(400, 'x'), "too long a name"},
+        {kBlanks, "a blank name"},
+        {"", "an empty one"},
+    };
+    const auto before = test::OpenDescriptors();
+    for (const auto& [name, why] : cases) {
+        ASSERT_TRUE(Open());
+        LogMessage("one");
+        EXPECT_EQ(OpenLogFile(name.c_str()), 2) << why;
+        EXPECT_EQ(LogFileUnit, 6) << why;
+        EXPECT_EQ(Stored(LastLoggedErrMsg), kOpenFailed) << why;
+        EXPECT_FALSE(TextUnits::IsOpen(6)) << why;
+        TraceLogError("goes nowhere");
+        EXPECT_EQ(Stored(LastLoggedErrMsg), Padded("goes nowhere", 128)) << why;
+        EXPECT_EQ(Lines().size(), 1U) << why;
+        EXPECT_EQ(test::OpenDescriptors(), before) << why;
+    }
+    CloseLogFile();
+    EXPECT_EQ(LogFileUnit, 0);
+    EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks);
+}
+
+TEST_F(Log, OpeningAgainAndAgainKeepsOneDescriptor) {
+    ASSERT_TRUE(Open());
+    const auto before = test::OpenDescriptors();
+    for (int i = 0; i < test::Times(20000); ++i)
+        EXPECT_EQ(Open(i % 2 == 0 ? "missing/x" : "y"), i % 2 != 0);
+    ASSERT_TRUE(Open());
+    EXPECT_EQ(test::OpenDescriptors(), before);
+}
+
+TEST_F(Log, AFullDeviceLosesLinesAndNothingElse) {
+    ASSERT_EQ(OpenLogFile("/dev/full"), 0);
+    for (const MessageCase& c : kMessages) TraceLogInfo(c.message);
+    TraceLogError("stored");
+    EXPECT_EQ(Stored(LastLoggedErrMsg), Padded("stored", 128));
+    ASSERT_TRUE(Open());
+    TraceLogInfo("again");
+    EXPECT_EQ(Lines(), std::vector{"again"s});
+}
+
+bool LimitFileSize(rlim_t size) {
+    rlimit limit = {};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = size;
+    return setrlimit(RLIMIT_FSIZE, &limit) == 0;
+}
+
+TEST_F(Log, GoesOnWhenThereIsSpaceAgain) {
+    const std::string line(99, 'x');
+    const std::string split = std::string(1100, 'y') + std::string(200, '\n');
+    const struct {
+        rlim_t limit;
+        bool isSetBefore;
+        std::string message;
+        const char* why;
+    } cases[] = {
+        {0, true, line, "no space at all"},
+        {300, true, line, "full at the end of a line"},
+        {350, true, line, "full inside a line"},
+        {350, false, line, "full inside a line, the limit set while the log is open"},
+        {0, true, split, "a message of many parts, none of which is taken"},
+        {1500, true, split, "one of which only some are taken"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_TRUE(test::HoldsInChild([&] {
+            if (c.isSetBefore) LimitFileSize(c.limit);
+            const bool isOpen = Open();
+            LimitFileSize(c.limit);
+            for (int i = 0; i < 10; ++i) TraceLogInfo(c.message);
+            return isOpen && LimitFileSize(RLIM_INFINITY) && (TraceLogInfo("again"), true);
+        })) << c.why
+            << ": SIGXFSZ would have ended the child";
+        std::string content = test::ReadFile(folder / "log");
+        EXPECT_TRUE(content.ends_with("again\n")) << c.why;
+        content.resize(content.size() - std::min(content.size(), "again\n"sv.size()));
+        EXPECT_TRUE(content.empty() || content.ends_with('\n')) << c.why;
+        EXPECT_FALSE(content.ends_with("\n\n") || content == "\n") << c.why;
+        EXPECT_LE(content.size(), c.limit + 1) << c.why;
+        EXPECT_GE(content.size(), c.limit) << c.why;
+    }
+}
+
+TEST_F(Log, AFileThatIsRemovedIsStillWritten) {
+    ASSERT_TRUE(Open());
+    std::filesystem::rename(folder / "log", folder / "moved");
+    LogMessage("moved");
+    EXPECT_EQ(test::LinesOf(folder / "moved").size(), 1U);
+    std::filesystem::remove(folder / "moved");
+    LogMessage("removed");
+    EXPECT_EQ(Stored(LogLastInfoMsg), Padded("removed", 128));
+}
+
+// Ends the process; 0 where everything held.
+[[noreturn]] void CheckAFreshProcess() {
+    bool isGood = Stored(LastLoggedErrMsg) == kBlanks && Stored(LogLastInfoMsg) == kBlanks &&
+                  LogFileUnit == 0 && GetDupKeyMode() == 0 && GetAllKeyMode() == 0 &&
+                  GetElsetKeyMode() == 0 && CorvaleTypes::gUseAllKeyMode == 0 &&
+                  CorvaleCardReading::MoicArr == std::array<double, 128>{};
+    {
+        const test::TemporaryFolder folder;
+        isGood = isGood && std::freopen((folder / "host").c_str(), "w", stdout) != nullptr;
+        isGood = isGood && TextUnits::IsOpen(6) && TextUnits::WriteLine(6, "unit 6");
+        LogMessage("no log");
+        isGood = isGood && OpenLogFile((folder / "log").c_str()) == 0;
+        isGood = isGood && TextUnits::WriteLine(6, "to the log");
+        std::printf("host\n");
+        std::fflush(stdout);
+        CloseLogFile();
+        isGood = isGood && !TextUnits::IsOpen(6) && !TextUnits::WriteLine(6, "nowhere");
+        isGood = isGood && test::ReadFile(folder / "host") == "unit 6\nhost\n";
+        isGood = isGood && test::ReadFile(folder / "log") == "to the log\n";
+    }
+    _exit(isGood ? 0 : 1);
+}
+
+TEST(LogDeathTest, Unit6IsStandardOutputUntilTheLogIsOpened) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process of its own
+    EXPECT_EXIT(CheckAFreshProcess(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(Log, AProcessThatIsKilledHasLostNoLine) {
+    const int count = test::Times(100000);
+    const pid_t child = test::StartChild([&] {
+        const bool isOpen = Open();
+        for (int i = 0; isOpen && i < count; ++i) TraceLogInfo(std::to_string(i));
+        return kill(getpid(), SIGKILL) == 0;
+    });
+    EXPECT_TRUE(WIFSIGNALED(test::WaitFor(child)));
+    const std::vector<std::string> lines = Lines();
+    ASSERT_EQ(lines.size(), static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i)
+        ASSERT_EQ(lines[static_cast<std::size_t>(i)], std::to_string(i));
+}
+
+const std::string kTail(60, 'z');
+
+// The n-th message of a writer.
+std::string MessageOf(const std::string& writer, int n) {
+    return writer + " " + std::to_string(n) + " " + kTail;
+}
+
+// Expects `count` lines of each writer, whole and in order, and no others.
+void ExpectWholeLines(const std::vector<std::string>& lines,
+                      const std::map<std::string, int>& counts) {
+    std::map<std::string, int> seen;
+    for (const std::string& line : lines) {
+        const std::string writer = line.substr(0, line.find(' '));
+        ASSERT_EQ(line, MessageOf(writer, seen[writer]++));
+    }
+    EXPECT_EQ(seen, counts);
+}
+
+TEST_F(Log, LinesOfManyThreadsAreWholeAndComplete) {
+    ASSERT_TRUE(Open());
+    const int count = test::Times(100000);
+    std::atomic<bool> isOver = false;
+    std::thread reader([&] {  // may see a mix, never anything undefined
+        std::string message(128, ' ');
+        while (!isOver) GetLastErrMsg(message.data());
+    });
+    std::vector<std::thread> writers;
+    std::map<std::string, int> counts;
+    for (int thread = 0; thread < 8; ++thread) {
+        const std::string name = "t" + std::to_string(thread);
+        const bool isError = thread % 2 != 0;
+        counts[isError ? "Error-" + name : name] = count;
+        writers.emplace_back([=] {
+            for (int i = 0; i < count; ++i)
+                isError ? TraceLogError(MessageOf(name, i)) : TraceLogInfo(MessageOf(name, i));
+        });
+    }
+    for (std::thread& writer : writers) writer.join();
+    isOver = true;
+    reader.join();
+    ExpectWholeLines(Lines(), counts);
+}
+
+TEST_F(Log, ChildrenOfAProcessThatLogsLogToo) {
+    ASSERT_TRUE(Open());
+    constexpr int children = 40, linesOfAChild = 50;
+    std::atomic<bool> isOver = false;
+    std::array<int, 8> written = {};
+    std::vector<std::thread> writers;
+    for (std::size_t thread = 0; thread < written.size(); ++thread)
+        writers.emplace_back([&, thread] {
+            const std::string name = "t" + std::to_string(thread);
+            for (int& i = written[thread]; !isOver; ++i)
+                thread % 2 != 0 ? TraceLogError(MessageOf(name, i))
+                                : TraceLogInfo(MessageOf(name, i));
+        });
+    std::map<std::string, int> counts;
+    for (int child = 0; child < children; ++child) {
+        const std::string name = "child" + std::to_string(child);
+        counts["Error-" + name] = counts[name] = linesOfAChild;
+        EXPECT_TRUE(test::HoldsInChild([&] {
+            for (int i = 0; i < linesOfAChild; ++i) {
+                TraceLogError(MessageOf(name, i));
+                TraceLogInfo(MessageOf(name, i));
+            }
+            std::int32_t unit = 0;
+            return FileOpenMT(folder / name, 0, unit) == 0 && TextUnits::WriteLine(unit, "x");
+        })) << name
+            << " hangs where a lock stayed locked";
+    }
+    isOver = true;
+    for (std::thread& writer : writers) writer.join();
+    for (std::size_t thread = 0; thread < written.size(); ++thread)
+        if (written[thread] > 0)
+            counts[(thread % 2 != 0 ? "Error-t" : "t") + std::to_string(thread)] = written[thread];
+    ExpectWholeLines(Lines(), counts);
+}
+
+}  // namespace
+}  // namespace corvale::FileIO
