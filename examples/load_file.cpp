@@ -38,9 +38,9 @@ int main(int argc, char** argv) {
         std::array<char, 64> line;
         const int length =
             std::snprintf(line.data(), line.size(), "MOIC(%zu) = %.17g", i + 1, cards::MoicArr[i]);
-        isWritten = units::WriteLine(kStandardOutput,
-                                     {line.data(), static_cast<std::size_t>(length)}) &&
-                    isWritten;
+        isWritten =
+            units::WriteLine(kStandardOutput, {line.data(), static_cast<std::size_t>(length)}) &&
+            isWritten;
     }
     return isWritten ? StatusOk : StatusFailed;
 }

@@ -1,5 +1,5 @@
-// The commands of the program corvale. Each returns the exit status: 0, or 2 after saying on standard
-// error what failed.
+// The commands of the program corvale. Each returns the exit status: 0, or 2 after saying on
+// standard error what failed.
 #pragma once
 
 #include <string>

@@ -18,6 +18,7 @@
 // Loading only ever raises modes and overwrites elements: several files, or one file twice,
 // accumulate.
 //
+// Bad input  every mode is stored as it is; for the rest see below
 // Threads    modes are read and written whole from any thread; everything that touches MoicArr or
 //            loads a file is for its callers to serialise, in the whole process
 #pragma once
@@ -38,7 +39,7 @@ extern CORVALE_API std::atomic<std::int32_t> ElsetKeyMode;
 /// library is loaded; nothing resets it.
 extern CORVALE_API std::array<double, 128> MoicArr;
 
-// The modes as the family's libraries read and set them. No value is refused.
+// The modes as the family's libraries read and set them.
 
 [[nodiscard]] CORVALE_API std::int32_t DupKeyModeGet() noexcept;  ///< `gDupKeyMode`
 CORVALE_API void DupKeyModeSet(std::int32_t mode) noexcept;       ///< sets `gDupKeyMode`
@@ -52,10 +53,10 @@ CORVALE_API void ElsetKeyModeSet(std::int32_t mode) noexcept;       ///< sets `E
 /// Reads the cards of the file `fileName`, through unit 3. Memory does not grow with the file or
 /// its lines.
 ///
+/// Width      any; trailing blanks are not part of the name
 /// Bad input  status 2 and the message of `FileIO::FileOpen` when the file cannot be opened; once
-/// it
-///            is open the status is 0, whatever its lines hold, and a read error ends it like its
-///            end
+///            it is open the status is 0, whatever its lines hold, and a read error ends it like
+///            its end
 [[nodiscard]] CORVALE_API std::int32_t ReadCorvaleFrFile(std::string_view fileName) noexcept;
 
 /// Reads the cards of the file that is open for reading on `unit`, from its first line to its end,

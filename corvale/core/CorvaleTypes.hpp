@@ -2,8 +2,7 @@
 // global to the process, and the record of a DMA element set.
 //
 // Threads    the modes are read and written whole from any thread; nothing orders a change of a
-// mode
-//            with what other threads do
+//            mode with what other threads do
 #pragma once
 
 #include <corvale/base/Export.h>

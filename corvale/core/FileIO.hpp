@@ -80,6 +80,7 @@ CORVALE_API void TraceLogInfo(std::string_view message) noexcept;
 /// `ioMode`     0 to write (the file is created or emptied), 1 to read (it must exist), 2 to append
 ///              (it is created or kept)
 /// `readFlag`   makes no difference
+/// Width        any: names longer than the system takes open nothing
 /// Bad input    status 2 and a message: "FileOpen: File name is empty." (tested first), "FileOpen:
 ///              Invalid ioMode for FileOpen.", "FileOpen: Unable to open file " with the name as it
 ///              was given, in quotes, and " for reading." or " for writing."; a name that holds a
@@ -92,9 +93,9 @@ CORVALE_API void TraceLogInfo(std::string_view message) noexcept;
 /// Opens a text file on a number that no open unit has and gives the number in `fileUnit`; 0 when
 /// nothing was opened. As `FileOpen`, but nothing is closed first and `ioMode` 2 is not allowed.
 ///
-/// Bad input  as `FileOpen`, with messages that begin "FileOpenMT: " ("FileOpen: File name is
-/// empty."
-///            excepted)
+/// Width      as `FileOpen`
+/// Bad input  as `FileOpen`, with messages that begin "FileOpenMT: ", but for
+///            "FileOpen: File name is empty."
 /// Threads    any number at once
 [[nodiscard]] CORVALE_API std::int32_t FileOpenMT(std::string_view fileName, std::int32_t ioMode,
                                                   std::int32_t& fileUnit) noexcept;

@@ -18,6 +18,7 @@ inline constexpr std::string_view InfoMessageLock = "cs_loginfomessage";
 /// The lock of that name, compared byte for byte: the same object for every caller in the process,
 /// valid until the process ends. Only the first call for a new name allocates.
 ///
+/// Width      any; trailing blanks count
 /// Bad input  any name is usable, the empty one included; names for whose lock no memory can be had
 ///            share one lock
 /// Threads    any number at once, from the first static constructor to the last exit handler; not

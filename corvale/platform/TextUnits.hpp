@@ -47,12 +47,10 @@ CORVALE_API void Close(std::int32_t unit) noexcept;
 /// own.
 ///
 /// Width      any; trailing blanks are written. In one system call, so that lines of other
-/// processes
-///            do not mix with it, unless it is longer than 1000 characters and holds dozens of line
-///            ends
+///            processes do not mix with it, unless it is longer than 1000 characters and holds
+///            dozens of line ends
 /// Bad input  false when the system does not take the whole line (disk full, nobody reads the
-/// pipe);
-///            the unit stays open, and later lines are written again once they can be
+///            pipe); the unit stays open, and later lines are written again once they can be
 [[nodiscard]] CORVALE_API bool WriteLine(std::int32_t unit, std::string_view text) noexcept;
 
 }  // namespace corvale::TextUnits
