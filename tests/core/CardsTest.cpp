@@ -238,7 +238,7 @@ struct Outcome {
 double ValueOf(std::string number) {
     const std::size_t exponent = number.find_first_of("EeDdQq+-", 1);
     if (exponent != std::string::npos) {
-        if (number[exponent] == '+' || number[exponent] == '-') number.insert(exponent, "e");
+        if (number[exponent] == '+' || number[exponent] == '-') number.insert(exponent, 1, 'e');
         number[exponent] = 'e';
     }
     return std::strtod(number.c_str(), nullptr);  // an exponent without digits is passed over
