@@ -15,6 +15,8 @@ target_compile_options(corvale_flags INTERFACE -ffp-contract=off -fno-fast-math
 target_link_options(corvale_flags INTERFACE -fno-fast-math)
 
 if(CORVALE_SANITIZE)
+  # GCC warns of uninitialised values that are none once it has instrumented the code.
+  target_compile_options(corvale_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_compile_options(corvale_flags INTERFACE
     -fsanitize=${CORVALE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(corvale_flags INTERFACE -fsanitize=${CORVALE_SANITIZE})
