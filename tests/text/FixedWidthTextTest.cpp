@@ -125,10 +125,6 @@ TEST(ReplaceString, TakesTimeThatGrowsWithTheTextOnly) {
               Blanks(many.size()));
 }
 
-struct PairCase {
-    std::string_view text, result;
-    const char* why;
-};
 using Operation = void (*)(std::string_view, std::span<char>) noexcept;
 
 // Into a result of its own, and over its own input.
@@ -142,74 +138,50 @@ void ExpectResult(Operation operation, std::string_view text, std::string_view r
     EXPECT_EQ(input.Text(), result) << "in place: " << why;
 }
 
-void ExpectResults(Operation operation, std::span<const PairCase> cases) {
-    for (const auto& [text, result, why] : cases) ExpectResult(operation, text, result, why);
-}
+struct OperationCase {
+    Operation operation;
+    std::string_view text, result;
+    const char* why;
+};
+const OperationCase kOperations[] = {
+    {ToUpperCase, "a1z{`\xe4\0\t"sv, "A1Z{`\xe4\0\t"sv, "neighbours and other codes stay"},
+    {ToUpperCase, "abc", "ABC  ", "a wider result is filled"},
+    {ToUpperCase, "abc", "AB", "a narrower one is cut"},
+    {ToLowerCase, "A1Z[@\xc4", "a1z[@\xc4", "neighbours and other codes stay"},
+    {RemSpaceSlashChars, "2023/10/05 12:30:45.5", "20231005123045.5     ", "the rest closes up"},
+    {RemSpaceSlashChars, "1.2..-+eE:,", "1.2..      ", "several points are kept"},
+    {RemSpaceSlashChars, "12345", "123", "what does not fit is dropped"},
+    {RemSpaceSlashChars, "1234567890123456789012345", "12345678901234567", "of a long text too"},
+    {GetInputStr, "Mode =  abc Def ", "ABC DEF         ", "to the left, inner blank kept"},
+    {GetInputStr, "  no sign here", "NO SIGN HERE  ", "a line without = is all value"},
+    {GetInputStr, "KEY =", "     ", "= last: nothing"},
+    {GetInputStr, "=a", "A ", "= first"},
+    {GetInputStr, "KEY = A = b", "A = B      ", "only the first = separates"},
+    {GetInputStr, "k='q' ! c", "'Q' ! C  ", "quotes and comments stay"},
+    {GetInputStr, "k=\ta", "\tA  ", "a tab is no blank"},
+    {GetInputFileName, "FILE = Data\\Run1.txt", "Data\\Run1.txt       ", "case kept"},
+    {GetInputFileName, "f=abc", "ab", "a narrower result is cut"},
+    {GetInputFileName, "", "  ", "width 0"},
+};
 
-TEST(ToUpperCase, ChangesAsciiLettersAlone) {
-    const PairCase upper[] = {{"a1z{`", "A1Z{`", "the neighbours of a to z stay"},
-                              {"aBc", "ABC", "capitals stay"},
-                              {"\xe4\0\t"sv, "\xe4\0\t"sv, "other codes pass"},
-                              {"abc", "ABC  ", "a wider result is filled"},
-                              {"abc", "AB", "a narrower one is cut"},
-                              {"", "  ", "nothing gives blanks"}};
-    ExpectResults(ToUpperCase, upper);
-    const PairCase lower[] = {{"A1Z[@", "a1z[@", "the neighbours of A to Z stay"},
-                              {"\xc4\xff", "\xc4\xff", "bytes above 127 pass"},
-                              {"ABC", "abc ", "a wider result is filled"},
-                              {"ABC", "a", "a narrower one is cut"}};
-    ExpectResults(ToLowerCase, lower);
-}
-
-TEST(RemSpaceSlashChars, KeepsDigitsAndPoints) {
-    const PairCase cases[] = {
-        {"2023/10/05 12:30:45.5", "20231005123045.5     ", "the rest closes up"},
-        {"1.2.3..", "1.2.3..", "several points are kept"},
-        {"-+eE:,/", "       ", "nothing to keep"},
-        {"0/9:a", "09   ", "the neighbours of the digits are dropped"},
-        {"12345", "123", "what does not fit is dropped"},
-        {"1234567890123456789012345678901234567890", "12345678901234567", "also from a long text"},
-        {"a1", "1    ", "a wider output is filled"},
-        {"1", "", "width 0"}};
-    ExpectResults(RemSpaceSlashChars, cases);
-}
-
-TEST(GetInputStr, TakesTheValueOfAnInputLine) {
-    const PairCase values[] = {
-        {"Mode =  abc Def ", "ABC DEF         ", "left-justified, in capitals, inner blank kept"},
-        {"  no sign here", "NO SIGN HERE  ", "a line without = is all value"},
-        {"KEY =", "     ", "= last: nothing"},
-        {"=a", "A ", "= first"},
-        {"KEY = A = b", "A = B      ", "only the first = separates"},
-        {"k='q' ! c", "'Q' ! C  ", "quotes and comments stay"},
-        {"k=\ta", "\tA  ", "a tab is no blank"},
-        {"", "", "width 0"}};
-    ExpectResults(GetInputStr, values);
-    const PairCase names[] = {{"FILE = Data\\Run1.txt", "Data\\Run1.txt       ", "case kept"},
-                              {"f=a", "a   ", "a wider result is filled"},
-                              {"f=abc", "ab", "a narrower one is cut"},
-                              {"f =    ", "       ", "a blank value"}};
-    ExpectResults(GetInputFileName, names);
+TEST(FixedWidthText, FollowsTheRuleOfEachOperation) {
+    for (const auto& [operation, text, result, why] : kOperations)
+        ExpectResult(operation, text, result, why);
 }
 
 TEST(IsBlankOrNull, AcceptsBlanksAlone) {
     EXPECT_EQ(IsBlankOrNull(""), 1);
     EXPECT_EQ(IsBlankOrNull(Blanks(100)), 1);
-    EXPECT_EQ(IsBlankOrNull("   \t"), 0) << "a tab is no blank";
+    std::string text = Blanks(100);
+    for (char& c : text) {
+        c = '\t';
+        EXPECT_EQ(IsBlankOrNull(text), 0) << "one non-blank at " << &c - text.data();
+        c = ' ';
+    }
     std::string nulls(3, '\0');
     EXPECT_EQ(IsBlankOrNull(nulls), 0) << "nor is a NUL";
     NullToSpace(nulls);
     EXPECT_EQ(IsBlankOrNull(nulls), 1) << "until it is made one";
-}
-
-TEST(BlankToZeroChar, ChangesEveryBlank) {
-    for (const auto& [text, result, why] :
-         {PairCase{" 5:03", "05:03", "leading"}, PairCase{"12 4  ", "120400", "trailing too"},
-          PairCase{"\0\t1"sv, "\0\t1"sv, "blanks alone"}, PairCase{"", "", "width 0"}}) {
-        std::string changed(text);
-        BlankToZeroChar(changed);
-        EXPECT_EQ(changed, result) << why;
-    }
 }
 
 // The rules once more, one character after the other.
@@ -282,16 +254,6 @@ TEST(FixedWidthText, AgreesWithCharacterLoopsAtEveryWidth) {
             EXPECT_EQ(Result(width, replace), wanted) << text;
         }
     }
-}
-
-TEST(IsBlankOrNull, FindsOneNonBlankAnywhere) {
-    std::string text = Blanks(600);
-    for (char& c : text) {
-        c = '!';
-        EXPECT_EQ(IsBlankOrNull(text), 0) << &c - text.data();
-        c = ' ';
-    }
-    EXPECT_EQ(IsBlankOrNull(text), 1);
 }
 
 }  // namespace
