@@ -186,9 +186,9 @@ TEST_F(Log, GoesOnWhenThereIsSpaceAgain) {
         std::string content = test::ReadFile(folder / "log");
         EXPECT_TRUE(content.ends_with("again\n")) << c.why;
         content.resize(content.size() - "again\n"sv.size());
-        EXPECT_TRUE(content.size() == c.limit || content.size() == c.limit + 1) << c.why;
-        EXPECT_TRUE(content.empty() || (content.ends_with('\n') && !content.ends_with("\n\n")))
-            << c.why << ": the next message is on a line of its own";
+        const bool isCut = c.limit % (c.message.size() + 1) != 0;
+        EXPECT_EQ(content.size(), c.limit + (isCut ? 1 : 0)) << c.why;
+        EXPECT_TRUE(content.empty() || content.ends_with('\n')) << c.why;
     }
 }
 
@@ -291,7 +291,7 @@ TEST_F(Log, ChildrenOfAProcessThatLogsLogToo) {
                                 : TraceLogInfo(MessageOf(name, i));
         });
     std::map<std::string, int> counts;
-    for (int child = 0; child < children; ++child) {
+    for (int child = 0; child < children && !HasFailure(); ++child) {
         const std::string name = "child" + std::to_string(child);
         counts["Error-" + name] = counts[name] = linesOfAChild;
         EXPECT_TRUE(test::HoldsInChild([&] {
