@@ -16,8 +16,9 @@
 #include <cstdlib>
 #include <limits>
 #include <random>
-#include <regex>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace corvale::CorvaleCardReading {
 namespace {
@@ -215,10 +216,26 @@ double ValueOf(const std::string& number) {
     return std::strtod((number.substr(0, exponent) + "e" + rest).c_str(), nullptr);
 }
 
+bool IsReal(std::string_view item) {
+    const auto take = [&](std::string_view any) {
+        const bool isThere = !item.empty() && any.find(item.front()) != std::string_view::npos;
+        item.remove_prefix(isThere ? 1 : 0);
+        return isThere;
+    };
+    const auto takeDigits = [&] {
+        int count = 0;
+        while (take("0123456789")) ++count;
+        return count;
+    };
+    take("+-");
+    int digits = takeDigits();
+    if (take(".")) digits += takeDigits();
+    const bool hasLetter = take("EeDdQq");
+    if (take("+-") || hasLetter) takeDigits();
+    return digits > 0 && item.empty();
+}
+
 void ReadNumbers(const std::string& record, std::array<double, 128>& moic) {
-    static const std::regex repeat("0*([1-9][0-9]*)\\*");
-    static const std::regex real(
-        "[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)([EeDdQq][+-]?[0-9]*|[+-][0-9]*)?");
     std::size_t element = 0;
     const auto skip = [&](std::size_t at) {
         return std::min(record.find_first_not_of(" \t", at), record.size());
@@ -227,12 +244,12 @@ void ReadNumbers(const std::string& record, std::array<double, 128>& moic) {
         const std::size_t end = std::min(record.find_first_of(" \t,/", at), record.size());
         std::string item = record.substr(at, end - at);
         double count = 1;
-        std::smatch match;
-        if (std::regex_search(item, match, repeat, std::regex_constants::match_continuous)) {
-            count = std::strtod(match[1].str().c_str(), nullptr);
-            item = match.suffix();
+        if (const std::size_t star = item.find('*'); star != std::string::npos) {
+            if (item.find_first_not_of("0123456789") != star) return;
+            count = std::strtod(item.c_str(), nullptr);
+            item.erase(0, star + 1);
         }
-        if (!item.empty() && !std::regex_match(item, match, real)) return;
+        if (count < 1 || (!item.empty() && !IsReal(item))) return;
         for (; count > 0 && element < 128; --count, ++element)
             if (!item.empty()) moic[element] = ValueOf(item);
         at = skip(end);
