@@ -1,4 +1,4 @@
-// Test help: a folder of the test's own, whole files, work in a child process, a time limit.
+// Test help: a folder of the test's own, whole files, work in a child process.
 #pragma once
 
 #include <corvale/core/FileIO.hpp>
@@ -77,15 +77,6 @@ inline std::string Stored(const FileIO::MessageStore& store) {
 inline std::ptrdiff_t OpenDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
-
-/// What does not return in time ends the test program.
-class TimeLimit {
-  public:
-    explicit TimeLimit(unsigned seconds) { alarm(seconds); }
-    ~TimeLimit() { alarm(0); }
-    TimeLimit(const TimeLimit&) = delete;
-    TimeLimit& operator=(const TimeLimit&) = delete;
-};
 
 /// Starts a child that ends with status 0 if `work` returns true, by SIGALRM if it hangs.
 template <class Work>

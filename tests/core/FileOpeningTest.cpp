@@ -102,33 +102,23 @@ TEST_F(FileOpening, SaysWhatItCannotOpen) {
     }
 }
 
-TEST_F(FileOpening, ModesDecideWhatBecomesOfAFile) {
-    const struct {
-        std::int32_t ioMode;
-        std::string content, why;
-    } cases[] = {
-        {kRead, "x\n", "kept, not written"},
-        {kWrite, "new\n", "emptied, written from its start"},
-        {kAppend, "x\nnew\n", "kept, written at its end"},
-    };
-    for (const auto& [ioMode, content, why] : cases)
-        for (const auto readFlag :
-             {std::optional<std::int32_t>(), std::optional(0), std::optional(1)}) {
-            test::WriteFile(folder / "in", "x\n");
-            EXPECT_EQ(FileOpen(kUnit, folder / "in", ioMode, readFlag), 0);
-            EXPECT_EQ(TextUnits::WriteLine(kUnit, "new"), ioMode != kRead) << why;
-            EXPECT_EQ(ReadFile(folder / "in"), content) << why;
-        }
-}
-
-TEST_F(FileOpening, AUnitHoldsItsLastFileOnly) {
+TEST_F(FileOpening, TheModeDecidesWhatBecomesOfAFile) {
     const auto before = test::OpenDescriptors();
-    ASSERT_EQ(FileOpen(kUnit, folder / "one", kWrite), 0);
-    ASSERT_EQ(FileOpen(kUnit, folder / "two", kWrite), 0);
-    EXPECT_TRUE(TextUnits::WriteLine(kUnit, "line"));
-    EXPECT_EQ(ReadFile(folder / "one"), "");
-    EXPECT_EQ(ReadFile(folder / "two"), "line\n");
-    EXPECT_EQ(test::OpenDescriptors(), before + 1);
+    ASSERT_EQ(FileOpen(kUnit, folder / "kept", kWrite), 0);
+    for (const auto readFlag :
+         {std::optional<std::int32_t>(), std::optional(0), std::optional(1)}) {
+        EXPECT_EQ(FileOpen(kUnit, folder / "in", kAppend, readFlag), 0);
+        EXPECT_TRUE(TextUnits::WriteLine(kUnit, "after"));
+        EXPECT_EQ(ReadFile(folder / "in"), "x\nafter\n") << "kept, written at its end";
+        EXPECT_EQ(FileOpen(kUnit, folder / "in", kRead, readFlag), 0);
+        EXPECT_FALSE(TextUnits::WriteLine(kUnit, "no"));
+        EXPECT_EQ(ReadFile(folder / "in"), "x\nafter\n") << "kept, not written";
+        EXPECT_EQ(FileOpen(kUnit, folder / "in", kWrite, readFlag), 0);
+        EXPECT_TRUE(TextUnits::WriteLine(kUnit, "x"));
+        EXPECT_EQ(ReadFile(folder / "in"), "x\n") << "emptied, written from its start";
+    }
+    EXPECT_EQ(ReadFile(folder / "kept"), "");
+    EXPECT_EQ(test::OpenDescriptors(), before + 1) << "a unit holds its last file only";
 }
 
 TEST_F(FileOpening, ALongNameIsWholeInTheLog) {

@@ -62,26 +62,17 @@ const MessageCase kMessages[] = {
 };
 
 TEST_F(Log, EachMessageIsStoredAndIsOneLine) {
-    for (const auto& [message, errorLine, infoLine, why] : kMessages) {
-        ASSERT_TRUE(Open());
-        TraceLogError(message);
-        TraceLogInfo(message);
-        const std::string expected = (errorLine ? *errorLine + "\n" : "") + infoLine + "\n";
-        EXPECT_TRUE(test::ReadFile(folder / "log") == expected) << why;
-        EXPECT_EQ(Stored(LastLoggedErrMsg), Padded(message.substr(0, 128), 128)) << why;
-        EXPECT_EQ(Stored(LogLastInfoMsg), Padded(message.substr(0, 128), 128)) << why;
-    }
-}
-
-TEST_F(Log, MessagesAreStoredWithoutALog) {
-    TraceLogInfo("kept");
-    for (const MessageCase& c : kMessages) {
-        TraceLogError(c.message);
-        EXPECT_EQ(Stored(LastLoggedErrMsg), Padded(c.message.substr(0, 128), 128)) << c.why;
-    }
-    CloseLogFile();
-    EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks) << "closing clears the error, log or no log";
-    EXPECT_EQ(Stored(LogLastInfoMsg), Padded("kept", 128)) << "and nothing else";
+    for (const bool isOpen : {true, false})
+        for (const auto& [message, errorLine, infoLine, why] : kMessages) {
+            ASSERT_TRUE(Open());
+            if (!isOpen) CloseLogFile();
+            TraceLogError(message);
+            TraceLogInfo(message);
+            const std::string lines = (errorLine ? *errorLine + "\n" : "") + infoLine + "\n";
+            EXPECT_TRUE(test::ReadFile(folder / "log") == (isOpen ? lines : "")) << why;
+            EXPECT_EQ(Stored(LastLoggedErrMsg), Padded(message.substr(0, 128), 128)) << why;
+            EXPECT_EQ(Stored(LogLastInfoMsg), Padded(message.substr(0, 128), 128)) << why;
+        }
 }
 
 TEST_F(Log, BuffersAreAdjustedAndCutAtANul) {
@@ -104,18 +95,19 @@ TEST_F(Log, OpeningClosesTheLogBefore) {
     test::WriteFile(folder / "second", "old\n");
     ASSERT_TRUE(Open());
     LogMessage("one");
-    ASSERT_TRUE(Open("second"));
-    EXPECT_EQ(LogFileUnit, 6);
-    EXPECT_EQ(test::ReadFile(folder / "second"), "") << "an existing file is emptied";
-    LogMessage("two");
+    for (int times = 0; times < 2; ++times) {
+        ASSERT_TRUE(Open("second"));
+        EXPECT_EQ(LogFileUnit, 6);
+        EXPECT_EQ(test::ReadFile(folder / "second"), "") << "emptied, open or not";
+        TraceLogError("two");
+    }
     EXPECT_EQ(Lines().size(), 1U);
-    ASSERT_TRUE(Open("second"));
-    EXPECT_EQ(test::ReadFile(folder / "second"), "") << "the open log as well";
-
     for (int times = 0; times < 2; ++times) {
         CloseLogFile();
         EXPECT_EQ(LogFileUnit, 0);
         EXPECT_FALSE(TextUnits::IsOpen(6));
+        EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks);
+        EXPECT_EQ(Stored(LogLastInfoMsg), Padded("one", 128));
     }
 }
 
@@ -152,23 +144,11 @@ TEST_F(Log, WhatCannotBeOpenedLeavesAStateWithoutAFile) {
     EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks);
 }
 
-TEST_F(Log, OpeningAgainAndAgainKeepsOneDescriptor) {
-    ASSERT_TRUE(Open());
-    const auto before = test::OpenDescriptors();
-    for (int i = 0; i < test::Times(20000); ++i)
-        EXPECT_EQ(Open(i % 2 == 0 ? "missing/x" : "y"), i % 2 != 0);
-    ASSERT_TRUE(Open());
-    EXPECT_EQ(test::OpenDescriptors(), before);
-}
-
 TEST_F(Log, AFullDeviceLosesLinesAndNothingElse) {
     ASSERT_EQ(OpenLogFile("/dev/full"), 0);
     for (const MessageCase& c : kMessages) TraceLogInfo(c.message);
     TraceLogError("stored");
     EXPECT_EQ(Stored(LastLoggedErrMsg), Padded("stored", 128));
-    ASSERT_TRUE(Open());
-    TraceLogInfo("again");
-    EXPECT_EQ(Lines(), std::vector{"again"s});
 }
 
 bool LimitFileSize(rlim_t size) {
@@ -205,22 +185,11 @@ TEST_F(Log, GoesOnWhenThereIsSpaceAgain) {
             << ": SIGXFSZ would have ended the child";
         std::string content = test::ReadFile(folder / "log");
         EXPECT_TRUE(content.ends_with("again\n")) << c.why;
-        content.resize(content.size() - std::min(content.size(), "again\n"sv.size()));
+        content.resize(content.size() - "again\n"sv.size());
+        const bool isCut = c.limit % (c.message.size() + 1) != 0;
+        EXPECT_EQ(content.size(), c.limit + (isCut ? 1 : 0)) << c.why;
         EXPECT_TRUE(content.empty() || content.ends_with('\n')) << c.why;
-        EXPECT_FALSE(content.ends_with("\n\n") || content == "\n") << c.why;
-        EXPECT_LE(content.size(), c.limit + 1) << c.why;
-        EXPECT_GE(content.size(), c.limit) << c.why;
     }
-}
-
-TEST_F(Log, AFileThatIsRemovedIsStillWritten) {
-    ASSERT_TRUE(Open());
-    std::filesystem::rename(folder / "log", folder / "moved");
-    LogMessage("moved");
-    EXPECT_EQ(test::LinesOf(folder / "moved").size(), 1U);
-    std::filesystem::remove(folder / "moved");
-    LogMessage("removed");
-    EXPECT_EQ(Stored(LogLastInfoMsg), Padded("removed", 128));
 }
 
 // Ends the process; 0 where everything held.
@@ -322,7 +291,7 @@ TEST_F(Log, ChildrenOfAProcessThatLogsLogToo) {
                                 : TraceLogInfo(MessageOf(name, i));
         });
     std::map<std::string, int> counts;
-    for (int child = 0; child < children; ++child) {
+    for (int child = 0; child < children && !HasFailure(); ++child) {
         const std::string name = "child" + std::to_string(child);
         counts["Error-" + name] = counts[name] = linesOfAChild;
         EXPECT_TRUE(test::HoldsInChild([&] {
