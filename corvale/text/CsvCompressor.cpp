@@ -1,0 +1,211 @@
+#include <corvale/text/CsvCompressor.hpp>
+
+#include <corvale/text/DigitWords.hpp>
+#include <corvale/text/TextParts.hpp>
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace corvale::internal {
+
+namespace {
+
+constexpr std::string_view kZeroField = " 0 ,";
+constexpr std::string_view kWideZero = " 0.000000000000000E+000";
+
+// The wide layout: a blank or minus, a digit, the point, 15 digits, 'E', a sign and three digits.
+constexpr std::size_t kWideWidth = 23;
+
+struct WideField {
+    explicit WideField(const char* first) noexcept
+        : sign(first[0]),
+          digit(first[1]),
+          point(LoadEight(first + 2)),
+          fraction(LoadEight(first + 10)),
+          exponent(LoadEight(first + kWideWidth - 8) >> 24U) {}
+
+    // What follows the 'E' may be anything: the rules move it unseen, but for leading zeros.
+    [[nodiscard]] bool IsValid() const noexcept {
+        const std::uint64_t values = point ^ kPointAndZeros;
+        const std::uint64_t wrong = NonDigits(values) | (values & 0xFFU) |
+                                    NonDigits(DigitValues(fraction)) | ((exponent & 0xFFU) ^ 'E');
+        return wrong == 0 && (sign == kBlank || sign == '-') && digit >= '0' && digit <= '9';
+    }
+
+    // The point and the digits up to the last that is not 0; nothing where all are.
+    [[nodiscard]] std::size_t FractionWidth() const noexcept {
+        const std::uint64_t last = DigitValues(fraction);
+        if (last != 0) return 16 - LeadingZeroBytes(last);
+        const std::uint64_t values = point ^ kPointAndZeros;
+        return values == 0 ? 0 : 8 - LeadingZeroBytes(values);
+    }
+
+    // How many zeros the exponent begins with, of which the last digit is none.
+    [[nodiscard]] std::size_t ExponentZeros() const noexcept {
+        const std::uint64_t digits = DigitValues(exponent >> 16U) & 0xFFFFU;
+        return static_cast<std::size_t>(std::countr_zero(digits | 0x10000U)) / 8;
+    }
+
+    static constexpr std::uint64_t kPointAndZeros = kEachByte * '0' ^ '0' ^ '.';
+    static std::size_t LeadingZeroBytes(std::uint64_t word) noexcept {
+        return static_cast<std::size_t>(std::countl_zero(word)) / 8;
+    }
+
+    char sign;
+    char digit;
+    std::uint64_t point;     // the point and seven digits
+    std::uint64_t fraction;  // the other eight
+    std::uint64_t exponent;  // 'E', sign, three digits
+};
+
+}  // namespace
+
+CsvCompressor::CsvCompressor(std::span<char> line) noexcept
+    : line_(line), input_(WithoutTrailingBlanks({line.data(), line.size()})) {
+    result_.fill(kBlank);
+}
+
+void CsvCompressor::Compress() noexcept {
+    if (input_.empty()) return;
+    TakeWideFields();
+    while (in_ < input_.size() && out_ < kWidth) ApplyFirstRule();
+    PutText({result_.data(), kWidth}, line_);
+}
+
+char CsvCompressor::At(std::size_t position) const noexcept {
+    return position < input_.size() ? input_[position] : kBlank;
+}
+
+bool CsvCompressor::Matches(std::string_view pattern) const noexcept {
+    return input_.substr(in_).starts_with(pattern);
+}
+
+void CsvCompressor::ApplyFirstRule() noexcept {
+    switch (input_[in_]) {
+        case kBlank:
+            if (Matches(kZeroField)) {
+                in_ += 2;
+            } else if (Matches(kWideZero) && At(in_ + kWideWidth) == kBlank) {
+                in_ += kWideWidth;
+            } else {
+                ++in_;
+            }
+            break;
+        case ',':
+        case ':':
+            isFraction_ ? Separator() : Copy();
+            if (!isOdd_) TakeWideFields();  // nothing is remembered now
+            break;
+        case 'E':
+            isFraction_ ? ExponentLetter() : Copy();
+            break;
+        case '.':
+            Point();
+            break;
+        case '0':
+            Zero();
+            break;
+        default:
+            Copy();
+    }
+}
+
+// A comma or colon ends a fraction.
+void CsvCompressor::Separator() noexcept {
+    out_ = EndOfNumber();
+    result_[out_++] = input_[in_++];
+    isFraction_ = false;
+}
+
+// An 'E' ends a fraction. The sign and three digits after it belong to it, whatever they are.
+void CsvCompressor::ExponentLetter() noexcept {
+    out_ = EndOfNumber();
+    std::size_t digits = 3;
+    if (At(in_ + 2) == '0') digits = At(in_ + 3) == '0' ? 1 : 2;
+    result_[out_++] = 'E';
+    result_[out_++] = At(in_ + 1);
+    in_ += 5;
+    for (std::size_t i = in_ - digits; i < in_; ++i) result_[out_++] = At(i);
+    isFraction_ = false;
+}
+
+void CsvCompressor::Point() noexcept {
+    isOdd_ = isOdd_ || zeros_.isRecorded;
+    isFraction_ = true;
+    result_[out_++] = '.';
+    ClearAtLineEnd();
+    ++in_;
+}
+
+void CsvCompressor::Zero() noexcept {
+    if (isFraction_) {
+        if (!zeros_.isRecorded) {
+            const bool followsPoint = in_ > 0 && input_[in_ - 1] == '.';
+            zeros_ = {followsPoint ? out_ - 1 : out_, out_,
+                      true};  // then the point is useless, too
+        }
+        zeros_.last = out_;
+    }
+    result_[out_++] = '0';
+    if (isFraction_) ClearAtLineEnd();
+    ++in_;
+}
+
+void CsvCompressor::Copy() noexcept {
+    result_[out_++] = input_[in_++];
+    zeros_.isRecorded = false;
+}
+
+void CsvCompressor::ClearAtLineEnd() noexcept {
+    if (IsLast() && zeros_.isRecorded) BlankZeroRun();
+}
+
+// Where what ends the number belongs; its useless zeros are gone then.
+std::size_t CsvCompressor::EndOfNumber() noexcept {
+    if (!zeros_.isRecorded) return out_;
+    BlankZeroRun();
+    zeros_.isRecorded = false;
+    return zeros_.first;
+}
+
+void CsvCompressor::BlankZeroRun() noexcept {
+    const std::size_t width = zeros_.last + 1 - zeros_.first;
+    std::memset(result_.data() + zeros_.first, kBlank, width);
+}
+
+// Takes the fields of the wide layout that follow. Called where the rules remember nothing.
+void CsvCompressor::TakeWideFields() noexcept {
+    bool isAny = false;
+    while (out_ + kWideWidth + 1 <= kWidth && TakeWideField()) isAny = true;
+    if (isAny) std::memset(result_.data() + out_, kBlank, kSlack);
+}
+
+// Takes one field of the wide layout with what ends it, a comma or the end of the line. Whole words
+// are read and written: 12 times as fast as the rules and more; bench: CsvLine/Corvale.
+bool CsvCompressor::TakeWideField() noexcept {
+    const std::size_t rest = input_.size() - in_;
+    if (rest < kWideWidth) return false;
+    const bool isAtEnd = rest == kWideWidth;
+    if (isAtEnd ? Matches(kWideZero) : input_[in_ + kWideWidth] != ',') return false;
+
+    const WideField field(input_.data() + in_);
+    if (!field.IsValid()) return false;
+    result_[out_] = field.sign;
+    out_ += field.sign == kBlank ? 0 : 1;
+    result_[out_++] = field.digit;
+    StoreEight(field.point, result_.data() + out_);
+    StoreEight(field.fraction, result_.data() + out_ + 8);
+    out_ += field.FractionWidth();
+
+    const std::size_t zeros = field.ExponentZeros();
+    const std::size_t width = 5 - zeros;
+    const std::uint64_t shortened = field.exponent >> 16U >> 8 * zeros << 16U;
+    const std::uint64_t exponent = shortened | (field.exponent & 0xFFFFU);
+    StoreEight(exponent | std::uint64_t{','} << 8 * width, result_.data() + out_);
+    out_ += width + (isAtEnd ? 0 : 1);
+    in_ += kWideWidth + (isAtEnd ? 0 : 1);
+    return true;
+}
+
+}  // namespace corvale::internal
