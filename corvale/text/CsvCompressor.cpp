@@ -33,12 +33,12 @@ struct WideField {
         return wrong == 0 && (sign == kBlank || sign == '-') && digit >= '0' && digit <= '9';
     }
 
-    // The point and the digits up to the last that is not 0; nothing where all are.
+    // The point and the digits up to the last that is not 0; nothing where all are. No branch: how
+    // many they are cannot be predicted.
     [[nodiscard]] std::size_t FractionWidth() const noexcept {
         const std::uint64_t last = DigitValues(fraction);
-        if (last != 0) return 16 - LeadingZeroBytes(last);
-        const std::uint64_t values = point ^ kPointAndZeros;
-        return values == 0 ? 0 : 8 - LeadingZeroBytes(values);
+        const std::size_t more = last == 0 ? LeadingZeroBytes(point ^ kPointAndZeros) : 0;
+        return 16 - LeadingZeroBytes(last) - more;
     }
 
     // How many zeros the exponent begins with, of which the last digit is none.
@@ -58,6 +58,32 @@ struct WideField {
     std::uint64_t fraction;  // the other eight
     std::uint64_t exponent;  // 'E', sign, three digits
 };
+
+// Takes one field of the wide layout with what ends it, a comma or the end of the line, and moves
+// both positions on.
+bool TakeWideField(std::string_view& input, char*& out) noexcept {
+    if (input.size() < kWideWidth) return false;
+    const bool isAtEnd = input.size() == kWideWidth;
+    if (isAtEnd ? input == kWideZero : input[kWideWidth] != ',') return false;
+    const WideField field(input.data());
+    if (!field.IsValid()) return false;
+
+    *out = field.sign;
+    out += field.sign == kBlank ? 0 : 1;
+    *out++ = field.digit;
+    StoreEight(field.point, out);
+    StoreEight(field.fraction, out + 8);
+    out += field.FractionWidth();
+
+    const std::size_t zeros = field.ExponentZeros();
+    const std::size_t width = 5 - zeros;
+    const std::uint64_t digits = field.exponent >> 16U >> 8 * zeros << 16U;
+    const std::uint64_t comma = std::uint64_t{','} << 8 * width;
+    StoreEight((field.exponent & 0xFFFFU) | digits | comma, out);
+    out += width + (isAtEnd ? 0 : 1);
+    input.remove_prefix(kWideWidth + (isAtEnd ? 0 : 1));
+    return true;
+}
 
 }  // namespace
 
@@ -174,38 +200,18 @@ void CsvCompressor::BlankZeroRun() noexcept {
     std::memset(result_.data() + zeros_.first, kBlank, width);
 }
 
-// Takes the fields of the wide layout that follow. Called where the rules remember nothing.
+// Takes the fields of the wide layout that follow. Called where the rules remember nothing. Whole
+// words are read and written, and both positions kept in registers: 12 times as fast as the rules
+// and more; bench: CsvLine/Corvale.
 void CsvCompressor::TakeWideFields() noexcept {
-    bool isAny = false;
-    while (out_ + kWideWidth + 1 <= kWidth && TakeWideField()) isAny = true;
-    if (isAny) std::memset(result_.data() + out_, kBlank, kSlack);
-}
-
-// Takes one field of the wide layout with what ends it, a comma or the end of the line. Whole words
-// are read and written: 12 times as fast as the rules and more; bench: CsvLine/Corvale.
-bool CsvCompressor::TakeWideField() noexcept {
-    const std::size_t rest = input_.size() - in_;
-    if (rest < kWideWidth) return false;
-    const bool isAtEnd = rest == kWideWidth;
-    if (isAtEnd ? Matches(kWideZero) : input_[in_ + kWideWidth] != ',') return false;
-
-    const WideField field(input_.data() + in_);
-    if (!field.IsValid()) return false;
-    result_[out_] = field.sign;
-    out_ += field.sign == kBlank ? 0 : 1;
-    result_[out_++] = field.digit;
-    StoreEight(field.point, result_.data() + out_);
-    StoreEight(field.fraction, result_.data() + out_ + 8);
-    out_ += field.FractionWidth();
-
-    const std::size_t zeros = field.ExponentZeros();
-    const std::size_t width = 5 - zeros;
-    const std::uint64_t shortened = field.exponent >> 16U >> 8 * zeros << 16U;
-    const std::uint64_t exponent = shortened | (field.exponent & 0xFFFFU);
-    StoreEight(exponent | std::uint64_t{','} << 8 * width, result_.data() + out_);
-    out_ += width + (isAtEnd ? 0 : 1);
-    in_ += kWideWidth + (isAtEnd ? 0 : 1);
-    return true;
+    std::string_view rest = input_.substr(in_);
+    char* out = result_.data() + out_;
+    const char* const last = result_.data() + kWidth - kWideWidth - 1;
+    while (out <= last && TakeWideField(rest, out)) continue;
+    if (rest.size() == input_.size() - in_) return;
+    std::memset(out, kBlank, kSlack);
+    in_ = input_.size() - rest.size();
+    out_ = static_cast<std::size_t>(out - result_.data());
 }
 
 }  // namespace corvale::internal

@@ -46,7 +46,6 @@ class CsvCompressor {
     void BlankZeroRun() noexcept;
 
     void TakeWideFields() noexcept;
-    [[nodiscard]] bool TakeWideField() noexcept;
 
     static constexpr std::size_t kWidth = 512;
     static constexpr std::size_t kSlack = 32;  // whole words may be written beyond the result

@@ -80,9 +80,10 @@ inline void StoreEight(std::uint64_t word, char* first) noexcept {
     return static_cast<unsigned>(std::countr_zero(NonDigits(values))) / 8;
 }
 
-/// The number that the first `count` digits make, 1 to 8 of them.
+/// The number that the first `count` digits make, up to 8 of them.
 [[nodiscard]] constexpr std::uint64_t NumberOf(std::uint64_t values, unsigned count) noexcept {
-    const std::uint64_t digits = values << (64 - 8 * count);  // zeros come first now
+    // zeros come first now; in two steps, since a word cannot be shifted by its width
+    const std::uint64_t digits = values << (32 - 4 * count) << (32 - 4 * count);
     const std::uint64_t pairs = digits * 10 + (digits >> 8U);
     constexpr std::uint64_t kPair = 0x000000FF000000FFU;
     const std::uint64_t high = (pairs & kPair) * (100 + (1000000ULL << 32U));
@@ -116,14 +117,14 @@ inline void StoreEight(std::uint64_t word, char* first) noexcept {
 /// returns the position after them.
 [[nodiscard]] inline std::size_t TakeDigits(std::string_view text, std::size_t at,
                                             std::uint64_t& number) noexcept {
-    for (;;) {
+    unsigned count = 8;
+    while (count == 8) {
         const std::uint64_t values = DigitValues(WordAt(text, at));
-        const unsigned count = LeadingDigits(values);
-        if (count == 0) return at;
+        count = LeadingDigits(values);
         number = number * kSmallPowersOfTen[count] + NumberOf(values, count);
         at += count;
-        if (count < 8) return at;
     }
+    return at;
 }
 
 }  // namespace corvale::internal

@@ -118,7 +118,9 @@ std::uint64_t RoundToBits(std::uint64_t high, bool hasTail, int exponent) noexce
     const std::uint64_t rest = high << (64 - dropped);
     constexpr std::uint64_t kHalf = std::uint64_t{1} << 63U;
     const bool isOdd = (significand & 1U) != 0;
-    if (rest > kHalf || (rest == kHalf && (hasTail || isOdd))) ++significand;
+    // no branch: which way it goes cannot be predicted
+    significand += static_cast<unsigned>(rest > kHalf) |
+                   (static_cast<unsigned>(rest == kHalf) & static_cast<unsigned>(hasTail || isOdd));
     // The hidden bit adds the 1 that is missing in the exponent, and a carry moves to the next one.
     return (static_cast<std::uint64_t>(biased - 1) << 52U) + significand;
 }
@@ -160,23 +162,43 @@ std::uint64_t RoundHardCase(const ScannedReal& number, Estimate below) noexcept 
     return below.bits + (order > 0 || (order == 0 && isOdd) ? 1 : 0);
 }
 
-}  // namespace
+// The steps of the public pair, compiled into each of its callers.
 
-std::size_t ScanReal(std::string_view text, std::size_t at, RealRules rules,
-                     ScannedReal& number) noexcept {
+[[gnu::always_inline]] inline std::size_t Scan(std::string_view text, std::size_t at,
+                                               RealRules rules, ScannedReal& number) noexcept {
     number = {};
-    if (at < text.size() && IsSign(text[at])) number.isNegative = text[at++] == '-';
+    if (at < text.size()) {
+        number.isNegative = text[at] == '-';
+        at += IsSign(text[at]) ? 1 : 0;
+    }
     at = ScanMantissa(text, at, rules, number);
     if (at == std::string_view::npos) return at;
     return ScanExponent(text, at, rules, number);
 }
 
-double ToDouble(const ScannedReal& number) noexcept {
+[[gnu::always_inline]] inline double Convert(const ScannedReal& number) noexcept {
     const Estimate estimate = EstimateBits(number.digits, number.exponent);
     const std::uint64_t bits =
         estimate.isSure && !number.isCut ? estimate.bits : RoundHardCase(number, estimate);
     const std::uint64_t sign = number.isNegative ? std::uint64_t{1} << 63U : 0;
     return std::bit_cast<double>(bits | sign);
+}
+
+}  // namespace
+
+std::size_t ScanReal(std::string_view text, std::size_t at, RealRules rules,
+                     ScannedReal& number) noexcept {
+    return Scan(text, at, rules, number);
+}
+
+double ToDouble(const ScannedReal& number) noexcept {
+    return Convert(number);
+}
+
+double ReadReal(std::string_view text, std::size_t at, RealRules rules, std::size_t& end) noexcept {
+    ScannedReal number;
+    end = Scan(text, at, rules, number);
+    return Convert(number);
 }
 
 }  // namespace corvale::internal

@@ -44,4 +44,9 @@ struct ScannedReal {
 /// The nearest double.
 [[nodiscard]] double ToDouble(const ScannedReal& number) noexcept;
 
+/// Both in one, for a caller who wants every value: `end` is what `ScanReal` returns, and where no
+/// number begins the value is 0.
+[[nodiscard]] double ReadReal(std::string_view text, std::size_t at, RealRules rules,
+                              std::size_t& end) noexcept;
+
 }  // namespace corvale::internal

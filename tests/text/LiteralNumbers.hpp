@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -87,17 +88,15 @@ inline std::string LiteralCut(std::string rendering, std::size_t width, std::siz
 // The rules of the row compressor in their order; positions count from 1.
 class LiteralCompressor {
   public:
-    explicit LiteralCompressor(const std::string& line)
+    explicit LiteralCompressor(std::string_view line)
         : line_(line), last_(static_cast<int>(line.find_last_not_of(' ') + 1)) {
         out_.fill(' ');
     }
 
-    std::string Run() {
-        if (last_ == 0) return line_;
+    // Writes the outcome to a text as wide as the line, which may be the line itself.
+    void Run(std::span<char> result) {
         while (i_ <= last_ && j_ <= 512) Step();
-        std::string result(out_.data() + 1, 512);
-        result.resize(line_.size(), ' ');
-        return result;
+        for (std::size_t k = 0; k < result.size(); ++k) result[k] = k < 512 ? out_[k + 1] : ' ';
     }
 
   private:
@@ -135,11 +134,9 @@ class LiteralCompressor {
         const int p = NumberEnd();
         Put(p, 'E');
         Put(p + 1, In(i_ + 1));
-        const char d1 = In(i_ + 2), d2 = In(i_ + 3), d3 = In(i_ + 4);
-        std::string digits{d1, d2, d3};
-        if (d1 == '0') digits = d2 != '0' ? std::string{d2, d3} : std::string{d3};
-        j_ = p + 2;
-        for (const char d : digits) Put(j_++, d);
+        const int digits = In(i_ + 2) != '0' ? 3 : In(i_ + 3) != '0' ? 2 : 1;
+        for (int k = 0; k < digits; ++k) Put(p + 2 + k, In(i_ + 5 - digits + k));
+        j_ = p + 2 + digits;
         i_ += 5;
         flag_ = false;
         z0_ = 0;
@@ -161,12 +158,8 @@ class LiteralCompressor {
     }
     void Step() {
         const char c = In(i_);
-        if (Is(" 0 ,")) {
-            i_ += 2;
-        } else if (Is(" 0.000000000000000E+000 ")) {
-            i_ += 23;
-        } else if (c == ' ') {
-            ++i_;
+        if (c == ' ') {
+            i_ += Is(" 0 ,") ? 2 : Is(" 0.000000000000000E+000 ") ? 23 : 1;
         } else if (c == ',' || c == ':') {
             flag_ ? Separate() : Copy();
         } else if (c == 'E') {
@@ -178,7 +171,7 @@ class LiteralCompressor {
         }
     }
 
-    std::string line_;
+    std::string_view line_;
     int last_;
     std::array<char, 513> out_;
     int i_ = 1, j_ = 1, z0_ = 0, z1_ = 0;
