@@ -7,6 +7,7 @@
 // RealField/Corvale.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -57,12 +58,14 @@ inline void StoreEight(std::uint64_t word, char* first) noexcept {
     return byte(0) | byte(size / 2) | byte(size - 1);
 }
 
-/// The eight bytes of `text` from `at` <= size on; zeros stand for those past the end.
+/// The eight bytes of `text` from `at` on; zeros stand for those past the end. No branch on where
+/// the text ends, only on whether it is narrow.
 [[nodiscard]] inline std::uint64_t WordAt(std::string_view text, std::size_t at) noexcept {
-    if (text.size() - at >= 8) return LoadEight(text.data() + at);
+    at = std::min(at, text.size());
     if (text.size() < 8) return at < 8 ? LoadNarrow(text) >> 8 * at : 0;
-    const std::size_t missing = at + 8 - text.size();  // 1 to 8
-    return LoadEight(text.data() + text.size() - 8) >> 8U >> 8 * (missing - 1);
+    const std::size_t first = std::min(at, text.size() - 8);
+    const std::size_t missing = at - first;  // 0 to 8; a word cannot be shifted by its width
+    return LoadEight(text.data() + first) >> 4 * missing >> 4 * missing;
 }
 
 /// What is left of ASCII digits is their value 0 to 9; every other character is above 9.
@@ -104,13 +107,13 @@ inline void StoreEight(std::uint64_t word, char* first) noexcept {
 
 /// How many blanks `text` begins with.
 [[nodiscard]] inline std::size_t LeadingBlanks(std::string_view text) noexcept {
-    for (std::size_t at = 0; at < text.size(); at += 8) {
-        const std::uint64_t others = WordAt(text, at) ^ kEachByte * ' ';
-        if (others == 0) continue;
-        // past the end there are zeros, which are not blanks
-        return at + static_cast<unsigned>(std::countr_zero(others)) / 8;
+    std::size_t at = 0;
+    for (; at + 8 <= text.size(); at += 8) {
+        const std::uint64_t others = LoadEight(text.data() + at) ^ kEachByte * ' ';
+        if (others != 0) return at + static_cast<unsigned>(std::countr_zero(others)) / 8;
     }
-    return text.size();
+    while (at < text.size() && text[at] == ' ') ++at;
+    return at;
 }
 
 /// Takes the digits of `text` from `at` on into `number` (modulo 2^64, behind what it holds) and

@@ -54,9 +54,10 @@ std::string_view TakeRun(std::string_view& text, const CharacterSet& members) no
 // must belong to it.
 double RealAt(std::string_view text, std::size_t first) noexcept {
     if (text.size() - first > kRealWidth) text = text.substr(0, first + kRealWidth);
-    std::size_t end = 0;
-    const double value = internal::ReadReal(text, first, kFieldRules, end);
-    return end < text.size() && kRealCharacters(text[end]) ? 0.0 : value;
+    ScannedReal number;
+    const std::size_t end = internal::ScanReal(text, first, kFieldRules, number);
+    if (end < text.size() && kRealCharacters(text[end])) return 0.0;
+    return internal::ToDouble(number);
 }
 
 // The integer at position `first` of `text`, likewise.
