@@ -1,5 +1,6 @@
 #include <corvale/text/NumericFields.hpp>
 
+#include <corvale/text/AlignedDecimal.hpp>
 #include <corvale/text/DigitWords.hpp>
 #include <corvale/text/FreeFormReader.hpp>
 #include <corvale/text/RealConversion.hpp>
@@ -122,6 +123,9 @@ bool ReadNumberAndWord(std::string_view value, double& number, std::span<char> w
 }  // namespace
 
 double StrToReal(std::string_view text) noexcept {
+    internal::AlignedDecimal decimal;
+    if (internal::ReadAlignedDecimal(text, decimal))
+        return internal::DecimalToDouble(decimal.digits, -decimal.decimals, decimal.isNegative);
     return RealAt(text, internal::LeadingBlanks(text));
 }
 

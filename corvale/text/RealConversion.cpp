@@ -20,7 +20,7 @@ constexpr std::uint64_t kInfinityBits = 0x7FF0000000000000U;
 // The nearest double to (high + tail) x 2^exponent, 2^62 <= high; `hasTail` tells 0 < tail < 1 from
 // tail = 0. No branch on what is rounded: which way it goes cannot be predicted.
 std::uint64_t RoundToBits(std::uint64_t high, bool hasTail, int exponent) noexcept {
-    int dropped = 11 - std::countl_zero(high);
+    int dropped = 10 + static_cast<int>(high >> 63U);
     int biased = exponent + dropped + 1075;
     if (biased >= 2047) return kInfinityBits;
     if (biased < 1) {  // subnormal: fewer bits are kept
@@ -36,6 +36,16 @@ std::uint64_t RoundToBits(std::uint64_t high, bool hasTail, int exponent) noexce
     return (static_cast<std::uint64_t>(biased - 1) << 52U) + significand + up;
 }
 
+// Of the powers that are not exact none begins like a power of two for 64 bits, so a product with
+// one of them keeps its first bit when 1 is taken from the upper word.
+static_assert([] {
+    for (int q = kLeastTenExponent; q <= kGreatestTenExponent; ++q) {
+        const bool isExact = q >= 0 && q <= kGreatestExactExponent;
+        if (!isExact && PowerOf(q).high == std::uint64_t{1} << 63U) return false;
+    }
+    return true;
+}());
+
 // digits x 10^exponent. The product of the digits, moved to the left end of their word, and a power
 // of five has 192 bits. The power is exact or less than 1 too large, so the product is exact or
 // less than 2^64 too large, and the upper word is right unless the middle one is 0. Even then the
@@ -46,7 +56,7 @@ std::uint64_t RoundToBits(std::uint64_t high, bool hasTail, int exponent) noexce
     if (digits == 0 || exponent < kLeastTenExponent) return {0, true};
     if (exponent > kGreatestTenExponent) return {kInfinityBits, true};
     const int q = static_cast<int>(exponent);
-    const PowerOfFive& power = kPowersOfFive[static_cast<std::size_t>(q - kLeastTenExponent)];
+    const PowerOfFive& power = PowerOf(q);
     const int shift = std::countl_zero(digits);
     const std::uint64_t factor = digits << shift;
 
