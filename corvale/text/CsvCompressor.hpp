@@ -55,8 +55,10 @@ class CsvCompressor {
     std::size_t in_ = 0;
     std::size_t out_ = 0;
     bool isFraction_ = false;
-    bool isOdd_ = false;  // a point within useless zeros: characters remain behind the result's end
     ZeroRun zeros_;
+    // A point has followed useless zeros: when they go, characters behind them remain where they
+    // are, also beyond `out_`. Otherwise all from `out_` on is blank, and not kept.
+    bool isOdd_ = false;
     std::array<char, kWidth + kSlack> result_;
 };
 
