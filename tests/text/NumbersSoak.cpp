@@ -5,6 +5,7 @@
 //                                   a night. Prints the differences, and exits with 1 if there are
 //                                   any
 #include "LiteralNumbers.hpp"
+#include "NumberEnvironment.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 
@@ -118,12 +119,6 @@ std::string AnyRow() {
     return row + std::string(Below(3) * Below(30), ' ');
 }
 
-class RoundingModeScope {
-  public:
-    explicit RoundingModeScope(int mode) { std::fesetround(mode); }
-    ~RoundingModeScope() { std::fesetround(FE_TONEAREST); }
-};
-
 void Report(const char* what, const std::string& input, const std::string& ours,
             const std::string& plain) {
     if (++gDifferences <= 20)
@@ -176,10 +171,9 @@ void CheckRow(const std::string& row) {
 int main(int argc, char** argv) {
     const long count = argc > 1 ? std::atol(argv[1]) : 100000;
     gRandom.seed(argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 1);
-    constexpr int kModes[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
     for (long k = 0; k < count; ++k) {
-        CheckField(AnyField(), kModes[k % 4]);
-        CheckDouble(AnyDouble(), kModes[k % 4]);
+        CheckField(AnyField(), kRoundingModes[k % 4]);
+        CheckDouble(AnyDouble(), kRoundingModes[k % 4]);
         if (k % 10 == 0) CheckRow(AnyRow());
     }
     std::printf("%ld fields, %ld doubles, %ld rows: %d differences\n", count, count, count / 10,
