@@ -58,14 +58,13 @@ inline void StoreEight(std::uint64_t word, char* first) noexcept {
     return byte(0) | byte(size / 2) | byte(size - 1);
 }
 
-/// The eight bytes of `text` from `at` on; zeros stand for those past the end. No branch on where
-/// the text ends, only on whether it is narrow.
+/// The eight bytes of `text` from `at` <= size on; zeros stand for those past the end.
 [[nodiscard]] inline std::uint64_t WordAt(std::string_view text, std::size_t at) noexcept {
-    at = std::min(at, text.size());
-    if (text.size() < 8) return at < 8 ? LoadNarrow(text) >> 8 * at : 0;
-    const std::size_t first = std::min(at, text.size() - 8);
-    const std::size_t missing = at - first;  // 0 to 8; a word cannot be shifted by its width
-    return LoadEight(text.data() + first) >> 4 * missing >> 4 * missing;
+    const std::size_t left = text.size() - at;
+    if (left >= 8) return LoadEight(text.data() + at);
+    if (text.size() < 8) return LoadNarrow(text) >> 8 * at;
+    const std::size_t missing = 8 - left;  // 1 to 8; a word cannot be shifted by its width
+    return LoadEight(text.data() + text.size() - 8) >> 4 * missing >> 4 * missing;
 }
 
 /// What is left of ASCII digits is their value 0 to 9; every other character is above 9.
