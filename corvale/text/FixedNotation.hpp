@@ -18,8 +18,8 @@ using RenderingRoom = std::array<char, 64>;
 /// The widest rendering that is made.
 constexpr std::size_t kWidestRendering = 30;
 
-/// Renders `value` with 1 or more decimals somewhere in `room` and returns where. An empty text:
-/// it would be wider than `kWidestRendering`. (A wider one may be returned, too.)
+/// Renders `value` with 1 or more decimals, somewhere in `room` unless the text is constant. One
+/// wider than `kWidestRendering` may be returned as an empty text.
 ///
 /// Exactness  the exact value, rounded once to the decimals, halfway to the even digit, whatever
 /// the
