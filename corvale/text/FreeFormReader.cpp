@@ -25,25 +25,25 @@ std::int32_t RepeatCount(std::string_view digits) noexcept {
 
 }  // namespace
 
-bool FreeFormReader::IsBlankAt(std::size_t at) const noexcept {
+inline bool FreeFormReader::IsBlankAt(std::size_t at) const noexcept {
     return record_[at] == kBlank || (record_[at] == '\t' && rules_.tabSeparates);
 }
 
-bool FreeFormReader::IsCommaAt(std::size_t at) const noexcept {
+inline bool FreeFormReader::IsCommaAt(std::size_t at) const noexcept {
     return record_[at] == ',' || (record_[at] == ';' && rules_.semicolonSeparates);
 }
 
-bool FreeFormReader::IsItemEnd(std::size_t at) const noexcept {
+inline bool FreeFormReader::IsItemEnd(std::size_t at) const noexcept {
     return at >= record_.size() || IsBlankAt(at) || IsCommaAt(at) || record_[at] == '/';
 }
 
-std::size_t FreeFormReader::AfterBlanks(std::size_t at) const noexcept {
+inline std::size_t FreeFormReader::AfterBlanks(std::size_t at) const noexcept {
     while (at < record_.size() && IsBlankAt(at)) ++at;
     return at;
 }
 
 // Moves to the next item. `Value` where something stands there that is still to be read.
-ItemKind FreeFormReader::BeginItem() noexcept {
+inline ItemKind FreeFormReader::BeginItem() noexcept {
     position_ = AfterBlanks(position_);
     if (position_ >= record_.size()) return ItemKind::End;
     if (record_[position_] == '/') return ItemKind::Stop;
@@ -53,19 +53,19 @@ ItemKind FreeFormReader::BeginItem() noexcept {
 }
 
 // Leaves an item that ends at `at`, and the one comma that belongs to it.
-ItemKind FreeFormReader::Finish(std::size_t at, ItemKind kind) noexcept {
+inline ItemKind FreeFormReader::Finish(std::size_t at, ItemKind kind) noexcept {
     position_ = AfterBlanks(at);
     if (position_ < record_.size() && IsCommaAt(position_)) ++position_;
     return kind;
 }
 
 // Scans the number at `at`, of which no more than the width counts.
-std::size_t FreeFormReader::AfterNumber(std::size_t at, ScannedReal& number) const noexcept {
-    if (record_.size() - at <= rules_.numberWidth)
-        return ScanReal(record_, at, rules_.real, number);
-    const std::size_t limit = at + rules_.numberWidth;
-    std::size_t end = ScanReal(record_.substr(0, limit), at, rules_.real, number);
-    if (end == limit)
+inline std::size_t FreeFormReader::AfterNumber(std::size_t at, ScannedReal& number) const noexcept {
+    const std::size_t width = std::min(record_.size() - at, rules_.numberWidth);
+    ScannedReal scanned;
+    std::size_t end = ScanReal(record_.substr(0, at + width), at, rules_.real, scanned);
+    number = scanned;
+    if (end == at + width)
         while (!IsItemEnd(end)) ++end;
     return end;
 }

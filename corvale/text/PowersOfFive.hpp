@@ -90,9 +90,13 @@ constexpr auto MakePowers() noexcept {
 /// 5^q for the exponents above: exact for 0 to 55, otherwise the least 128 bits above it.
 inline constexpr auto kPowersOfFive = making::MakePowers();
 
+[[nodiscard]] constexpr const PowerOfFive& PowerOf(int q) noexcept {
+    return kPowersOfFive[static_cast<std::size_t>(q - kLeastTenExponent)];
+}
+
 /// floor(log2(10^q)) for the exponents above.
 [[nodiscard]] constexpr int BinaryExponentOfTen(int q) noexcept {
-    return (q * 217706) >> 16;  // log2(10) = 217705.9 / 65536
+    return (q * 217706) >> 16;  // log2(10) = 217705.9 / 65536: right to q = 642
 }
 
 }  // namespace corvale::internal

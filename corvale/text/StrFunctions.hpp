@@ -9,4 +9,6 @@
 // CompactNumbers.hpp  short numbers into fields, short CSV rows
 #pragma once
 
+#include <corvale/text/CompactNumbers.hpp>
 #include <corvale/text/FixedWidthText.hpp>
+#include <corvale/text/NumericFields.hpp>

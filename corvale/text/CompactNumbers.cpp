@@ -1,0 +1,52 @@
+#include <corvale/text/CompactNumbers.hpp>
+
+#include <corvale/text/CsvCompressor.hpp>
+#include <corvale/text/FixedNotation.hpp>
+#include <corvale/text/TextParts.hpp>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace corvale::StrFunctions {
+
+using internal::kBlank;
+using internal::RenderFixed;
+using internal::SignRule;
+
+namespace {
+
+constexpr std::int32_t kSignDecimals = 8;
+constexpr std::string_view kSignOverflow = "********************";
+constexpr std::string_view kOverflow = "******************************";
+
+// A rendering stands in a field of its own before it is cut; one that is wider than the field shows
+// as asterisks, as wide as the field.
+void PutCut(std::string_view rendering, std::string_view overflow, std::int32_t n,
+            std::span<char> out) noexcept {
+    const bool fits = !rendering.empty() && rendering.size() <= overflow.size();
+    const std::string_view field = fits ? rendering : overflow;
+    internal::PutText(field.substr(0, static_cast<std::size_t>(n)), out);
+}
+
+}  // namespace
+
+void Fx0ToSignAx(double value, std::int32_t n, std::span<char> out) noexcept {
+    if (n < 1) {
+        std::ranges::fill(out, kBlank);
+        return;
+    }
+    internal::RenderingRoom room;
+    PutCut(RenderFixed(value, kSignDecimals, SignRule::Always, room), kSignOverflow, n, out);
+}
+
+void Fx0ToAx(double value, std::int32_t n, std::span<char> out) noexcept {
+    if (n < 1) return;
+    internal::RenderingRoom room;
+    PutCut(RenderFixed(value, n, SignRule::WhenNegative, room), kOverflow, n, out);
+}
+
+void CompressCsvLine(std::span<char> line) noexcept {
+    internal::CsvCompressor(line).Compress();
+}
+
+}  // namespace corvale::StrFunctions

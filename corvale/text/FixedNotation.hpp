@@ -1,0 +1,30 @@
+// Internal to the library: not installed, may change in any commit.
+//
+// Doubles in fixed notation of the least width: no digit before the point below 1.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace corvale::internal {
+
+enum class SignRule : std::uint8_t { WhenNegative, Always };
+
+/// What a rendering is made in. It is spoilt around the rendering, too.
+using RenderingRoom = std::array<char, 64>;
+
+/// The widest rendering that is made.
+constexpr std::size_t kWidestRendering = 30;
+
+/// Renders `value` with 1 or more decimals, somewhere in `room` unless the text is constant. One
+/// wider than `kWidestRendering` may be returned as an empty text.
+///
+/// Exactness  the exact value, rounded once to the decimals, halfway to the even digit, whatever
+/// the
+///            thread's rounding mode
+[[nodiscard]] std::string_view RenderFixed(double value, std::int32_t decimals, SignRule rule,
+                                           RenderingRoom& room) noexcept;
+
+}  // namespace corvale::internal

@@ -1,0 +1,174 @@
+#include <corvale/text/NumericFields.hpp>
+
+#include <corvale/text/AlignedDecimal.hpp>
+#include <corvale/text/DigitWords.hpp>
+#include <corvale/text/FreeFormReader.hpp>
+#include <corvale/text/RealConversion.hpp>
+#include <corvale/text/TextParts.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <limits>
+
+namespace corvale::StrFunctions {
+
+using internal::FreeFormReader;
+using internal::ItemKind;
+using internal::kBlank;
+using internal::ScannedReal;
+
+namespace {
+
+constexpr std::size_t kRealWidth = 80;
+constexpr std::size_t kIntegerWidth = 12;
+constexpr internal::RealRules kFieldRules = {.exponentQ = false, .emptyMantissa = true};
+
+// A set of characters, asked by a look into a table.
+class CharacterSet {
+  public:
+    explicit constexpr CharacterSet(std::string_view members) noexcept {
+        for (const char c : members) isMember_[static_cast<unsigned char>(c)] = true;
+    }
+    constexpr bool operator()(char c) const noexcept {
+        return isMember_[static_cast<unsigned char>(c)];
+    }
+
+  private:
+    std::array<bool, 256> isMember_{};
+};
+
+constexpr CharacterSet kRealCharacters("+-.0123456789eEdD");
+constexpr CharacterSet kPairOfRealsCharacters("+-.0123456789");
+constexpr CharacterSet kIntegerCharacters("+-0123456789");
+
+// Takes the next run of members out of `text`; empty where there is none.
+std::string_view TakeRun(std::string_view& text, const CharacterSet& members) noexcept {
+    const auto first = std::ranges::find_if(text, members);
+    const auto last = std::find_if_not(first, text.end(), members);
+    const std::string_view run(first, last);
+    text = {last, text.end()};
+    return run;
+}
+
+// The real at position `first` of `text`. All characters of a real up to the next other character
+// must belong to it.
+double RealAt(std::string_view text, std::size_t first) noexcept {
+    if (text.size() - first > kRealWidth) text = text.substr(0, first + kRealWidth);
+    ScannedReal number;
+    const std::size_t end = internal::ScanReal(text, first, kFieldRules, number);
+    if (end < text.size() && kRealCharacters(text[end])) return 0.0;
+    return internal::ToDouble(number);
+}
+
+// The integer at position `first` of `text`, likewise.
+std::int32_t IntegerAt(std::string_view text, std::size_t first) noexcept {
+    if (text.size() - first > kIntegerWidth) text = text.substr(0, first + kIntegerWidth);
+    std::size_t at = first;
+    bool isNegative = false;
+    if (at < text.size() && (text[at] == '+' || text[at] == '-')) isNegative = text[at++] == '-';
+
+    std::uint64_t magnitude = 0;
+    const std::size_t end = internal::TakeDigits(text, at, magnitude);
+    if (end < text.size() && kIntegerCharacters(text[end])) return 0;  // a sign that is not first
+    constexpr std::uint64_t kGreatest = std::numeric_limits<std::int32_t>::max();
+    if (magnitude > kGreatest + (isNegative ? 1 : 0)) return 0;
+    const auto value = static_cast<std::int64_t>(magnitude);
+    return static_cast<std::int32_t>(isNegative ? -value : value);
+}
+
+// What follows the first "=" of an input line, without its leading blanks; empty without "=".
+std::string_view ValueOf(std::string_view line) noexcept {
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) return {};
+    return internal::WithoutLeadingBlanks(line.substr(equals + 1));
+}
+
+// `word` is in capitals; `text` may have any case.
+bool BeginsWith(std::string_view text, std::string_view word) noexcept {
+    const auto isSame = [](char c, char capital) {
+        return c == capital || c == capital + ('a' - 'A');
+    };
+    return text.size() >= word.size() &&
+           std::ranges::equal(text.substr(0, word.size()), word, isSame);
+}
+
+struct YesNoWord {
+    std::string_view word;
+    std::int32_t value;
+};
+constexpr YesNoWord kYesNoWords[] = {{"YES", 1}, {"ON", 1}, {"TRUE", 1}, {"NO", 0}, {"OFF", 0}};
+
+constexpr internal::FreeFormRules kNumberAndWordRules = {.real = kFieldRules,
+                                                         .tabSeparates = false,
+                                                         .semicolonSeparates = true,
+                                                         .repeatCounts = false,
+                                                         .numberWidth = kRealWidth};
+
+// Reads the two items into their targets; false where the reading fails. The targets may be written
+// even then.
+bool ReadNumberAndWord(std::string_view value, double& number, std::span<char> word) noexcept {
+    FreeFormReader reader(value, kNumberAndWordRules);
+    ScannedReal scanned;
+    std::int32_t count = 0;
+    const ItemKind first = reader.NextNumber(scanned, count);
+    if (first == ItemKind::Stop) return true;
+    if (first == ItemKind::End || first == ItemKind::Unusable) return false;
+    if (first == ItemKind::Value) number = internal::ToDouble(scanned);
+
+    const ItemKind second = reader.NextWord(word);
+    return second != ItemKind::End && second != ItemKind::Unusable;
+}
+
+}  // namespace
+
+double StrToReal(std::string_view text) noexcept {
+    internal::AlignedDecimal decimal;
+    if (internal::ReadAlignedDecimal(text, decimal))
+        return internal::DecimalToDouble(decimal.digits, -decimal.decimals, decimal.isNegative);
+    return RealAt(text, internal::LeadingBlanks(text));
+}
+
+void StrTo2Reals(std::string_view text, double& first, double& second) noexcept {
+    first = RealAt(TakeRun(text, kPairOfRealsCharacters), 0);
+    second = RealAt(TakeRun(text, kPairOfRealsCharacters), 0);
+}
+
+double InputStrToReal(std::string_view line) noexcept {
+    return RealAt(ValueOf(line), 0);
+}
+
+std::int32_t StrToInt(std::string_view text) noexcept {
+    std::size_t first = internal::LeadingBlanks(text);
+    while (first < text.size() && !kIntegerCharacters(text[first])) ++first;
+    return IntegerAt(text, first);
+}
+
+void StrTo2Ints(std::string_view text, std::int32_t& first, std::int32_t& second) noexcept {
+    first = IntegerAt(TakeRun(text, kIntegerCharacters), 0);
+    second = IntegerAt(TakeRun(text, kIntegerCharacters), 0);
+}
+
+std::int32_t InputStrToInt(std::string_view line) noexcept {
+    const std::string_view value = ValueOf(line);
+    for (const YesNoWord& entry : kYesNoWords)
+        if (BeginsWith(value, entry.word)) return entry.value;
+    return StrToInt(value);
+}
+
+void InputStrToNumStr(std::string_view line, double& number, std::span<char> word) noexcept {
+    number = 0.0;
+    std::ranges::fill(word, kBlank);
+    if (ReadNumberAndWord(ValueOf(line), number, word)) {
+        internal::PutText(internal::WithoutLeadingBlanks({word.data(), word.size()}), word);
+    } else {
+        number = 0.0;
+        std::ranges::fill(word, kBlank);
+    }
+}
+
+std::int32_t OnOff2Int(std::string_view text) noexcept {
+    return BeginsWith(internal::WithoutLeadingBlanks(text), "ON") ? 1 : 0;
+}
+
+}  // namespace corvale::StrFunctions
