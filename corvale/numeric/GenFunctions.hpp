@@ -3,9 +3,13 @@
 // Reals are IEEE doubles. Arrays count from 1; a contiguous m-by-n matrix is stored column by
 // column. Nothing here keeps state, takes a lock, reports a message or throws.
 //
-// SoftwareInfo.hpp   the information line of a library
-// SatelliteKeys.hpp  the arithmetic of satellite keys
+// SoftwareInfo.hpp      the information line of a library
+// SatelliteKeys.hpp     the arithmetic of satellite keys
+// SatelliteNumbers.hpp  satellite numbers in five characters
+// Angles.hpp            reduction, inverse functions, degrees as sexagesimal numbers and texts
 #pragma once
 
+#include <corvale/numeric/Angles.hpp>
 #include <corvale/numeric/SatelliteKeys.hpp>
+#include <corvale/numeric/SatelliteNumbers.hpp>
 #include <corvale/numeric/SoftwareInfo.hpp>
