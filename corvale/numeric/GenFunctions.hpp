@@ -7,9 +7,11 @@
 // SatelliteKeys.hpp     the arithmetic of satellite keys
 // SatelliteNumbers.hpp  satellite numbers in five characters
 // Angles.hpp            reduction, inverse functions, degrees as sexagesimal numbers and texts
+// Vectors.hpp           vectors of space and their rotations
 #pragma once
 
 #include <corvale/numeric/Angles.hpp>
 #include <corvale/numeric/SatelliteKeys.hpp>
 #include <corvale/numeric/SatelliteNumbers.hpp>
 #include <corvale/numeric/SoftwareInfo.hpp>
+#include <corvale/numeric/Vectors.hpp>
