@@ -8,10 +8,12 @@
 // SatelliteNumbers.hpp  satellite numbers in five characters
 // Angles.hpp            reduction, inverse functions, degrees as sexagesimal numbers and texts
 // Vectors.hpp           vectors of space and their rotations
+// SmallHelpers.hpp      functions, checksum, table search, logical values
 #pragma once
 
 #include <corvale/numeric/Angles.hpp>
 #include <corvale/numeric/SatelliteKeys.hpp>
 #include <corvale/numeric/SatelliteNumbers.hpp>
+#include <corvale/numeric/SmallHelpers.hpp>
 #include <corvale/numeric/SoftwareInfo.hpp>
 #include <corvale/numeric/Vectors.hpp>
