@@ -9,9 +9,11 @@
 // Angles.hpp            reduction, inverse functions, degrees as sexagesimal numbers and texts
 // Vectors.hpp           vectors of space and their rotations
 // SmallHelpers.hpp      functions, checksum, table search, logical values
+// IntegerLists.hpp      lists of integers without duplicates, and sorted
 #pragma once
 
 #include <corvale/numeric/Angles.hpp>
+#include <corvale/numeric/IntegerLists.hpp>
 #include <corvale/numeric/SatelliteKeys.hpp>
 #include <corvale/numeric/SatelliteNumbers.hpp>
 #include <corvale/numeric/SmallHelpers.hpp>
