@@ -15,21 +15,28 @@ constexpr std::size_t kLeastShare = 16;
 // Ranges up to this length are sorted as fast as two runs are merged.
 constexpr std::size_t kNoMerging = 256;
 
-// The place behind the run that begins at `first`. A run that descends is reversed.
-std::size_t TakeRun(const KeyRange& all, std::size_t first) noexcept {
+struct Run {
+    std::size_t end;
+    bool isDescending;
+};
+
+// The longest run that begins at `first`.
+Run FindRun(const KeyRange& all, std::size_t first) noexcept {
     std::size_t end = first + 1;
     while (end < all.count && !IsLess(all.keys[end], all.keys[end - 1])) ++end;
-    if (end > first + 1 || end == all.count) return end;
+    if (end > first + 1 || end == all.count) return {end, false};
 
     while (end < all.count && !IsLess(all.keys[end - 1], all.keys[end])) ++end;
-    std::reverse(all.keys + first, all.keys + end);
-    std::reverse(all.companion + first, all.companion + end);
-    return end;
+    return {end, true};
+}
+
+void Reverse(const KeyRange& range) noexcept {
+    std::reverse(range.keys, range.keys + range.count);
+    std::reverse(range.companion, range.companion + range.count);
 }
 
 // Merges the sorted left and right parts of `range` from the front. The left part, of `split` rows,
-// fits in `buffer`. Returns how many rows of the right part were still to come when the left one
-// ran out, or, negative, how many of the left part were when the right one did.
+// fits in `buffer`. Returns how many rows of each were still to come when the other ran out.
 struct Rest {
     std::size_t left;
     std::size_t right;
@@ -188,12 +195,15 @@ void MergeRuns(const KeyRange& range, std::size_t split, std::span<std::int32_t>
 
 bool SortRuns(const KeyRange& all, std::span<std::int32_t> block) noexcept {
     std::array<std::size_t, kMostRuns> ends{};
+    const std::size_t least = all.count <= kNoMerging ? all.count : all.count / kLeastShare;
     std::size_t runs = 0;
     for (std::size_t begin = 0; begin < all.count; ++runs) {
-        if (runs == kMostRuns || (runs > 0 && all.count <= kNoMerging)) return false;
-        ends[runs] = TakeRun(all, begin);
-        if ((ends[runs] - begin) * kLeastShare < all.count) return false;
-        begin = ends[runs];
+        if (runs == kMostRuns) return false;
+        const Run run = FindRun(all, begin);
+        if (run.end - begin < least) return false;
+        if (run.isDescending) Reverse(all.Part(begin, run.end));
+        ends[runs] = run.end;
+        begin = run.end;
     }
     for (std::size_t run = 1; run < runs; ++run)
         MergeRuns(all.Part(0, ends[run]), ends[run - 1], block);
