@@ -2,15 +2,18 @@
 
 #include <corvale/numeric/Digits.hpp>
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstddef>
 #include <limits>
 
 namespace corvale::GenFunctions {
 
 namespace {
+
+using internal::Characters;
+using internal::TextOf;
+using internal::ThreeDigits;
+using internal::TwoDigits;
 
 // 2 pi and pi / 2 as the nearest doubles. Angles are reduced by these values.
 constexpr double kTwoPi = 6.283185307179586;
@@ -21,6 +24,9 @@ static_assert(kTwoPi == 0x1.921fb54442d18p+2 && kHalfPi == 0x1.921fb54442d18p+0)
 constexpr double kDegreeCarrySeconds = 59.5;
 // From here seconds print as 60.0 with one decimal, and the hour form carries.
 constexpr double kHourCarrySeconds = 59.95;
+// What a field shows that cannot hold its number.
+constexpr Characters kMarks = 0x2A2A2A2A2A2A2A2A;
+
 // Added to fractional minutes, so that whole minutes that came out a little low stay whole.
 constexpr double kMinuteGuard = 1e-12;
 
@@ -28,11 +34,6 @@ constexpr double kMinuteGuard = 1e-12;
 // remainder, which saves the division: a fifth of the hour text's time; bench: DegToHHMMSSS_Str.
 double Reduced(double x, double modulus) noexcept {
     return std::fabs(x) < modulus ? x : std::fmod(x, modulus);
-}
-
-template <std::size_t Width>
-void Put(const std::array<char, Width>& digits, char* target) noexcept {
-    std::copy(digits.begin(), digits.end(), target);
 }
 
 // Degrees and minutes carry the sign of the angle, seconds none.
@@ -67,8 +68,8 @@ std::uint32_t Thousandths(double seconds) noexcept {
     const std::uint64_t whole = product >> shift;
     const std::uint64_t rest = product - (whole << shift);
     const std::uint64_t half = std::uint64_t{1} << (shift - 1);
-    const bool isUp = rest > half || (rest == half && whole % 2 == 1);
-    return static_cast<std::uint32_t>(whole + (isUp ? 1 : 0));
+    const std::uint64_t isUp = rest + (whole & 1U) > half ? 1 : 0;  // no branch: it is random
+    return static_cast<std::uint32_t>(whole + isUp);
 }
 
 struct HourParts {
@@ -90,9 +91,15 @@ HourParts SplitHours(double deg) noexcept {
 }
 
 // Half and more rounds up. Not `x + 0.5`, which lifts 0.49999999999999994 to 1.
-std::int32_t RoundHalfUp(double x) noexcept {
+std::uint32_t RoundHalfUp(double x) noexcept {
     const auto whole = static_cast<std::int32_t>(x);
-    return x - whole >= 0.5 ? whole + 1 : whole;
+    const std::int32_t isUp = x - whole >= 0.5 ? 1 : 0;  // no branch: it is random
+    return static_cast<std::uint32_t>(whole + isUp);
+}
+
+std::uint32_t Magnitude(std::int32_t value) noexcept {
+    const auto bits = static_cast<std::uint32_t>(value);
+    return value < 0 ? 0U - bits : bits;
 }
 
 }  // namespace
@@ -132,27 +139,19 @@ void DegToDDMMSSS(double deg, std::int32_t& dd, std::int32_t& mm, double& ss) no
 }
 
 std::array<char, 11> DegToDDMMSSSSS_Str(double deg) noexcept {
-    std::array<char, 11> text;
-    text.fill('*');
-    text[0] = deg < 0.0 ? '-' : '0';
-    if (!HasWholeDegrees(deg)) return text;
+    const Characters sign = deg < 0.0 ? '-' : '0';
+    if (!HasWholeDegrees(deg)) return TextOf<11>((kMarks & ~Characters{0xFF}) | sign, kMarks);
 
     const DegreeParts parts = SplitDegrees(deg);
     const bool carries = parts.seconds >= kDegreeCarrySeconds;
-    const std::uint32_t allMinutes =
-        static_cast<std::uint32_t>(std::abs(parts.minutes)) + (carries ? 1 : 0);
-    const std::uint32_t magnitude = parts.degrees < 0
-                                        ? 0U - static_cast<std::uint32_t>(parts.degrees)
-                                        : static_cast<std::uint32_t>(parts.degrees);
-    const std::uint32_t degrees = magnitude + allMinutes / 60;
+    const std::uint32_t allMinutes = Magnitude(parts.minutes) + (carries ? 1 : 0);
+    const std::uint32_t degrees = Magnitude(parts.degrees) + allMinutes / 60;
     const std::uint32_t thousandths = carries ? 0 : Thousandths(parts.seconds);
 
-    if (degrees < 100) Put(internal::Digits<2>(degrees), &text[1]);
-    Put(internal::Digits<2>(allMinutes % 60), &text[3]);
-    Put(internal::Digits<2>(thousandths / 1000), &text[5]);
-    text[7] = '.';
-    Put(internal::Digits<3>(thousandths % 1000), &text[8]);
-    return text;
+    const Characters degreeDigits = degrees < 100 ? TwoDigits(degrees) : kMarks & 0xFFFF;
+    return TextOf<11>(sign | degreeDigits << 8U | TwoDigits(allMinutes % 60) << 24U |
+                          TwoDigits(thousandths / 1000) << 40U | Characters{'.'} << 56U,
+                      ThreeDigits(thousandths % 1000));
 }
 
 void DegToHHMMSSS(double deg, std::int32_t& hh, std::int32_t& mm, double& ss) noexcept {
@@ -168,21 +167,18 @@ void DegToHHMMSSS(double deg, std::int32_t& hh, std::int32_t& mm, double& ss) no
 }
 
 std::array<char, 7> DegToHHMMSSS_Str(double deg) noexcept {
-    std::array<char, 7> text;
-    text.fill('*');
     const HourParts parts = SplitHours(deg);
-    if (std::isnan(parts.seconds)) return text;
+    if (std::isnan(parts.seconds)) return TextOf<7>(kMarks);
 
-    std::int32_t tenths = 600;
+    std::uint32_t tenths = 600;
     if (parts.seconds < kHourCarrySeconds) tenths = RoundHalfUp(parts.seconds * 10.0);
     const bool carries = tenths > 599;
-    const std::int32_t minutes = parts.minutes + (carries ? 1 : 0);
-    const std::int32_t hours = (parts.hours + minutes / 60) % 24;
+    if (carries) tenths = 0;
+    const std::uint32_t minutes = Magnitude(parts.minutes) + (carries ? 1 : 0);
+    const std::uint32_t hours = (Magnitude(parts.hours) + minutes / 60) % 24;
 
-    Put(internal::Digits<2>(static_cast<std::uint32_t>(hours)), &text[0]);
-    Put(internal::Digits<2>(static_cast<std::uint32_t>(minutes % 60)), &text[2]);
-    Put(internal::Digits<3>(carries ? 0 : static_cast<std::uint32_t>(tenths)), &text[4]);
-    return text;
+    return TextOf<7>(TwoDigits(hours) | TwoDigits(minutes % 60) << 16U |
+                     ThreeDigits(tenths) << 32U);
 }
 
 }  // namespace corvale::GenFunctions
