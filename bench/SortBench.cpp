@@ -52,9 +52,9 @@ struct Blocks {
 
 const Blocks& BlocksOf(Pattern pattern, std::size_t n) {
     static std::map<std::pair<Pattern, std::size_t>, Blocks> made;
-    if (made.size() > 6) made.clear();
+    if (const auto found = made.find({pattern, n}); found != made.end()) return found->second;
+    if (n > 1'000'000) made.clear();  // about 200 bytes a key
     Blocks& blocks = made[{pattern, n}];
-    if (!blocks.keys.empty()) return blocks;
 
     blocks.n = n;
     std::mt19937_64 random(n);
