@@ -3,9 +3,19 @@
 // Reals are IEEE doubles. Arrays count from 1; a contiguous m-by-n matrix is stored column by
 // column. Nothing here keeps state, takes a lock, reports a message or throws.
 //
-// SoftwareInfo.hpp   the information line of a library
-// SatelliteKeys.hpp  the arithmetic of satellite keys
+// SoftwareInfo.hpp      the information line of a library
+// SatelliteKeys.hpp     the arithmetic of satellite keys
+// SatelliteNumbers.hpp  satellite numbers in five characters
+// Angles.hpp            reduction, inverse functions, degrees as sexagesimal numbers and texts
+// Vectors.hpp           vectors of space and their rotations
+// SmallHelpers.hpp      functions, checksum, table search, logical values
+// IntegerLists.hpp      lists of integers without duplicates, and sorted
 #pragma once
 
+#include <corvale/numeric/Angles.hpp>
+#include <corvale/numeric/IntegerLists.hpp>
 #include <corvale/numeric/SatelliteKeys.hpp>
+#include <corvale/numeric/SatelliteNumbers.hpp>
+#include <corvale/numeric/SmallHelpers.hpp>
 #include <corvale/numeric/SoftwareInfo.hpp>
+#include <corvale/numeric/Vectors.hpp>

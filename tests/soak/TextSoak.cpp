@@ -1,6 +1,6 @@
 // Random numbers and rows against slow, plain versions of the same rules, in all rounding modes.
 //
-//     NumbersSoak [COUNT [SEED]]    COUNT fields, as many doubles, a tenth as many rows; 10000000
+//     text_soak [COUNT [SEED]]    COUNT fields, as many doubles, a tenth as many rows; 10000000
 //     for
 //                                   a night. Prints the differences, and exits with 1 if there are
 //                                   any

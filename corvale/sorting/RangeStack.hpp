@@ -1,0 +1,48 @@
+// Internal to sorting/: not installed, may change in any commit.
+//
+// The pending ranges of one sort: pairs of positions (low, high), counted from 1, in one block of
+// 4 x n bytes. Pending ranges hold two keys at least and do not overlap, so n entries suffice.
+#pragma once
+
+#include <corvale/sorting/KeyRange.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace corvale::internal {
+
+class RangeStack {
+  public:
+    /// Takes the block for `n` keys. Stops the process where it is not to be had.
+    explicit RangeStack(std::int32_t n) noexcept;
+    ~RangeStack();
+    RangeStack(const RangeStack&) = delete;
+    RangeStack& operator=(const RangeStack&) = delete;
+
+    [[nodiscard]] bool IsEmpty() const noexcept { return top_ == 0; }
+
+    /// Puts the part `begin` to `end` (places from 0, `end` excluded) of all keys on top.
+    void Push(std::size_t begin, std::size_t end) noexcept {
+        entries_[top_] = static_cast<std::int32_t>(begin) + 1;
+        entries_[top_ + 1] = static_cast<std::int32_t>(end);
+        top_ += 2;
+    }
+
+    /// Takes the part on top of `all` away. `begin` is where it begins.
+    [[nodiscard]] KeyRange Pop(const KeyRange& all, std::size_t& begin) noexcept {
+        top_ -= 2;
+        begin = static_cast<std::size_t>(entries_[top_]) - 1;
+        return all.Part(begin, static_cast<std::size_t>(entries_[top_ + 1]));
+    }
+
+    /// The whole block, for other use while no range is pending.
+    [[nodiscard]] std::span<std::int32_t> Block() noexcept { return {entries_, size_}; }
+
+  private:
+    std::int32_t* entries_;
+    std::size_t size_;
+    std::size_t top_ = 0;
+};
+
+}  // namespace corvale::internal

@@ -1,0 +1,62 @@
+#include <corvale/sorting/Sorting.hpp>
+
+#include <corvale/sorting/KeyBuckets.hpp>
+#include <corvale/sorting/KeyRange.hpp>
+#include <corvale/sorting/KeyRuns.hpp>
+#include <corvale/sorting/RangeStack.hpp>
+#include <corvale/sorting/ShortRanges.hpp>
+
+#include <cstddef>
+#include <utility>
+
+namespace corvale::Sorting {
+
+// The ranges that are still to be sorted wait on a stack. Each step sorts one or splits it by bytes
+// of its keys that differ; a byte that all keys of a range share is never looked at again, so each
+// key takes part in a bounded number of steps.
+void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noexcept {
+    if (n < 2) return;
+    internal::RangeStack pending(n);
+    const internal::KeyRange all{keys, companion, static_cast<std::size_t>(n)};
+    if (internal::SortRuns(all, pending.Block())) return;
+
+    pending.Push(0, all.count);
+    while (!pending.IsEmpty()) {
+        std::size_t begin = 0;
+        const internal::KeyRange range = pending.Pop(all, begin);
+        if (range.count <= internal::kShortRange)
+            internal::SortShortRange(range, begin, pending);
+        else
+            internal::DealIntoBuckets(range, begin, pending);
+    }
+}
+
+std::int32_t Partition(std::int32_t low, std::int32_t high, Key* keys,
+                       std::int64_t* companion) noexcept {
+    Key* const key = keys - 1;  // positions count from 1
+    std::int64_t* const integer = companion - 1;
+    std::int32_t last = low - 1;  // of those less than the pivot
+    for (std::int32_t j = low; j < high; ++j) {
+        if (!internal::IsLess(key[j], key[high])) continue;
+        ++last;
+        std::swap(key[last], key[j]);
+        std::swap(integer[last], integer[j]);
+    }
+    std::swap(key[last + 1], key[high]);
+    std::swap(integer[last + 1], integer[high]);
+    return last + 1;
+}
+
+void Swap_Str(Key& a, Key& b) noexcept {
+    std::swap(a, b);
+}
+
+void Swap_Int8(std::int64_t& a, std::int64_t& b) noexcept {
+    std::swap(a, b);
+}
+
+void Swap_Int4(std::int32_t& a, std::int32_t& b) noexcept {
+    std::swap(a, b);
+}
+
+}  // namespace corvale::Sorting

@@ -1,0 +1,163 @@
+#include <corvale/numeric/SmallHelpers.hpp>
+
+#include "Bits.hpp"
+#include "numeric/LiteralNumeric.hpp"
+
+#include <gtest/gtest.h>
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace corvale::GenFunctions {
+namespace {
+
+using test::Bits;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+struct FunctionCase {
+    double x, result;
+    const char* why;
+};
+
+constexpr FunctionCase kRoots[] = {
+    {-8, -2, "the sign comes back"}, {27, 3, "a cube"},
+    {-0.0, -0.0, "a negative zero"}, {-kInfinity, -kInfinity, "an infinity"},
+    {kNaN, kNaN, "NaN spreads"},
+};
+
+TEST(CubRt, CarriesTheSign) {
+    for (const auto& [x, result, why] : kRoots) EXPECT_EQ(Bits(CubRt(x)), Bits(result)) << why;
+}
+
+constexpr FunctionCase kExponentials[] = {
+    {0.0, 0.0, "zero"},
+    {-0.0, 0.0, "negative zero: the second term is +0"},
+    {0.7500000000000001, 1 / 0.7500000000000001, "beyond the last exponential"},
+    {kInfinity, 0.0, "1/x"},
+    {-kInfinity, -0.0, "1/x"},
+    {kNaN, kNaN, "NaN spreads"},
+};
+
+TEST(SerExp, TakesThreeWays) {
+    for (const auto& [x, result, why] : kExponentials)
+        EXPECT_EQ(Bits(SerExp(x)), Bits(result)) << why;
+    EXPECT_EQ(SerExp(1.0), 1.0);
+    EXPECT_NEAR(SerExp(0.75), (1 - std::exp(-56.25)) / 0.75, 3e-16) << "still an exponential";
+    EXPECT_NEAR(SerExp(0.5), (1 - std::exp(-25.0)) / 0.5, 3e-16);
+    EXPECT_NEAR(SerExp(0.001), 0.1 - 5e-6, 1e-16) << "two terms for positive x";
+    EXPECT_NEAR(SerExp(0.01), 1 - 0.005, 1e-15) << "two terms at the limit";
+    EXPECT_NEAR(SerExp(-0.01), -1 + 0.005 - 0.00005 / 3, 1e-15) << "three terms for negative x";
+    EXPECT_EQ(SerExp(-1e-9), 100 * -1e-9) << "the second term, 5e-24, vanishes in the sum";
+}
+
+struct LineCase {
+    std::string_view line;
+    std::int32_t first, last, sum, status;
+    const char* why;
+};
+constexpr LineCase kLines[] = {
+    {"1-2 A9", 1, 6, 3, 0, "digits, a minus, and characters that count nothing"},
+    {"1-2 A9", 2, 3, 3, 0, "both ends included"},
+    {"1-2 A9", 3, 3, 2, 0, "one character"},
+    {"+.0 Z", 1, 5, 0, 0, "nothing counts"},
+    {"1-2 A9", 0, 6, 0, 2, "before the first character"},
+    {"1-2 A9", 4, 3, 0, 2, "an empty range"},
+    {"1-2 A9", INT_MIN, INT_MIN, 0, 2, "far before"},
+    {"1-2 A9", 6, INT_MAX, 9, 0, "ends with the text"},
+    {"1-2 A9", INT_MAX, INT_MAX, 0, 0, "begins after it"},
+    {"", 1, 1, 0, 0, "an empty text"},
+};
+
+TEST(CkSum, CountsDigitsAndMinuses) {
+    for (const LineCase& c : kLines) {
+        std::int32_t sum = -1;
+        std::int32_t status = -1;
+        CkSum(c.line, c.first, c.last, sum, status);
+        EXPECT_EQ(sum, c.sum) << c.why;
+        EXPECT_EQ(status, c.status) << c.why;
+    }
+}
+
+struct TableCase {
+    std::vector<double> table;
+    double value;
+    std::int32_t index;
+    const char* why;
+};
+const TableCase kTables[] = {
+    {{0, 10, 20, 30}, 25, 3, "between two"},
+    {{0, 10, 20, 30}, 10, 2, "on an entry"},
+    {{0, 10, 20, 30}, -5, 1, "before the first"},
+    {{0, 10, 20, 30}, 30, 4, "on the last"},
+    {{1, 2, 2, 2, 5}, 2, 3, "the walk up meets the second 2 first"},
+    {{0, 7, 7, 7, 8}, 7, 4, "the walk down meets the last 7 first"},
+    {{5}, 4, 1, "one entry, below"},
+    {{5}, 6, 1, "one entry, above"},
+    {{}, 6, 0, "no entry"},
+    {{-1.7e308, 0, 1.7e308}, -1, 1, "the range overflows"},
+    {{0, 5e-324, 1e-323, 1.5e-323}, 5e-324, 2, "the step vanishes"},
+    {{1, 2, 3}, kNaN, 1, "no value"},
+    {{kNaN, 2, 3}, 2, 1, "no first entry"},
+    {{1, 2, kNaN}, 2, 3, "no last entry"},
+};
+
+TEST(FindRecIdx, FindsThePlace) {
+    for (const TableCase& c : kTables)
+        EXPECT_EQ(FindRecIdx(c.table.data(), static_cast<std::int32_t>(c.table.size()), c.value),
+                  c.index)
+            << c.value << ": " << c.why;
+}
+
+// Spacings even, jittered, exponential, with equal neighbours; values on, beside, between entries.
+TEST(FindRecIdx, AgreesWithTheWalk) {
+    std::mt19937_64 random(11);
+    for (int round = 0; round < 30000; ++round) {
+        std::vector<double> table(2 + random() % 60);
+        double entry = 0;
+        for (double& place : table) {
+            const auto draw = static_cast<double>(random() % 4);
+            if (round % 3 == 0) entry += draw;
+            if (round % 3 == 1) entry = entry * 2 + draw;
+            if (round % 3 == 2) entry += 1 + draw * 1e-3;
+            place = entry;
+        }
+        const auto n = static_cast<std::int32_t>(table.size());
+        for (int query = 0; query < 20; ++query) {
+            double value = table[random() % table.size()];
+            if (query % 3 == 1) value = std::nextafter(value, query % 2 == 0 ? 1e9 : -1e9);
+            if (query % 3 == 2) value = table.back() * static_cast<double>(random() % 100) / 99;
+            ASSERT_EQ(FindRecIdx(table.data(), n, value),
+                      literal::FindRecIdx(table.data(), n, value))
+                << "round " << round << ", value " << value;
+        }
+    }
+}
+
+TEST(FindRecIdx, StaysInsideAnyTable) {
+    const double kOdd[] = {kNaN, kInfinity, -kInfinity, 0.0, 1.0, -1.0, 1e308, -1e308};
+    std::mt19937_64 random(13);
+    for (int round = 0; round < 100000; ++round) {
+        std::vector<double> table(1 + random() % 40);  // on the heap: reading beyond it is seen
+        for (double& entry : table) entry = kOdd[random() % 8];
+        const auto n = static_cast<std::int32_t>(table.size());
+        const std::int32_t index = FindRecIdx(table.data(), n, kOdd[random() % 8]);
+        ASSERT_TRUE(index >= 1 && index <= n) << index;
+    }
+}
+
+TEST(Logical, ConvertsAndJudges) {
+    EXPECT_EQ(Int2Logical(0), 0);
+    for (const std::int32_t i : {1, 2, -1, INT_MIN}) EXPECT_EQ(Int2Logical(i), 1) << i;
+    EXPECT_EQ(Logical2Int(1), 1);
+    EXPECT_EQ(Logical2Int(0), 0);
+    for (const std::int32_t i : {-1, 2, INT_MIN, INT_MAX}) EXPECT_EQ(InvalidFlag(i), 1) << i;
+    for (const std::int32_t i : {0, 1}) EXPECT_EQ(InvalidFlag(i), 0) << i;
+}
+
+}  // namespace
+}  // namespace corvale::GenFunctions

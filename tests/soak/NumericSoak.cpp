@@ -1,0 +1,73 @@
+// Every satellite number, every five characters over an alphabet, every tenth of an arc second of a
+// turn, against the plain versions. A full run takes minutes; with a number as argument only every
+// so many-th case is taken.
+#include <corvale/numeric/GenFunctions.hpp>
+
+#include "numeric/LiteralNumeric.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace {
+
+namespace gen = corvale::GenFunctions;
+namespace literal = corvale::literal;
+
+template <std::size_t Width>
+std::string Text(const std::array<char, Width>& text) {
+    return {text.data(), text.size()};
+}
+
+long differences = 0;
+
+void Expect(bool isSame, const std::string& what) {
+    if (isSame) return;
+    if (++differences <= 20) std::printf("differs: %s\n", what.c_str());
+}
+
+void SoakNumbers() {
+    for (std::int32_t n = -1000; n < 1'000'000; ++n) {
+        const std::string code = Text(gen::NumToAlpha5(n));
+        Expect(code == literal::NumToAlpha5(n), "NumToAlpha5 of " + std::to_string(n));
+        if (n >= 0 && n < 340'000) Expect(gen::Alpha5ToNum(code) == n, "Alpha5ToNum of " + code);
+    }
+}
+
+void SoakCodes(int stride) {
+    // Digits at both ends, blank, signs, a point, letters at the gaps, a small one, NUL, a high
+    // byte.
+    constexpr std::string_view kAlphabet("09 -+.AHIZa\xff", 12);
+    constexpr int kCodes = 12 * 12 * 12 * 12 * 12;
+    for (int number = 0; number < kCodes; number += stride) {
+        std::string code;
+        for (int rest = number, i = 0; i < 5; ++i, rest /= 12)
+            code += kAlphabet[static_cast<std::size_t>(rest % 12)];
+        Expect(gen::Alpha5ToNum(code) == literal::Alpha5ToNum(code), "Alpha5ToNum of " + code);
+    }
+}
+
+void SoakAngles(int stride) {
+    constexpr int kTenths = 360 * 36000;
+    for (int tenth = -kTenths; tenth <= kTenths; tenth += stride) {
+        const double deg = tenth / 36000.0;
+        Expect(Text(gen::DegToDDMMSSSSS_Str(deg)) == literal::DegreeText(deg),
+               "DegToDDMMSSSSS_Str of " + std::to_string(deg));
+        Expect(Text(gen::DegToHHMMSSS_Str(deg)) == literal::HourText(deg),
+               "DegToHHMMSSS_Str of " + std::to_string(deg));
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int stride = argc > 1 ? std::atoi(argv[1]) : 1;
+    if (stride < 1) return 2;
+    SoakNumbers();
+    SoakCodes(stride);
+    SoakAngles(stride);
+    std::printf("%ld differences\n", differences);
+    return differences == 0 ? 0 : 1;
+}
