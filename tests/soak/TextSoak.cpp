@@ -4,8 +4,8 @@
 //     for
 //                                   a night. Prints the differences, and exits with 1 if there are
 //                                   any
-#include "LiteralNumbers.hpp"
-#include "NumberEnvironment.hpp"
+#include "text/LiteralNumbers.hpp"
+#include "text/NumberEnvironment.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 
