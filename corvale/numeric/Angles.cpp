@@ -139,7 +139,7 @@ void DegToDDMMSSS(double deg, std::int32_t& dd, std::int32_t& mm, double& ss) no
 }
 
 std::array<char, 11> DegToDDMMSSSSS_Str(double deg) noexcept {
-    const Characters sign = deg < 0.0 ? '-' : '0';
+    const Characters sign = deg < 0.0 ? Characters{'-'} : Characters{'0'};
     if (!HasWholeDegrees(deg)) return TextOf<11>((kMarks & ~Characters{0xFF}) | sign, kMarks);
 
     const DegreeParts parts = SplitDegrees(deg);

@@ -10,8 +10,8 @@ RangeStack::RangeStack(std::int32_t n) noexcept : size_(static_cast<std::size_t>
     const std::size_t bytes = size_ * sizeof(std::int32_t);
     entries_ = static_cast<std::int32_t*>(std::malloc(bytes));
     if (entries_ != nullptr) return;
-    std::fprintf(stderr, "Error allocating %lu bytes\n", static_cast<unsigned long>(bytes));
-    std::exit(EXIT_FAILURE);
+    (void)std::fprintf(stderr, "Error allocating %lu bytes\n", static_cast<unsigned long>(bytes));
+    std::exit(EXIT_FAILURE);  // NOLINT(concurrency-mt-unsafe): other threads end with the process
 }
 
 RangeStack::~RangeStack() {

@@ -34,6 +34,12 @@ Difference FindDifference(const KeyRange& range) noexcept {
             8 * last - static_cast<std::size_t>(std::countr_zero(bits[last - 1])) / 8};
 }
 
+bool IsSorted(const KeyRange& range) noexcept {
+    for (std::size_t i = 1; i < range.count; ++i)
+        if (IsLess(range.keys[i], range.keys[i - 1])) return false;
+    return true;
+}
+
 void Load(const KeyRange& range, std::size_t offset, std::uint64_t* words) noexcept {
     const std::size_t inside = std::min(offset, kKeyBytes - 8);
     const std::size_t shift = 8 * (offset - inside);
@@ -143,6 +149,7 @@ void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t be
 }  // namespace
 
 void SortShortRange(const KeyRange& range, std::size_t begin, RangeStack& pending) noexcept {
+    if (IsSorted(range)) return;
     const Difference difference = FindDifference(range);
     if (difference.end == 0) return;
 

@@ -14,7 +14,9 @@ namespace corvale::Sorting {
 // The ranges that are still to be sorted wait on a stack. Each step sorts one or splits it by bytes
 // of its keys that differ; a byte that all keys of a range share is never looked at again, so each
 // key takes part in a bounded number of steps.
-void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noexcept {
+void QuickSortIterative(
+    std::int32_t n, Key* keys,
+    std::int64_t* companion) noexcept {  // NOLINT(readability-non-const-parameter)
     if (n < 2) return;
     internal::RangeStack pending(n);
     const internal::KeyRange all{keys, companion, static_cast<std::size_t>(n)};
@@ -33,18 +35,18 @@ void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noex
 
 std::int32_t Partition(std::int32_t low, std::int32_t high, Key* keys,
                        std::int64_t* companion) noexcept {
-    Key* const key = keys - 1;  // positions count from 1
-    std::int64_t* const integer = companion - 1;
-    std::int32_t last = low - 1;  // of those less than the pivot
-    for (std::int32_t j = low; j < high; ++j) {
-        if (!internal::IsLess(key[j], key[high])) continue;
-        ++last;
-        std::swap(key[last], key[j]);
-        std::swap(integer[last], integer[j]);
-    }
-    std::swap(key[last + 1], key[high]);
-    std::swap(integer[last + 1], integer[high]);
-    return last + 1;
+    const auto isLess = [keys](std::int32_t a, std::int32_t b) {
+        return internal::IsLess(keys[a - 1], keys[b - 1]);
+    };
+    const auto exchange = [keys, companion](std::int32_t a, std::int32_t b) {
+        std::swap(keys[a - 1], keys[b - 1]);
+        std::swap(companion[a - 1], companion[b - 1]);
+    };
+    std::int32_t behind = low;  // the first position that is not known to hold a lesser key
+    for (std::int32_t j = low; j < high; ++j)
+        if (isLess(j, high)) exchange(behind++, j);
+    exchange(behind, high);
+    return behind;
 }
 
 void Swap_Str(Key& a, Key& b) noexcept {

@@ -35,11 +35,14 @@ void ExpectSorted(const std::vector<Key>& before) {
     }
 }
 
+// Around the lengths at which the method changes.
+constexpr std::size_t kSizes[] = {1,   2,   3,   5,   8,   9,    10,   16,   17,   64,   100,
+                                  255, 256, 257, 300, 511, 1000, 1279, 1281, 2600, 5000, 20000};
+
 TEST(QuickSortIterative, SortsEveryPatternAndSize) {
     std::mt19937_64 random(1);
     for (int pattern = 0; pattern < test::kPatterns; ++pattern) {
-        for (const std::size_t n : {1,   2,   3,   5,   8,    9,    10,   17,   64,   100,  255,
-                                    256, 257, 300, 511, 1000, 1279, 1281, 2600, 5000, 20000}) {
+        for (const std::size_t n : kSizes) {
             SCOPED_TRACE(std::string(test::kPatternNames[pattern]) + ", n = " + std::to_string(n));
             ExpectSorted(test::MakeKeys(static_cast<Pattern>(pattern), n, random));
             if (HasFatalFailure()) return;
