@@ -61,6 +61,14 @@ double RealAt(std::string_view text, std::size_t first) noexcept {
     return internal::ToDouble(number);
 }
 
+// 0 where the value is out of range.
+std::int32_t ToInteger(std::uint64_t magnitude, bool isNegative) noexcept {
+    constexpr std::uint64_t kGreatest = std::numeric_limits<std::int32_t>::max();
+    if (magnitude > kGreatest + (isNegative ? 1 : 0)) return 0;
+    const auto value = static_cast<std::int64_t>(magnitude);
+    return static_cast<std::int32_t>(isNegative ? -value : value);
+}
+
 // The integer at position `first` of `text`, likewise.
 std::int32_t IntegerAt(std::string_view text, std::size_t first) noexcept {
     if (text.size() - first > kIntegerWidth) text = text.substr(0, first + kIntegerWidth);
@@ -71,10 +79,7 @@ std::int32_t IntegerAt(std::string_view text, std::size_t first) noexcept {
     std::uint64_t magnitude = 0;
     const std::size_t end = internal::TakeDigits(text, at, magnitude);
     if (end < text.size() && kIntegerCharacters(text[end])) return 0;  // a sign that is not first
-    constexpr std::uint64_t kGreatest = std::numeric_limits<std::int32_t>::max();
-    if (magnitude > kGreatest + (isNegative ? 1 : 0)) return 0;
-    const auto value = static_cast<std::int64_t>(magnitude);
-    return static_cast<std::int32_t>(isNegative ? -value : value);
+    return ToInteger(magnitude, isNegative);
 }
 
 // What follows the first "=" of an input line, without its leading blanks; empty without "=".
@@ -139,6 +144,11 @@ double InputStrToReal(std::string_view line) noexcept {
 }
 
 std::int32_t StrToInt(std::string_view text) noexcept {
+    // A point at the end is no part of the integer and does no harm.
+    internal::AlignedDecimal decimal;
+    if (text.size() <= kIntegerWidth && internal::ReadAlignedDecimal(text, decimal) &&
+        decimal.decimals == 0)
+        return ToInteger(decimal.digits, decimal.isNegative);
     std::size_t first = internal::LeadingBlanks(text);
     while (first < text.size() && !kIntegerCharacters(text[first])) ++first;
     return IntegerAt(text, first);

@@ -95,12 +95,6 @@ TEST(Fx0ToSignAx, WritesInEveryRoundingMode) {
     CheckWriter<Fx0ToSignAx>(kWithSign);
 }
 
-TEST(Fx0ToAx, WritesWhereTheDecimalPointIsAComma) {
-    const CommaLocaleScope locale;
-    ASSERT_TRUE(locale.IsComma());
-    CheckWriter<Fx0ToAx>(kPlain);
-}
-
 struct RowCase {
     std::string_view row;
     std::string_view compressed;

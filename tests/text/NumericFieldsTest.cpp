@@ -38,6 +38,8 @@ constexpr RealCase kReals[] = {
     {"+1234567890123456", 1234567890123456.0, "sixteen digits after a sign"},
     {"   -   5", 0.0, "a sign alone, then something else"},
     {"   1 2.5", 1.0, "ends at the blank"},
+    {"12              345.5", 12.0, "the first of two, far from the right end"},
+    {"x               345.5", 0.0, "nothing before another character"},
     {"   1.2.3", 0.0, "a second point"},
     {"   .1.23", 0.0, "a second point, the first in front"},
     {"    +.-5", 0.0, "a point alone, then an exponent"},
@@ -70,6 +72,10 @@ constexpr RealCase kReals[] = {
     {"9007199254740993", 9007199254740992.0, "halfway goes to even"},
     {"9007199254740993.00000000000000000000000000000001", 9007199254740994.0, "all digits count"},
     {"9007199254740992.99999999999999999999999999999999", 9007199254740992.0, "from below, too"},
+    {"9007199254740993.00010", 9007199254740994.0, "a zero after the digit that decides"},
+    {"0.500000000000000055511151231257827021181583404541015625", 0.5, "a long halfway to even"},
+    {"0.500000000000000166533453693773481063544750213623046875", 0x1.0000000000002p-1,
+     "and upwards"},
     {"00000000000000000000000000000000000000000000000000001.5", 1.5, "zeros in front do not count"},
     {"0.000000000000000000000000000000000000000000000000015", 1.5e-50, "nor after the point"},
     {"1e23", 1e23, "just below halfway"},
@@ -112,11 +118,17 @@ TEST(StrToReal, ReadsFieldsInEveryRoundingMode) {
     CheckReals(page);
 }
 
-TEST(StrToReal, ReadsFieldsWhereTheDecimalPointIsAComma) {
+// Of the writers only many decimals are left to the standard library.
+TEST(Numbers, AreTheSameWhereTheDecimalPointIsAComma) {
     GuardedPage page;
     const CommaLocaleScope locale;
     ASSERT_TRUE(locale.IsComma());
     CheckReals(page);
+    std::string text(25, '?');
+    Fx0ToAx(-0.1, 25, text);
+    EXPECT_EQ(text, "-.10000000000000000555111");
+    Fx0ToAx(-0.1, 5, text);
+    EXPECT_EQ(text, "-.100                    ");
 }
 
 struct IntegerCase {
