@@ -3,6 +3,7 @@
 // A list is meant for positive integers; 0 marks an empty place. `n` is its count on entry and the
 // count of what is kept on return.
 //
+// Shape      `list` holds `n` elements
 // Bad input  `n` below 1: nothing happens, `list` may be null. Negative integers are described with
 //            the procedures
 // Aliasing   `list` is changed in place; `n` is not one of its elements

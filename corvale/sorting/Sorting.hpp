@@ -6,6 +6,7 @@
 // from 1.
 //
 // Shape      `keys` and `companion` hold `n` elements each
+// Bad input  every key is usable; counts and positions are described with the procedures
 // Aliasing   both are changed in place and do not overlap
 // Threads    no state: any number of threads at once on different lists
 #pragma once
