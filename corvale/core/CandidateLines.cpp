@@ -56,7 +56,6 @@ const char* NextCandidate(const char* at, const char* end) noexcept {
             const void* lineEnd = std::memchr(at, '\n', static_cast<std::size_t>(blockEnd - at));
             at = lineEnd == nullptr ? blockEnd : static_cast<const char*>(lineEnd) + 1;
         }
-        if (at < end && NearCandidateLoop::IsCandidate(at)) return at;
     }
     return end;
 }

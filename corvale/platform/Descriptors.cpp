@@ -3,9 +3,11 @@
 #include <corvale/platform/SignalHold.hpp>
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <unistd.h>
 #include <algorithm>
 #include <array>
@@ -84,6 +86,13 @@ bool IsText(int descriptor, const struct stat& status, FileAccess access) noexce
     return access != FileAccess::Read || isatty(descriptor) == 1 || IsNullDevice(status);
 }
 
+// An unnamed pipe, reached through a name like /dev/stdin, had its writer from the beginning.
+bool IsNamedPipe(int descriptor, const struct stat& status) noexcept {
+    struct statfs system = {};
+    return S_ISFIFO(status.st_mode) &&
+           !(fstatfs(descriptor, &system) == 0 && system.f_type == PIPEFS_MAGIC);
+}
+
 // A named pipe opens before its writer has come, and then reads as ended; once a writer is there it
 // has no data yet. A byte that the question itself takes out is kept in `file`.
 bool HasWriter(TextFile& file) noexcept {
@@ -128,7 +137,7 @@ bool Settle(TextFile& file, const char* path) noexcept {
     if (fstat(file.descriptor, &status) != 0) return false;
     if (!IsText(file.descriptor, status, file.access)) return false;
     if (file.access == FileAccess::Read) {
-        if (S_ISFIFO(status.st_mode) && !HasWriter(file)) return false;
+        if (IsNamedPipe(file.descriptor, status) && !HasWriter(file)) return false;
         return MakeBlocking(file.descriptor);
     }
     file.mayRaiseSignals = MayRaiseSignals(status);
