@@ -197,11 +197,15 @@ BENCHMARK_CAPTURE(Vectors, , ByAngle(RotateByEigen), ByAngle(gen::Rotate))
 
 using List = std::vector<std::int32_t>;
 
-List RandomList(std::int64_t length) {
+// Many different lists where they are short, so that none is learnt by heart.
+std::vector<List> RandomLists(std::int64_t length) {
     std::mt19937 random(4);
-    List list(static_cast<std::size_t>(length));
-    for (auto& value : list) value = static_cast<std::int32_t>(1 + random() % (2 * list.size()));
-    return list;
+    std::vector<List> lists(static_cast<std::size_t>(std::max<std::int64_t>(1, 100'000 / length)),
+                            List(static_cast<std::size_t>(length)));
+    for (List& list : lists)
+        for (auto& value : list)
+            value = static_cast<std::int32_t>(1 + random() % (2 * list.size()));
+    return lists;
 }
 
 void SortUnique(std::int32_t, std::int32_t* list, std::int32_t& n) {
@@ -215,23 +219,25 @@ void InOrder(std::int32_t, std::int32_t* list, std::int32_t& n) {
 
 template <void (*Process)(std::int32_t, std::int32_t*, std::int32_t&)>
 void Lists(benchmark::State& state) {
-    const List input = RandomList(state.range(0));
-    List list = input;
-    auto n = static_cast<std::int32_t>(list.size());
-    Process(1, list.data(), n);
-    List model = input;
-    auto count = static_cast<std::int32_t>(model.size());
+    const std::vector<List> input = RandomLists(state.range(0));
+    std::vector<List> lists = input;
+    auto n = static_cast<std::int32_t>(state.range(0));
+    auto count = n;
+    List model = input[0];
+    Process(1, lists[0].data(), n);
     SortUnique(1, model.data(), count);
-    std::sort(list.begin(), list.begin() + n);
-    if (n != count || !std::equal(list.begin(), list.begin() + n, model.begin()))
+    std::sort(lists[0].begin(), lists[0].begin() + n);
+    if (n != count || !std::equal(lists[0].begin(), lists[0].begin() + n, model.begin()))
         return state.SkipWithError("differs");
 
     for (auto _ : state) {
-        list = input;  // the same copy for all
-        n = static_cast<std::int32_t>(list.size());
-        Process(1, list.data(), n);
+        lists = input;  // the same copy for all
+        for (List& list : lists) {
+            n = static_cast<std::int32_t>(list.size());
+            Process(1, list.data(), n);
+        }
     }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetItemsProcessed(state.iterations() * std::ssize(lists) * state.range(0));
 }
 void Lengths(benchmark::internal::Benchmark* bench) {
     for (const int length : {30, 100, 1000, 10'000, 100'000, 1'000'000}) bench->Arg(length);

@@ -47,6 +47,9 @@ Scratch<T> TakeScratch(std::size_t count) noexcept {
 // Below this length the counters of a wide digit cost more than the passes they save.
 constexpr std::size_t kWideDigitLength = 4096;
 
+// Shorter lists are not worth an allocation.
+constexpr std::size_t kShortest = 256;
+
 // Sorts by 32-bit keys, lowest digit first, equal keys in their order; a digit that all keys share
 // costs no pass. `other` has room for as many; returns the one of the two that holds the result.
 // Three times as fast as std::sort on a million; bench: ISort in bench/SmallBench.cpp.
@@ -78,35 +81,52 @@ void ClearRepeats(const ValueAtPlace* sorted, std::size_t count, std::int32_t* l
         if (SortKey(sorted[i]) == SortKey(sorted[i + 1])) list[PlaceOf(sorted[i])] = 0;
 }
 
-// Sets to 0 what stands before place `end` and occurs among the sorted pairs.
-void ClearEarlier(const ValueAtPlace* sorted, std::size_t count, std::int32_t end,
-                  std::int32_t* list) noexcept {
-    for (std::int32_t place = 0; place < end; ++place) {
-        const ValueAtPlace* found = std::lower_bound(sorted, sorted + count, Pair(list[place], 0));
-        if (found != sorted + count && SortKey(*found) == SortKey(Pair(list[place], 0)))
-            list[place] = 0;
+// The values of a stretch of a list, 0 excepted. At most half full, so a search ends soon; however
+// the values are chosen it ends within the stretch.
+class StretchSet {
+  public:
+    static constexpr std::int32_t kMostValues = 256;
+
+    /// Adds `value`; false where it is there already.
+    bool Add(std::int32_t value) noexcept {
+        std::int32_t& slot = slots_[Find(value)];
+        if (slot == value) return false;
+        slot = value;
+        return true;
     }
-}
+    [[nodiscard]] bool Contains(std::int32_t value) const noexcept {
+        return slots_[Find(value)] == value;
+    }
 
-// Needs no memory: sorts stretches of this length on the stack, the last one first, and looks up
-// all that stands before. A list of one stretch is done without a look-up.
-constexpr std::int32_t kStretch = 256;
+  private:
+    static constexpr std::size_t kSlots = 2 * kMostValues;
 
+    // The slot that holds `value`, or the empty one where it belongs.
+    [[nodiscard]] std::size_t Find(std::int32_t value) const noexcept {
+        // 2^32 over the golden ratio, which spreads neighbours; the nine high bits are the slot.
+        std::size_t slot = static_cast<std::uint32_t>(value) * 0x9E3779B1U >> 23U;
+        while (slots_[slot] != 0 && slots_[slot] != value) slot = (slot + 1) % kSlots;
+        return slot;
+    }
+
+    std::array<std::int32_t, kSlots> slots_{};
+};
+
+// Needs no memory: takes stretches of the list, the last one first, and looks up all that stands
+// before each. A list of one stretch is done without that.
 void ClearRepeatsByStretches(std::int32_t* list, std::int32_t n) noexcept {
-    std::array<ValueAtPlace, kStretch> pairs;
-    for (std::int32_t end = n; end > 0; end -= kStretch) {
-        const std::int32_t begin = std::max(end - kStretch, 0);
-        const auto count = static_cast<std::size_t>(end - begin);
-        for (std::int32_t place = begin; place < end; ++place)
-            pairs[static_cast<std::size_t>(place - begin)] = Pair(list[place], place);
-        std::sort(pairs.data(), pairs.data() + count);
-        ClearRepeats(pairs.data(), count, list);
-        ClearEarlier(pairs.data(), count, begin, list);
+    for (std::int32_t end = n; end > 0; end -= StretchSet::kMostValues) {
+        const std::int32_t begin = std::max(end - StretchSet::kMostValues, 0);
+        StretchSet values;
+        for (std::int32_t place = end - 1; place >= begin; --place)
+            if (list[place] != 0 && !values.Add(list[place])) list[place] = 0;
+        for (std::int32_t place = 0; place < begin; ++place)
+            if (list[place] != 0 && values.Contains(list[place])) list[place] = 0;
     }
 }
 
 void ClearAllRepeats(std::int32_t* list, std::int32_t n) noexcept {
-    if (n <= kStretch) return ClearRepeatsByStretches(list, n);
+    if (n <= StretchSet::kMostValues) return ClearRepeatsByStretches(list, n);
     const auto count = static_cast<std::size_t>(n);
     const auto pairs = TakeScratch<ValueAtPlace>(2 * count);
     if (!pairs) return ClearRepeatsByStretches(list, n);
@@ -130,7 +150,7 @@ std::int32_t Pack(std::int32_t* list, std::int32_t n) noexcept {
 }
 
 void SortAscending(std::int32_t* list, std::size_t count) noexcept {
-    if (count > static_cast<std::size_t>(kStretch)) {
+    if (count > kShortest) {
         if (const auto other = TakeScratch<std::int32_t>(count)) {
             const std::int32_t* sorted = RadixSort(list, other.get(), count);
             if (sorted != list) std::copy(sorted, sorted + count, list);

@@ -11,7 +11,7 @@
 //
 // Scratch    lists of more than 256 take 16 bytes an element for the length of the call. Where the
 //            memory is not to be had the result is the same and nothing fails; the time then grows
-//            with the square of the length (about 10 s for a million). Otherwise the time grows
+//            with the square of the length (up to 20 s for a million). Otherwise the time grows
 //            with the length
 #pragma once
 

@@ -35,12 +35,14 @@ void Reverse(const KeyRange& range) noexcept {
     std::reverse(range.companion, range.companion + range.count);
 }
 
-// Merges the sorted left and right parts of `range` from the front. The left part, of `split` rows,
-// fits in `buffer`. Returns how many rows of each were still to come when the other ran out.
+// How many rows of two parts were still to come when one of them ran out.
 struct Rest {
     std::size_t left;
     std::size_t right;
 };
+
+// Merges the sorted left and right parts of `range` from the front. The left part, of `split` rows,
+// fits in `buffer`.
 Rest MergeForward(const KeyRange& range, std::size_t split, const KeyRange& buffer) noexcept {
     buffer.PutRows(0, range, 0, split);
     std::size_t left = 0;
