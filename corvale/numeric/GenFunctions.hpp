@@ -7,5 +7,9 @@
 // SatelliteKeys.hpp  the arithmetic of satellite keys
 #pragma once
 
+#include <corvale/numeric/Cholesky.hpp>
+#include <corvale/numeric/MatrixInversion.hpp>
+#include <corvale/numeric/PackedSymmetric.hpp>
 #include <corvale/numeric/SatelliteKeys.hpp>
 #include <corvale/numeric/SoftwareInfo.hpp>
+#include <corvale/numeric/Views.hpp>
