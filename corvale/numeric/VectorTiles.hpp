@@ -17,9 +17,7 @@
 
 // Vectors are handed only to functions that are always inlined, so how a call would pass them does
 // not matter.
-#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wpsabi"
-#endif
 
 namespace corvale::internal {
 
