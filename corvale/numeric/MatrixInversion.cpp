@@ -96,24 +96,49 @@ class Inversion {
 
     /// Writes what was reached as it is.
     void Write(const MatrixView<double>& result) const noexcept {
-        const auto n = static_cast<std::int32_t>(order_);
-        for (std::int32_t j = 1; j <= n; ++j)
-            for (std::int32_t i = 1; i <= n; ++i) result(i, j) = At(i, j);
+        ForEachPanelColumn(
+            [&](std::size_t row, std::size_t column, std::size_t count, const double* from) {
+                double* to = Place(result, row, column);
+                for (std::size_t i = 0; i < count; ++i)
+                    to[Offset(i) * result.RowStride()] = from[i];
+            });
     }
 
     /// Writes the inverse: element (s(r), j) is element (r, s(j)) of what was reached, s(r) being
     /// the step at which row r served as pivot row.
     void WriteInOrder(const MatrixView<double>& result) const noexcept {
-        const auto n = static_cast<std::int32_t>(order_);
         const std::int32_t* step = record_.stepOfRow;
-        for (std::int32_t j = 1; j <= n; ++j)
-            for (std::int32_t r = 1; r <= n; ++r) result(step[r - 1], j) = At(r, step[j - 1]);
+        for (std::size_t j = 0; j < order_; ++j) {
+            double* to = Place(result, 0, j);
+            const double* from = matrix_ + Offset(step[j] - 1) * Offset(panel_);
+            for (std::size_t row = 0; row < order_; row += panel_, from += panel_ * order_) {
+                const std::size_t count = std::min(panel_, order_ - row);
+                for (std::size_t i = 0; i < count; ++i)
+                    to[Offset(step[row + i] - 1) * result.RowStride()] = from[i];
+            }
+        }
     }
 
   private:
-    double& At(std::int32_t i, std::int32_t j) const noexcept {
-        const auto row = static_cast<std::size_t>(i - 1), column = static_cast<std::size_t>(j - 1);
-        return matrix_[row / panel_ * panel_ * order_ + column * panel_ + row % panel_];
+    template <class T>
+    static std::ptrdiff_t Offset(T count) noexcept {
+        return static_cast<std::ptrdiff_t>(count);
+    }
+
+    /// The element of `view` in row `row` and column `column`, counted from 0.
+    template <class T>
+    static T* Place(const MatrixView<T>& view, std::size_t row, std::size_t column) noexcept {
+        return view.Data() + Offset(row) * view.RowStride() + Offset(column) * view.ColumnStride();
+    }
+
+    /// Calls `visit(row, column, count, elements)` for every column of every panel, `count` being
+    /// how many of its rows belong to the matrix.
+    template <class Visit>
+    void ForEachPanelColumn(const Visit& visit) const noexcept {
+        for (std::size_t row = 0; row < order_; row += panel_)
+            for (std::size_t column = 0; column < order_; ++column)
+                visit(row, column, std::min(panel_, order_ - row),
+                      matrix_ + row * order_ + column * panel_);
     }
 
     void Begin() noexcept {
@@ -122,12 +147,11 @@ class Inversion {
     }
 
     void Load(const MatrixView<const double>& a) noexcept {
-        const auto length =
-            static_cast<std::int32_t>(RoundUp(order_, std::min(panel_, kLongestPanelRow)));
-        for (std::int32_t j = 1; j <= a.Columns(); ++j) {
-            for (std::int32_t i = 1; i <= a.Rows(); ++i) At(i, j) = a(i, j);
-            for (std::int32_t i = a.Rows() + 1; i <= length; ++i) At(i, j) = 0.0;
-        }
+        ForEachPanelColumn([&](std::size_t row, std::size_t column, std::size_t count, double* to) {
+            const double* from = Place(a, row, column);
+            for (std::size_t i = 0; i < count; ++i) to[i] = from[Offset(i) * a.RowStride()];
+            for (std::size_t i = count; i < panel_; ++i) to[i] = 0.0;
+        });
     }
 
     Outcome ReduceInPanels(const MatrixView<const double>& a) noexcept {
