@@ -2,6 +2,7 @@
 
 #include <corvale/numeric/CholeskyFactor.hpp>
 #include <corvale/numeric/CholeskyInverse.hpp>
+#include <corvale/numeric/CholeskySmall.hpp>
 #include <corvale/numeric/CholeskySolve.hpp>
 #include <corvale/numeric/Scratch.hpp>
 
@@ -26,6 +27,8 @@ constexpr std::size_t Room(std::size_t n, std::size_t matrices) noexcept {
     return (matrices * RoundUp(n, internal::kTileRows) + 4) * lanes;
 }
 
+// Up to here one row fits in the registers (CholeskySmall.hpp).
+constexpr std::size_t kSmallOrder = 12;
 // Up to here the factors fit in the frame of the call.
 constexpr std::size_t kOrderWithoutHeap = 16;
 
@@ -65,11 +68,22 @@ void Run(CholeskyWork& work) noexcept {
     }
 }
 
+/// False where the panels have to do it: the order is too large or something is not finite.
+template <bool rootFree>
+bool DoneSmall(const internal::SmallSystem& system) noexcept {
+    if (system.n > kSmallOrder) return false;
+    if constexpr (rootFree)
+        return internal::OnWidestLanes<internal::SolveSmallWithoutRoots>(&system);
+    return internal::OnWidestLanes<internal::SolveSmallWithRoots>(&system);
+}
+
 template <bool rootFree>
 void SolveAndInvert(const double* a, const double* b, std::int32_t order, double* inverse,
                     double* x) noexcept {
     if (order < 1) return;
     const auto n = static_cast<std::size_t>(order);
+    if (DoneSmall<rootFree>({a, b, n, inverse, x})) return;
+
     constexpr std::size_t kMatrices = rootFree ? 4 : 2;
     internal::Scratch<Room(kOrderWithoutHeap, kMatrices)> scratch(Room(n, kMatrices));
     if (scratch.Data() == nullptr) return FillWithNaN(n, inverse, x);
