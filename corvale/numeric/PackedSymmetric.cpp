@@ -17,8 +17,10 @@ using internal::Block;
 // bench/MatrixBench.cpp).
 constexpr std::size_t kBlockedOrder = 16;
 
-// Eight rows of a column are a cache line, so a line is fetched once and used whole.
+// Eight rows of a column are a cache line, so a line is fetched once and used whole. The columns of
+// a stripe lie in as many pages as the processor translates without a search.
 constexpr std::size_t kRows = 8;
+constexpr std::size_t kStripe = 64;
 
 /// Where row i, counted from 0, starts in the packed array.
 constexpr std::size_t RowStart(std::size_t i) noexcept {
@@ -30,80 +32,102 @@ constexpr std::size_t RowsAfter(std::size_t i, std::size_t r) noexcept {
     return r * i + r * (r + 1) / 2;
 }
 
-/// Packs rows `firstRow` to `endRow` of the columns from `firstColumn` to `endColumn`, one by one.
-CORVALE_LOOP void PackPlain(const double* square, std::size_t columnStride, std::size_t firstRow,
-                            std::size_t endRow, std::size_t firstColumn, std::size_t endColumn,
-                            double* packed) noexcept {
-    for (std::size_t i = firstRow; i < endRow; ++i)
-        for (std::size_t j = firstColumn; j < std::min(endColumn, i + 1); ++j)
-            packed[RowStart(i) + j] = square[j * columnStride + i];
+/// How many columns are taken together. Columns that lie a multiple of 512 bytes apart share few
+/// places in the first-level cache.
+constexpr std::size_t StripeWidth(std::size_t columnStride) noexcept {
+    return columnStride % 64 == 0 ? kRows : kStripe;
 }
 
-/// Unpacks the elements below and on the diagonal, likewise.
-CORVALE_LOOP void UnpackPlain(const double* packed, std::size_t firstRow, std::size_t endRow,
-                              std::size_t firstColumn, std::size_t endColumn, double* square,
-                              std::size_t columnStride) noexcept {
-    for (std::size_t i = firstRow; i < endRow; ++i)
-        for (std::size_t j = firstColumn; j < std::min(endColumn, i + 1); ++j)
-            square[j * columnStride + i] = packed[RowStart(i) + j];
-}
+/// One way between the two forms: where an element lies, and what a block of them goes through.
+struct Pack {
+    const double* square;
+    std::size_t columnStride;
+    double* packed;
 
-/// Packs a matrix stored by columns: stripes of columns, in them blocks that are turned.
-template <class L>
-struct PackByColumns {
-    CORVALE_LOOP void operator()(const double* square, std::size_t n, std::size_t columnStride,
-                                 double* packed) const noexcept {
-        for (std::size_t j = 0; j < n; j += kRows) {
-            const std::size_t diagonalEnd = std::min(j + kRows, n);
-            PackPlain(square, columnStride, j, diagonalEnd, j, diagonalEnd, packed);
-            std::size_t i = diagonalEnd;
-            for (; i + kRows <= n; i += kRows) PackBlock(square, columnStride, i, j, packed);
-            PackPlain(square, columnStride, i, n, j, diagonalEnd, packed);
-        }
+    CORVALE_LOOP void Element(std::size_t i, std::size_t j) const noexcept {
+        packed[RowStart(i) + j] = square[j * columnStride + i];
     }
-    CORVALE_LOOP static void PackBlock(const double* square, std::size_t columnStride,
-                                       std::size_t row, std::size_t column,
-                                       double* packed) noexcept {
-        for (std::size_t j = column; j < column + kRows; j += L::kLanes)
-            for (std::size_t i = row; i < row + kRows; i += L::kLanes) {
-                Block<L> block;
-                const double* from = square + j * columnStride + i;
-                double* to = packed + RowStart(i) + j;
-                block.Load([=](std::size_t c) { return from + c * columnStride; });
-                block.Turn();
-                block.Store([=](std::size_t r) { return to + RowsAfter(i, r); });
-            }
+    template <class L>
+    CORVALE_LOOP void Move(std::size_t i, std::size_t j) const noexcept {
+        const double* from = square + j * columnStride + i;
+        double* to = packed + RowStart(i) + j;
+        Block<L> block;
+        block.Load([=, *this](std::size_t c) { return from + c * columnStride; });
+        block.Turn();
+        block.Store([=](std::size_t r) { return to + RowsAfter(i, r); });
     }
 };
 
-/// Unpacks to a matrix stored by columns: each packed row is the upper part of a column as it is,
-/// and turned in blocks the lower part of a stripe of columns.
-template <class L>
-struct UnpackByColumns {
-    CORVALE_LOOP void operator()(const double* packed, std::size_t n, double* square,
-                                 std::size_t columnStride) const noexcept {
-        for (std::size_t j = 0; j < n; j += kRows) {
-            const std::size_t diagonalEnd = std::min(j + kRows, n);
-            for (std::size_t c = j; c < diagonalEnd; ++c)
-                std::memmove(square + c * columnStride, packed + RowStart(c),
-                             (c + 1) * sizeof(double));
-            UnpackPlain(packed, j, diagonalEnd, j, diagonalEnd, square, columnStride);
-            std::size_t i = diagonalEnd;
-            for (; i + kRows <= n; i += kRows) UnpackBlock(packed, i, j, square, columnStride);
-            UnpackPlain(packed, i, n, j, diagonalEnd, square, columnStride);
+struct Unpack {
+    const double* packed;
+    double* square;
+    std::size_t columnStride;
+
+    CORVALE_LOOP void Element(std::size_t i, std::size_t j) const noexcept {
+        square[j * columnStride + i] = packed[RowStart(i) + j];
+    }
+    template <class L>
+    CORVALE_LOOP void Move(std::size_t i, std::size_t j) const noexcept {
+        const double* from = packed + RowStart(i) + j;
+        double* lower = square + j * columnStride + i;
+        Block<L> block;
+        block.Load([=](std::size_t r) { return from + RowsAfter(i, r); });
+        block.Turn();
+        block.Store([=, *this](std::size_t c) { return lower + c * columnStride; });
+    }
+};
+
+/// Rows `row` to `rowEnd` of the columns `column` to `columnEnd`, up to the diagonal.
+template <class L, class Way>
+CORVALE_LOOP void WalkBand(const Way& way, std::size_t row, std::size_t rowEnd, std::size_t column,
+                           std::size_t columnEnd) noexcept {
+    const std::size_t whole = std::min(columnEnd, row) / L::kLanes * L::kLanes;
+    const std::size_t wholeRows = row + (rowEnd - row) / L::kLanes * L::kLanes;
+    for (std::size_t i = row; i < wholeRows; i += L::kLanes)
+        for (std::size_t j = column; j < whole; j += L::kLanes) way.template Move<L>(i, j);
+    for (std::size_t i = wholeRows; i < rowEnd; ++i)
+        for (std::size_t j = column; j < whole; ++j) way.Element(i, j);
+    for (std::size_t i = row; i < rowEnd; ++i)
+        for (std::size_t j = std::max(whole, column); j < std::min(columnEnd, i + 1); ++j)
+            way.Element(i, j);
+}
+
+/// kRows rows of as many columns.
+template <class L, class Way>
+CORVALE_LOOP void MoveWhole(const Way& way, std::size_t row, std::size_t column) noexcept {
+    for (std::size_t j = column; j < column + kRows; j += L::kLanes)
+        for (std::size_t i = row; i < row + kRows; i += L::kLanes) way.template Move<L>(i, j);
+}
+
+/// Walks the lower triangle in stripes of kStripe columns, in them in bands of kRows rows, in those
+/// in square blocks; what does not fill a block goes element by element.
+template <class L, class Way>
+CORVALE_LOOP void WalkTriangle(const Way& way, std::size_t n, std::size_t width) noexcept {
+    for (std::size_t stripe = 0; stripe < n; stripe += width) {
+        const std::size_t stripeEnd = std::min(stripe + width, n);
+        for (std::size_t band = stripe; band < n; band += kRows) {
+            if (width == kRows && band >= stripeEnd && band + kRows <= n) {
+                MoveWhole<L>(way, band, stripe);
+            } else {
+                WalkBand<L>(way, band, std::min(band + kRows, n), stripe, stripeEnd);
+            }
         }
     }
-    CORVALE_LOOP static void UnpackBlock(const double* packed, std::size_t row, std::size_t column,
-                                         double* square, std::size_t columnStride) noexcept {
-        for (std::size_t j = column; j < column + kRows; j += L::kLanes)
-            for (std::size_t i = row; i < row + kRows; i += L::kLanes) {
-                Block<L> block;
-                const double* from = packed + RowStart(i) + j;
-                double* to = square + j * columnStride + i;
-                block.Load([=](std::size_t r) { return from + RowsAfter(i, r); });
-                block.Turn();
-                block.Store([=](std::size_t c) { return to + c * columnStride; });
-            }
+}
+
+template <class L>
+struct PackByColumns {
+    CORVALE_LOOP void operator()(Pack way, std::size_t n) const noexcept {
+        WalkTriangle<L>(way, n, StripeWidth(way.columnStride));
+    }
+};
+template <class L>
+struct UnpackByColumns {
+    CORVALE_LOOP void operator()(Unpack way, std::size_t n) const noexcept {
+        for (std::size_t i = 0; i < n; ++i)
+            std::memmove(way.square + i * way.columnStride, way.packed + RowStart(i),
+                         (i + 1) * sizeof(double));
+        WalkTriangle<L>(way, n, StripeWidth(way.columnStride));
     }
 };
 
@@ -133,8 +157,8 @@ void SqrMtx2Lta(MatrixView<const double> square, VectorView<double> packed) noex
     if (n == 0 || square.Columns() < n || !fits) return;
     if (WorthBlocks(packed, square.RowStride(), square.ColumnStride(), n))
         return internal::OnWidestLanes<PackByColumns>(
-            square.Data(), static_cast<std::size_t>(n),
-            static_cast<std::size_t>(square.ColumnStride()), packed.Data());
+            Pack{square.Data(), static_cast<std::size_t>(square.ColumnStride()), packed.Data()},
+            static_cast<std::size_t>(n));
 
     std::int32_t position = 0;
     for (std::int32_t i = 1; i <= n; ++i)
@@ -146,8 +170,8 @@ void Lta2SqrMtx(VectorView<const double> packed, MatrixView<double> square) noex
     if (n == 0 || square.Rows() < n || square.Columns() < n) return;
     if (WorthBlocks(packed, square.RowStride(), square.ColumnStride(), n))
         return internal::OnWidestLanes<UnpackByColumns>(
-            packed.Data(), static_cast<std::size_t>(n), square.Data(),
-            static_cast<std::size_t>(square.ColumnStride()));
+            Unpack{packed.Data(), square.Data(), static_cast<std::size_t>(square.ColumnStride())},
+            static_cast<std::size_t>(n));
 
     std::int32_t position = 0;
     for (std::int32_t i = 1; i <= n; ++i)
