@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <vector>
 
 extern "C" {
@@ -120,10 +121,20 @@ bool Agree(const Matrix& one, const Matrix& other) {
     return difference <= 1e-6 * largest;  // the peers round differently
 }
 
+/// The matrix of an order, made once: that takes longer than most of what is measured.
+template <Matrix (*make)(Int)>
+const Matrix& Given(Int n) {
+    static std::map<Int, Matrix> made;
+    Matrix& matrix = made[n];
+    if (matrix.empty()) matrix = make(n);
+    return matrix;
+}
+
 template <Solver solve>
 void SolveAndInvert(benchmark::State& state) {
     const auto n = static_cast<Int>(state.range(0));
-    const Matrix a = test::PositiveDefinite(n), b = test::RandomMatrix(n, 1, n);
+    const Matrix& a = Given<test::PositiveDefinite>(n);
+    const Matrix b = test::RandomMatrix(n, 1, n);
     Matrix inverse(a.size()), x(b.size()), wanted(a.size()), wantedX(b.size());
     CorvaleCholesky(a.data(), b.data(), n, wanted.data(), wantedX.data());
     solve(a.data(), b.data(), n, inverse.data(), x.data());
@@ -137,7 +148,7 @@ void SolveAndInvert(benchmark::State& state) {
 template <Inverter invert, Matrix (*make)(Int)>
 void Invert(benchmark::State& state) {
     const auto n = static_cast<Int>(state.range(0));
-    const Matrix a = make(n);
+    const Matrix& a = Given<make>(n);
     Matrix result(a.size()), wanted(a.size());
     CorvaleMtxInv(a.data(), n, wanted.data());
     invert(a.data(), n, result.data());
@@ -166,11 +177,10 @@ void Packed(benchmark::State& state) {
 }
 
 void Orders(benchmark::internal::Benchmark* bench) {
-    for (const Int n : {3, 6, 10, 16, 32, 64, 100, 128, 200, 256, 300, 500, 512, 1000, 1024})
-        bench->Arg(n);
+    for (const Int n : {3, 6, 10, 16, 32, 64, 100, 128, 200, 300, 500, 512, 1000}) bench->Arg(n);
 }
 void PackedOrders(benchmark::internal::Benchmark* bench) {
-    for (const Int n : {6, 32, 100, 128, 200, 256, 300, 500, 512, 1000, 1024}) bench->Arg(n);
+    for (const Int n : {6, 32, 100, 128, 200, 300, 500, 512, 1000}) bench->Arg(n);
 }
 
 BENCHMARK(SolveAndInvert<CorvaleCholesky>)->Name("Cholesky/Corvale")->Apply(Orders);

@@ -30,11 +30,14 @@ inline double& Element(Matrix& m, std::int32_t n, std::int32_t i, std::int32_t j
 
 /// M M' + 0.1 I for a random M.
 inline Matrix PositiveDefinite(std::int32_t n) {
-    Matrix m = RandomMatrix(n, n, n), a(m.size());
+    const Matrix m = RandomMatrix(n, n, n);
+    const auto order = static_cast<std::size_t>(n);
+    Matrix a(m.size());
     for (std::int32_t j = 0; j < n; ++j)
         for (std::int32_t i = 0; i < n; ++i) {
             double sum = i == j ? 0.1 : 0.0;
-            for (std::int32_t k = 0; k < n; ++k) sum += Element(m, n, i, k) * Element(m, n, j, k);
+            for (std::size_t k = 0; k < m.size(); k += order)
+                sum += m[k + static_cast<std::size_t>(i)] * m[k + static_cast<std::size_t>(j)];
             Element(a, n, i, j) = sum;
         }
     return a;
