@@ -105,14 +105,14 @@ struct Factor {
             alignas(64) double row[L::kPanel];
             At<V>(row) = sums.row[r][0], At<V>(row + L::kLanes) = sums.row[r][1];
             const double pivot = NextPivot(work, k + r, given[r * L::kPanel + at], row[at]);
-            const V position = V{} + static_cast<double>(at);
+            const V position = Splat<V>(static_cast<double>(at));
 #pragma GCC unroll 2
             for (std::size_t h = 0; h < 2; ++h) {
                 const V zero{}, lanes = LaneNumbers<L>::Half(h);
                 V rest = At<V>(given + r * L::kPanel + h * L::kLanes) - sums.row[r][h];
                 rest = lanes > position ? rest : zero;
                 V u = rootFree ? rest * work.reciprocals[k + r] : rest / pivot;
-                u = lanes == position ? zero + (rootFree ? 1.0 : pivot) : u;
+                u = lanes == position ? Splat<V>(rootFree ? 1.0 : pivot) : u;
                 Keep(work, k + r, lane + h * L::kLanes, u);
                 AddToRowsBelow(work, k, r, h, u, sums);
             }

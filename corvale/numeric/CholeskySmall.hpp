@@ -72,7 +72,7 @@ struct SolveSmall {
     }
 
     CORVALE_LOOP static V Position(std::size_t lane) noexcept {
-        return V{} + static_cast<double>(lane);
+        return Splat<V>(static_cast<double>(lane));
     }
     CORVALE_LOOP static V Numbers(std::size_t vector) noexcept {
         V numbers;
@@ -96,7 +96,7 @@ struct SolveSmall {
         for (std::size_t c = 0; c < kVectors; ++c) {
             const V rest = Numbers(c) > Position(k) ? work.given[k].v[c] - sum.v[c] : V{};
             const V u = rootFree ? rest * reciprocal : rest / pivot;
-            work.u[k].v[c] = Numbers(c) == Position(k) ? V{} + (rootFree ? 1.0 : pivot) : u;
+            work.u[k].v[c] = Numbers(c) == Position(k) ? Splat<V>(rootFree ? 1.0 : pivot) : u;
             work.check[c] += work.u[k].v[c] * 0.0;
         }
     }
@@ -130,7 +130,7 @@ struct SolveSmall {
 #pragma GCC unroll 8
         for (std::size_t c = 0; c < kVectors; ++c) {
             const V above = Numbers(c) < Position(k) ? -(sum.v[c] * diagonal) : V{};
-            work.w[k].v[c] = Numbers(c) == Position(k) ? V{} + diagonal : above;
+            work.w[k].v[c] = Numbers(c) == Position(k) ? Splat<V>(diagonal) : above;
             work.check[c] += work.w[k].v[c] * 0.0;
             if constexpr (rootFree) {
                 work.z[k].v[c] = work.w[k].v[c] * work.reciprocals[k];

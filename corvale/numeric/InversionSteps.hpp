@@ -10,6 +10,7 @@
 
 #include <corvale/numeric/VectorTiles.hpp>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -114,5 +115,61 @@ struct InvertBySteps {
         return record->order;
     }
 };
+
+/// All steps on a matrix whose columns are `length` long: w stays in registers, and element `row`
+/// is set by a choice of lanes, because a vector that is loaded right after one of its elements was
+/// stored has to wait (Inverse/3 to /12 in bench/MatrixBench.cpp).
+template <class L, std::size_t length>
+struct InvertShort {
+    using V = typename L::Vector;
+    static constexpr std::size_t kVectors = length / L::kLanes;
+
+    CORVALE_LOOP std::size_t operator()(double* matrix, const PivotRecord* record) const noexcept {
+        const std::size_t order = std::min(record->order, length);
+        for (std::size_t k = 0; k < order; ++k) {
+            const std::size_t row = TakePivot<L>(matrix + k * length, k, record);
+            if (row == kNoPivot) return k;
+            Step(matrix, order, k, row);
+        }
+        return order;
+    }
+    CORVALE_LOOP static void Step(double* matrix, std::size_t order, std::size_t own,
+                                  std::size_t row) noexcept {
+        double* pivotColumn = matrix + own * length;
+        const double q = 1.0 / pivotColumn[row];
+        V w[kVectors];
+#pragma GCC unroll 8
+        for (std::size_t c = 0; c < kVectors; ++c) {
+            const V product = At<V>(pivotColumn + c * L::kLanes) * q;
+            w[c] = IsRow(c, row) ? Splat<V>(q) : product;
+        }
+        for (std::size_t j = 0; j < order; ++j) {
+            if (j == own) continue;
+            double* column = matrix + j * length;
+            const double t = column[row];
+#pragma GCC unroll 8
+            for (std::size_t c = 0; c < kVectors; ++c) {
+                V& part = At<V>(column + c * L::kLanes);
+                part = (IsRow(c, row) ? V{} : part) - w[c] * t;
+            }
+        }
+#pragma GCC unroll 8
+        for (std::size_t c = 0; c < kVectors; ++c) At<V>(pivotColumn + c * L::kLanes) = w[c];
+    }
+    /// All bits set in the lane of `row`, none in the others.
+    CORVALE_LOOP static auto IsRow(std::size_t vector, std::size_t row) noexcept {
+        V numbers;
+        for (std::size_t i = 0; i < L::kLanes; ++i)
+            numbers[i] = static_cast<double>(vector * L::kLanes + i);
+        return numbers == Splat<V>(static_cast<double>(row));
+    }
+};
+
+template <class L>
+struct Invert4 : InvertShort<L, 4> {};
+template <class L>
+struct Invert8 : InvertShort<L, 8> {};
+template <class L>
+struct Invert12 : InvertShort<L, 12> {};
 
 }  // namespace corvale::internal

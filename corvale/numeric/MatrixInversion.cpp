@@ -89,9 +89,9 @@ class Inversion {
             if (outcome != Outcome::kNotFinite) return outcome == Outcome::kDone;
         }
         Begin();
-        panel_ = length_;
+        panel_ = order_ <= 12 ? RoundUp(order_, 4) : length_;
         Load(a);
-        return OnWidestLanes<InvertBySteps>(matrix_, length_, &record_, w_) == order_;
+        return ReduceBySteps() == order_;
     }
 
     /// Writes what was reached as it is.
@@ -152,6 +152,13 @@ class Inversion {
             for (std::size_t i = 0; i < count; ++i) to[i] = from[Offset(i) * a.RowStride()];
             for (std::size_t i = count; i < panel_; ++i) to[i] = 0.0;
         });
+    }
+
+    std::size_t ReduceBySteps() noexcept {
+        if (order_ <= 4) return OnWidestLanes<Invert4>(matrix_, &record_);
+        if (order_ <= 8) return OnWidestLanes<Invert8>(matrix_, &record_);
+        if (order_ <= 12) return OnWidestLanes<Invert12>(matrix_, &record_);
+        return OnWidestLanes<InvertBySteps>(matrix_, length_, &record_, w_);
     }
 
     Outcome ReduceInPanels(const MatrixView<const double>& a) noexcept {

@@ -64,6 +64,12 @@ CORVALE_LOOP const V& At(const double* p) noexcept {
     return *reinterpret_cast<const V*>(p);
 }
 
+/// `value` in every lane, a -0.0 as well.
+template <class V>
+CORVALE_LOOP V Splat(double value) noexcept {
+    return value - V{};
+}
+
 /// Four rows of a panel, each in two vectors, held in registers: every loop below is unrolled, so
 /// that no index is left at run time.
 template <class L>
