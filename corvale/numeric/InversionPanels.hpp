@@ -34,7 +34,7 @@ struct InversionWork {
     PivotRecord record;
 };
 
-enum class Outcome { kDone, kStopped, kNotFinite };
+enum class Outcome { Done, Stopped, NotFinite };
 
 template <class L>
 struct InvertByPanels {
@@ -46,13 +46,13 @@ struct InvertByPanels {
             const std::size_t end = std::min(k + kOuterSteps, n);
             std::size_t made = 0;
             std::fill(work->pivotW, work->pivotW + kOuterSteps * kOuterSteps, 0.0);
-            if (!ReduceGroup(*work, k, end, made)) return Outcome::kNotFinite;
+            if (!ReduceGroup(*work, k, end, made)) return Outcome::NotFinite;
             if (!OnLanes<TakeStepsToColumns, L>(work, std::size_t{0}, made, std::size_t{0}, k) ||
                 !OnLanes<TakeStepsToColumns, L>(work, std::size_t{0}, made, end, n))
-                return Outcome::kNotFinite;
-            if (k + made < end) return Outcome::kStopped;
+                return Outcome::NotFinite;
+            if (k + made < end) return Outcome::Stopped;
         }
-        return Outcome::kDone;
+        return Outcome::Done;
     }
 
     /// Makes the steps from k to `end` on the columns k to `end`. `made` is how many there were

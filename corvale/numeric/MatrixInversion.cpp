@@ -86,7 +86,7 @@ class Inversion {
     bool Reduce(const MatrixView<const double>& a) noexcept {
         if (order_ >= kPanelOrder) {
             const Outcome outcome = ReduceInPanels(a);
-            if (outcome != Outcome::kNotFinite) return outcome == Outcome::kDone;
+            if (outcome != Outcome::NotFinite) return outcome == Outcome::Done;
         }
         Begin();
         panel_ = order_ <= 12 ? RoundUp(order_, 4) : length_;

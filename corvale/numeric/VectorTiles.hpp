@@ -56,7 +56,7 @@ auto OnWidestLanes(Args... args) noexcept {
 
 /// The aligned vector at `p`.
 template <class V>
-CORVALE_LOOP V& At(double* p) noexcept {
+CORVALE_LOOP V& At(double* p) noexcept {  // NOLINT(readability-non-const-parameter)
     return *reinterpret_cast<V*>(p);
 }
 template <class V>
