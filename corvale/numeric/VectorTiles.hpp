@@ -35,6 +35,11 @@ struct FourLanes {
 
 constexpr std::size_t kTileRows = 4;
 
+template <class Step, class... Args>
+[[gnu::noinline]] auto WithTwoLanes(Args... args) noexcept {
+    return Step{}(args...);
+}
+
 /// Runs `Step`, made for the lanes `L`, as a function of its own. Only to be called where the
 /// processor has these lanes.
 template <class Step, class L, class... Args>
@@ -42,7 +47,7 @@ CORVALE_LOOP auto OnLanes(Args... args) noexcept {
 #if CORVALE_HAS_AVX2_PATH
     if constexpr (L::kLanes == FourLanes::kLanes) return WithAvx2<Step>(args...);
 #endif
-    if constexpr (L::kLanes == TwoLanes::kLanes) return Step{}(args...);
+    if constexpr (L::kLanes == TwoLanes::kLanes) return WithTwoLanes<Step>(args...);
 }
 
 /// Runs `Loop` with the widest lanes of this processor.
