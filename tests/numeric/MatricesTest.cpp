@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <bit>
 #include <cfenv>
 #include <cmath>
 #include <cstdlib>
@@ -67,6 +68,21 @@ TEST(Packed, GoesRowByRow) {
     EXPECT_EQ(again, (Matrix{1, 2, 3, 4, 5, 6, 0, 0})) << "nothing above the diagonal is read";
 }
 
+TEST(Packed, MovesEveryBit) {
+    const std::uint64_t signalling = 0xfff4000000000123U;  // arithmetic would change it
+    for (const std::int32_t n : {2, 40}) {
+        const auto count = static_cast<std::size_t>(n * n);
+        Matrix square(count, std::bit_cast<double>(signalling)), again(count), packed(count, 0.0);
+        const std::int32_t length = n * (n + 1) / 2;
+        SqrMtx2Lta(MatrixView<const double>(square.data(), n, n),
+                   VectorView<double>(packed.data(), length));
+        Lta2SqrMtx(VectorView<const double>(packed.data(), length),
+                   MatrixView<double>(again.data(), n, n));
+        for (const double value : again)
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(value), signalling) << n;
+    }
+}
+
 TEST(Packed, WritesNothingWhereItDoesNotFit) {
     Matrix square(400, 1.0), packed(210, 2.0);
     for (const std::int32_t n : {3, 20}) {
@@ -96,6 +112,15 @@ TEST(Inversion, KnownSmallMatrices) {
         {2, 2, {0, 1, 1, 0}, {0, 1, 1, 0}, {0, 0, 0, 0}, "needs pivoting"},
         {2, 2, {1, 2, 2, 4}, {0.5, 0.5, 0, -2}, {0, 0, 0, 0}, "singular: as far as reduced"},
         {2, 2, {2, -2, 1, -1}, {0.5, -1, -0.5, 0}, {0, 0, 0, 0}, "a tie goes to the first row"},
+        {2, 2, {0, -0.0, 1, 2}, {0, -0.0, 1, 2}, {0, 0, 0, 0}, "zeros of either sign are no pivot"},
+        {1, 1, {0x1p-1074}, {test::kInfinity}, {test::kInfinity}, "a subnormal pivot"},
+        {1, 1, {test::kNaN}, {test::kNaN}, {test::kNaN}, "a NaN: not chosen, but taken"},
+        {2,
+         2,
+         {test::kNaN, 2, 1, 0},
+         {test::kNaN, 0.5, test::kNaN, 0},
+         Matrix(4, test::kNaN),
+         "the row without NaN comes first, then only a NaN is left"},
         {2, 3, {1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}, {0, 0, 0, 0, 0, 0}, "not square"},
     };
     for (const auto& [rows, columns, a, mtxInv, mInv, why] : cases) {
