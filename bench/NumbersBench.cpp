@@ -1,6 +1,6 @@
 // Numbers and rows: fields to reals and integers, reals to fixed notation, rows made short.
 // A peer that reads or writes anything else than Corvale is not timed.
-#include "../tests/text/LiteralNumbers.hpp"
+#include "literal/LiteralNumbers.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 

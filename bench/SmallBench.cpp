@@ -3,7 +3,7 @@
 // call; "inline" shows what a caller gains who compiles the work in.
 #include <corvale/numeric/GenFunctions.hpp>
 
-#include "numeric/LiteralNumeric.hpp"
+#include "literal/LiteralNumeric.hpp"
 
 #include <benchmark/benchmark.h>
 #include <Eigen/Geometry>

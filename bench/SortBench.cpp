@@ -3,7 +3,7 @@
 // so that short ones are not learnt by heart.
 #include <corvale/sorting/Sorting.hpp>
 
-#include "sorting/KeyPatterns.hpp"
+#include "literal/KeyPatterns.hpp"
 
 #include <benchmark/benchmark.h>
 #include <algorithm>

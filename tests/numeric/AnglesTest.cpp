@@ -1,7 +1,7 @@
 #include <corvale/numeric/Angles.hpp>
 
 #include "Bits.hpp"
-#include "numeric/LiteralNumeric.hpp"
+#include "literal/LiteralNumeric.hpp"
 
 #include <gtest/gtest.h>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include <corvale/numeric/IntegerLists.hpp>
 
-#include "numeric/LiteralNumeric.hpp"
+#include "literal/LiteralNumeric.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

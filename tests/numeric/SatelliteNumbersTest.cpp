@@ -1,6 +1,6 @@
 #include <corvale/numeric/SatelliteNumbers.hpp>
 
-#include "numeric/LiteralNumeric.hpp"
+#include "literal/LiteralNumeric.hpp"
 
 #include <gtest/gtest.h>
 #include <climits>

@@ -1,7 +1,7 @@
 #include <corvale/numeric/SmallHelpers.hpp>
 
 #include "Bits.hpp"
-#include "numeric/LiteralNumeric.hpp"
+#include "literal/LiteralNumeric.hpp"
 
 #include <gtest/gtest.h>
 #include <algorithm>

@@ -3,7 +3,7 @@
 // so many-th case is taken.
 #include <corvale/numeric/GenFunctions.hpp>
 
-#include "numeric/LiteralNumeric.hpp"
+#include "literal/LiteralNumeric.hpp"
 
 #include <cstdio>
 #include <cstdlib>

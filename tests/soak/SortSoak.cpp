@@ -3,8 +3,8 @@
 #include <corvale/numeric/GenFunctions.hpp>
 #include <corvale/sorting/Sorting.hpp>
 
-#include "numeric/LiteralNumeric.hpp"
-#include "sorting/KeyPatterns.hpp"
+#include "literal/KeyPatterns.hpp"
+#include "literal/LiteralNumeric.hpp"
 
 #include <cstdio>
 #include <cstdlib>

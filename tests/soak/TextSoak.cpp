@@ -4,7 +4,7 @@
 //     for
 //                                   a night. Prints the differences, and exits with 1 if there are
 //                                   any
-#include "text/LiteralNumbers.hpp"
+#include "literal/LiteralNumbers.hpp"
 #include "text/NumberEnvironment.hpp"
 
 #include <corvale/text/StrFunctions.hpp>

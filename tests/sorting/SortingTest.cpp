@@ -1,6 +1,6 @@
 #include <corvale/sorting/Sorting.hpp>
 
-#include "sorting/KeyPatterns.hpp"
+#include "literal/KeyPatterns.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

@@ -1,0 +1,110 @@
+#include <corvale/numeric/Cholesky.hpp>
+
+#include <corvale/numeric/CholeskyFactor.hpp>
+#include <corvale/numeric/CholeskyInverse.hpp>
+#include <corvale/numeric/CholeskySmall.hpp>
+#include <corvale/numeric/CholeskySolve.hpp>
+#include <corvale/numeric/Scratch.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+
+namespace corvale::GenFunctions {
+namespace {
+
+using internal::CholeskyWork;
+
+constexpr std::size_t kLongestPanelRow = internal::FourLanes::kPanel;
+
+constexpr std::size_t RoundUp(std::size_t n, std::size_t unit) noexcept {
+    return (n + unit - 1) / unit * unit;
+}
+
+/// The doubles that `matrices` matrices in panels and four vectors take.
+constexpr std::size_t Room(std::size_t n, std::size_t matrices) noexcept {
+    const std::size_t lanes = RoundUp(n, kLongestPanelRow);
+    return (matrices * RoundUp(n, internal::kTileRows) + 4) * lanes;
+}
+
+// Up to here one row fits in the registers (CholeskySmall.hpp).
+constexpr std::size_t kSmallOrder = 12;
+// Up to here the factors fit in the frame of the call.
+constexpr std::size_t kOrderWithoutHeap = 16;
+
+/// Lays the work out in `room`. Two matrices stand for four where no D is formed.
+CholeskyWork LayOut(double* room, std::size_t n, bool rootFree) noexcept {
+    const std::size_t lanes = RoundUp(n, kLongestPanelRow);
+    CholeskyWork work{};
+    work.n = n;
+    work.steps = RoundUp(n, internal::kTileRows);
+    work.u = room;
+    work.w = work.u + lanes * work.steps;
+    work.v = rootFree ? work.w + lanes * work.steps : work.u;
+    work.z = rootFree ? work.v + lanes * work.steps : work.w;
+    work.pivots = work.z + lanes * work.steps;
+    work.reciprocals = work.pivots + lanes;
+    work.squares = work.reciprocals + lanes;
+    work.y = work.squares + lanes;
+    std::fill(work.squares, work.squares + lanes, 0.0);
+    return work;
+}
+
+void FillWithNaN(std::size_t n, double* inverse, double* x) noexcept {
+    std::fill(inverse, inverse + n * n, std::numeric_limits<double>::quiet_NaN());
+    std::fill(x, x + n, std::numeric_limits<double>::quiet_NaN());
+}
+
+template <bool rootFree>
+void Run(CholeskyWork& work) noexcept {
+    if constexpr (rootFree) {
+        internal::OnWidestLanes<internal::FactorWithoutRoots>(&work);
+        internal::OnWidestLanes<internal::SolveWithoutRoots>(&work);
+        internal::OnWidestLanes<internal::InvertWithoutRoots>(&work);
+    } else {
+        internal::OnWidestLanes<internal::FactorWithRoots>(&work);
+        internal::OnWidestLanes<internal::SolveWithRoots>(&work);
+        internal::OnWidestLanes<internal::InvertWithRoots>(&work);
+    }
+}
+
+/// False where the panels have to do it: the order is too large or something is not finite.
+template <bool rootFree>
+bool DoneSmall(const internal::SmallSystem& system) noexcept {
+    if (system.n > kSmallOrder) return false;
+    if constexpr (rootFree)
+        return internal::OnWidestLanes<internal::SolveSmallWithoutRoots>(&system);
+    return internal::OnWidestLanes<internal::SolveSmallWithRoots>(&system);
+}
+
+template <bool rootFree>
+void SolveAndInvert(const double* a, const double* b, std::int32_t order, double* inverse,
+                    double* x) noexcept {
+    if (order < 1) return;
+    const auto n = static_cast<std::size_t>(order);
+    if (DoneSmall<rootFree>({a, b, n, inverse, x})) return;
+
+    constexpr std::size_t kMatrices = rootFree ? 4 : 2;
+    internal::Scratch<Room(kOrderWithoutHeap, kMatrices)> scratch(Room(n, kMatrices));
+    if (scratch.Data() == nullptr) return FillWithNaN(n, inverse, x);
+
+    CholeskyWork work = LayOut(scratch.Data(), n, rootFree);
+    work.a = a, work.b = b, work.inverse = inverse;
+    Run<rootFree>(work);
+    if (rootFree) inverse[n * n - 1] = work.reciprocals[n - 1];
+    std::copy(work.y, work.y + n, x);
+}
+
+}  // namespace
+
+void Cholesky(const double* a, const double* b, std::int32_t n, double* inverse,
+              double* x) noexcept {
+    SolveAndInvert<false>(a, b, n, inverse, x);
+}
+
+void Cholesky2(const double* a, const double* b, std::int32_t n, double* inverse,
+               double* x) noexcept {
+    SolveAndInvert<true>(a, b, n, inverse, x);
+}
+
+}  // namespace corvale::GenFunctions

@@ -1,0 +1,229 @@
+// Internal to numeric/: not installed, may change in any commit.
+//
+// The inverse from the factors: W = U^-1, then W W' (W D^-1 W'). A tile's rows do not begin at the
+// same step; the terms before a row begins are an exact zero times a factor, so they change nothing
+// as long as the factors are finite. Where one is not, the sums are formed one by one.
+#pragma once
+
+#include <corvale/numeric/CholeskyPanels.hpp>
+
+namespace corvale::internal {
+
+template <class L, bool rootFree>
+struct InvertFactor {
+    using V = typename L::Vector;
+
+    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+        for (std::size_t column = 0; column < work->steps; column += kBlock) {
+            const std::size_t end = std::min(column + kBlock, work->steps);
+            AddColumnsBefore(*work, column, end);
+            for (std::size_t lane = 0; lane < end; lane += L::kPanel)
+                FinishPanel(*work, column, end, lane);
+        }
+    }
+
+    CORVALE_LOOP static void AddColumnsBefore(const CholeskyWork& work, std::size_t column,
+                                              std::size_t end) noexcept {
+        for (std::size_t step = 0; step < column; step += kChunk)
+            for (std::size_t lane = 0; lane < std::min(step + kChunk, column); lane += L::kPanel) {
+                double* panel = Place<L>(work.w, work.steps, lane, 0);
+                const Sum sum{panel,
+                              panel,
+                              work.u,
+                              work.steps,
+                              column,
+                              end,
+                              std::max(step, lane),
+                              std::min(step + kChunk, column),
+                              lane >= step};
+                OnLanes<AddSteps<L>, L>(&sum);
+            }
+    }
+
+    CORVALE_LOOP static void FinishPanel(const CholeskyWork& work, std::size_t column,
+                                         std::size_t end, std::size_t lane) noexcept {
+        double* panel = Place<L>(work.w, work.steps, lane, 0);
+        const std::size_t from = std::max(column, lane);
+        for (std::size_t j = from; j < end; j += kTileRows) {
+            Tile<L> sums;
+            lane >= column ? sums.Clear() : sums.Load(panel + j * L::kPanel);
+            sums.Add(panel + from * L::kPanel, Place<L>(work.u, work.steps, j, from), j - from);
+            Columns(work, j, lane, sums);
+        }
+    }
+
+    /// Four columns of W: minus each sum times the diagonal element of W; on the diagonal that
+    /// element, below it zeros.
+    CORVALE_LOOP static void Columns(const CholeskyWork& work, std::size_t j, std::size_t lane,
+                                     Tile<L>& sums) noexcept {
+#pragma GCC unroll 4
+        for (std::size_t r = 0; r < kTileRows; ++r) {
+            const double diagonal = rootFree ? 1.0 : work.reciprocals[j + r];
+            const double* factors = Place<L>(work.u, work.steps, j, j + r);
+#pragma GCC unroll 2
+            for (std::size_t h = 0; h < 2; ++h) {
+                V w = -(sums.row[r][h] * diagonal);
+                if (j < lane + L::kPanel) w = OnDiagonal(w, j + r - lane, h, diagonal);
+                At<V>(Place<L>(work.w, work.steps, lane + h * L::kLanes, j + r)) = w;
+                if constexpr (rootFree)
+                    At<V>(Place<L>(work.z, work.steps, lane + h * L::kLanes, j + r)) =
+                        w * work.reciprocals[j + r];
+#pragma GCC unroll 4
+                for (std::size_t later = 0; later < kTileRows; ++later)
+                    if (later > r) sums.row[later][h] += w * factors[later];
+            }
+        }
+    }
+
+    CORVALE_LOOP static V OnDiagonal(const V& w, std::size_t at, std::size_t half,
+                                     double diagonal) noexcept {
+        const V zero{}, lanes = LaneNumbers<L>::Half(half);
+        const V position = Splat<V>(static_cast<double>(at));
+        const V above = lanes < position ? w : zero;
+        return lanes == position ? Splat<V>(diagonal) : above;
+    }
+};
+
+/// W sum by sum, with all its zeros, for factors that are not finite.
+template <class L, bool rootFree>
+struct InvertFactorPlainly {
+    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+        const std::size_t steps = work->steps;
+        for (std::size_t i = 0; i < work->n; ++i)
+            for (std::size_t j = i; j < work->n; ++j) {
+                const double diagonal = rootFree ? 1.0 : work->reciprocals[j];
+                double sum = 0.0;
+                for (std::size_t k = i; k < j; ++k)
+                    sum += *Place<L>(work->w, steps, i, k) * *Place<L>(work->u, steps, j, k);
+                const double w = i == j ? diagonal : -(sum * diagonal);
+                *Place<L>(work->w, steps, i, j) = w;
+                if (rootFree) *Place<L>(work->z, steps, i, j) = w * work->reciprocals[j];
+            }
+    }
+};
+
+/// Writes the zeros of W that the panels leave out, and what they are in W D^-1.
+template <class L, bool rootFree>
+struct FillZeros {
+    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+        for (std::size_t i = 0; i < work->steps; ++i)
+            for (std::size_t k = 0; k < std::min(i, work->n); ++k) {
+                *Place<L>(work->w, work->steps, i, k) = 0.0;
+                if (rootFree) *Place<L>(work->z, work->steps, i, k) = 0.0 * work->reciprocals[k];
+            }
+    }
+};
+
+/// Whether every element of a triangle in panels is finite.
+template <class L>
+struct AllFinite {
+    using V = typename L::Vector;
+    CORVALE_LOOP static bool Upper(const double* panels, std::size_t steps) noexcept {
+        V sum{};
+        for (std::size_t lane = 0; lane < steps; lane += L::kPanel)
+            Add(Place<L>(panels, steps, lane, 0), std::min(steps, lane + L::kPanel), sum);
+        return IsZero(sum);
+    }
+    CORVALE_LOOP static bool Lower(const double* panels, std::size_t steps,
+                                   std::size_t end) noexcept {
+        V sum{};
+        for (std::size_t lane = 0; lane < end; lane += L::kPanel)
+            Add(Place<L>(panels, steps, lane, lane), end - lane, sum);
+        return IsZero(sum);
+    }
+    // Zero times a finite number is a zero, times any other NaN.
+    CORVALE_LOOP static void Add(const double* from, std::size_t count, V& sum) noexcept {
+        for (std::size_t k = 0; k < count; ++k, from += L::kPanel)
+            sum += At<V>(from) * 0.0 + At<V>(from + L::kLanes) * 0.0;
+    }
+    CORVALE_LOOP static bool IsZero(const V& sum) noexcept {
+        double total = 0.0;
+        for (std::size_t i = 0; i < L::kLanes; ++i) total += sum[i];
+        return total == 0.0;
+    }
+};
+
+/// The product of W with its transpose, or of W D^-1, in the place of U. `wholeRows` takes the
+/// zeros in too.
+template <class L>
+struct Product {
+    CORVALE_LOOP void operator()(const CholeskyWork* work, bool wholeRows) const noexcept {
+        for (std::size_t step = 0; step < work->n; step += kChunk)
+            for (std::size_t row = 0; row < work->steps; row += kBlock)
+                AddToRows(*work, step, row, wholeRows);
+    }
+    CORVALE_LOOP static void AddToRows(const CholeskyWork& work, std::size_t step, std::size_t row,
+                                       bool wholeRows) noexcept {
+        const std::size_t end = std::min(step + kChunk, work.n);
+        for (std::size_t lane = row; lane < work.n; lane += L::kPanel) {
+            if (!wholeRows && lane >= end) break;
+            const Sum sum{Place<L>(work.u, work.steps, lane, 0),
+                          Place<L>(work.w, work.steps, lane, 0),
+                          work.z,
+                          work.steps,
+                          row,
+                          std::min({row + kBlock, lane + L::kPanel, work.steps}),
+                          wholeRows ? step : std::max(step, lane),
+                          end,
+                          wholeRows ? step == 0 : lane >= step};
+            OnLanes<AddSteps<L>, L>(&sum);
+        }
+    }
+};
+
+/// Writes the product to both triangles of the result.
+template <class L>
+struct WriteSymmetric {
+    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+        const std::size_t n = work->n;
+        for (std::size_t lane = 0; lane < n; lane += L::kPanel) {
+            const double* panel = Place<L>(work->u, work->steps, lane, 0);
+            const std::size_t wholeTiles = lane + L::kPanel <= n ? lane : 0;
+            for (std::size_t i = 0; i < wholeTiles; i += kTileRows)
+                WriteTile(panel + i * L::kPanel, i, lane, n, work->inverse);
+            for (std::size_t i = wholeTiles; i < std::min(lane + L::kPanel, n); ++i)
+                for (std::size_t j = std::max(i, lane); j < std::min(lane + L::kPanel, n); ++j)
+                    work->inverse[i * n + j] = work->inverse[j * n + i] =
+                        panel[i * L::kPanel + j - lane];
+        }
+    }
+    CORVALE_LOOP static void WriteTile(const double* tile, std::size_t i, std::size_t lane,
+                                       std::size_t n, double* inverse) noexcept {
+        for (std::size_t c = 0; c < L::kPanel; c += L::kLanes)
+            for (std::size_t r = 0; r < kTileRows; r += L::kLanes) {
+                const double* from = tile + r * L::kPanel + c;
+                double* lower = inverse + (i + r) * n + lane + c;
+                double* upper = inverse + (lane + c) * n + i + r;
+                Block<L> block;
+                block.Load([=](std::size_t k) { return from + k * L::kPanel; });
+                block.Store([=](std::size_t k) { return lower + k * n; });
+                block.Turn();
+                block.Store([=](std::size_t k) { return upper + k * n; });
+            }
+    }
+};
+
+/// All of it, once the factors are there.
+template <class L, bool rootFree>
+struct Invert {
+    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+        bool finite = AllFinite<L>::Upper(work->u, work->steps);
+        if (finite) {
+            InvertFactor<L, rootFree>{}(work);
+            finite = AllFinite<L>::Lower(work->w, work->steps, work->n) &&
+                     (!rootFree || AllFinite<L>::Lower(work->z, work->steps, work->n));
+        } else {
+            OnLanes<InvertFactorPlainly<L, rootFree>, L>(work);
+        }
+        if (!finite) OnLanes<FillZeros<L, rootFree>, L>(work);
+        Product<L>{}(work, !finite);
+        WriteSymmetric<L>{}(work);
+    }
+};
+
+template <class L>
+struct InvertWithRoots : Invert<L, false> {};
+template <class L>
+struct InvertWithoutRoots : Invert<L, true> {};
+
+}  // namespace corvale::internal

@@ -1,0 +1,207 @@
+// Internal to numeric/: not installed, may change in any commit.
+//
+// Both solvers for small orders: rows and columns padded to `width` doubles, the whole of one held
+// in registers, everything in the frame of the call (Cholesky/3 to /12 in bench/MatrixBench.cpp:
+// half to a third of the time of the panels).
+#pragma once
+
+#include <corvale/numeric/CholeskyPanels.hpp>
+
+#include <cmath>
+
+namespace corvale::internal {
+
+struct SmallSystem {
+    const double *a, *b;
+    std::size_t n;
+    double *inverse, *x;
+};
+
+template <class L, std::size_t width, bool rootFree>
+struct SolveSmall {
+    using V = typename L::Vector;
+    static constexpr std::size_t kVectors = width / L::kLanes;
+
+    struct Row {
+        V v[kVectors];
+    };
+    using Rows = Row[width];
+
+    // Elements of all rows are also read one by one.
+    CORVALE_LOOP static const double* Of(const Row& row) noexcept {
+        return reinterpret_cast<const double*>(row.v);
+    }
+
+    struct Work {
+        Rows given;  // A, upper triangle, zeros below it
+        Rows u, w;   // U by rows, W by columns
+        Rows z;      // W D^-1 by columns
+        double pivots[width], reciprocals[width], y[width];
+        V check[kVectors];  // zero as long as U, W and W D^-1 are finite
+    };
+
+    /// False where something is not finite: then nothing was written.
+    CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
+        const std::size_t n = system->n;
+        if (n < 1 || n > width) return false;  // never so, but the loops are shorter for it
+        Work work;
+        CopyUpper(*system, work);
+        for (std::size_t k = 0; k < n; ++k) {
+            FactorRow(work, k);
+            work.y[k] = DownElement(work, k, system->b[k]);
+            InverseColumn(work, k);
+        }
+        double total = 0.0;
+        for (const V& check : work.check)
+            for (std::size_t lane = 0; lane < L::kLanes; ++lane) total += check[lane];
+        if (!(total == 0.0)) return false;
+        SolveUp(work, n);
+        Multiply(work, n, system->inverse);
+        if (rootFree) system->inverse[n * n - 1] = work.reciprocals[n - 1];
+        std::copy(work.y, work.y + n, system->x);
+        return true;
+    }
+
+    CORVALE_LOOP static void CopyUpper(const SmallSystem& system, Work& work) noexcept {
+        const std::size_t n = system.n;
+        for (std::size_t i = 0; i < n; ++i) work.given[i] = Row{};
+        for (V& check : work.check) check = V{};
+        for (std::size_t j = 0; j < n; ++j)
+            for (std::size_t i = 0; i <= j; ++i)
+                reinterpret_cast<double*>(work.given[i].v)[j] = system.a[j * n + i];
+    }
+
+    CORVALE_LOOP static V Position(std::size_t lane) noexcept {
+        return Splat<V>(static_cast<double>(lane));
+    }
+    CORVALE_LOOP static V Numbers(std::size_t vector) noexcept {
+        V numbers;
+        for (std::size_t i = 0; i < L::kLanes; ++i)
+            numbers[i] = static_cast<double>(vector * L::kLanes + i);
+        return numbers;
+    }
+
+    /// Row k of U: zeros before the diagonal.
+    CORVALE_LOOP static void FactorRow(Work& work, std::size_t k) noexcept {
+        Row sum{};
+        for (std::size_t i = 0; i < k; ++i) {
+            const double factor = rootFree ? work.pivots[i] * Of(work.u[i])[k] : Of(work.u[i])[k];
+#pragma GCC unroll 8
+            for (std::size_t c = 0; c < kVectors; ++c) sum.v[c] += work.u[i].v[c] * factor;
+        }
+        const double pivot = NextPivot(work, k);
+        const double reciprocal = 1.0 / pivot;
+        work.pivots[k] = pivot, work.reciprocals[k] = reciprocal;
+#pragma GCC unroll 8
+        for (std::size_t c = 0; c < kVectors; ++c) {
+            const V rest = Numbers(c) > Position(k) ? work.given[k].v[c] - sum.v[c] : V{};
+            const V u = rootFree ? rest * reciprocal : rest / pivot;
+            work.u[k].v[c] = Numbers(c) == Position(k) ? Splat<V>(rootFree ? 1.0 : pivot) : u;
+            work.check[c] += work.u[k].v[c] * 0.0;
+        }
+    }
+
+    /// The sum under a pivot is a chain of its own, so that it does not wait for a whole row.
+    CORVALE_LOOP static double NextPivot(const Work& work, std::size_t k) noexcept {
+        double sum = 0.0;
+        for (std::size_t i = 0; i < k; ++i) {
+            const double u = Of(work.u[i])[k];
+            sum += rootFree ? work.pivots[i] * (u * u) : u * u;
+        }
+        const double rest = Of(work.given[k])[k] - sum;
+        return rootFree ? rest : std::sqrt(rest);
+    }
+
+    CORVALE_LOOP static double DownElement(const Work& work, std::size_t k, double b) noexcept {
+        if (k == 0) return rootFree ? b : b / work.pivots[0];
+        double sum = 0.0;
+        for (std::size_t i = 0; i < k; ++i) sum += Of(work.u[i])[k] * work.y[i];
+        return rootFree ? b - sum : work.reciprocals[k] * (b - sum);
+    }
+
+    /// Column k of W: zeros below the diagonal.
+    CORVALE_LOOP static void InverseColumn(Work& work, std::size_t k) noexcept {
+        Row sum{};
+        for (std::size_t i = 0; i < k; ++i)
+#pragma GCC unroll 8
+            for (std::size_t c = 0; c < kVectors; ++c)
+                sum.v[c] += work.w[i].v[c] * Of(work.u[i])[k];
+        const double diagonal = rootFree ? 1.0 : work.reciprocals[k];
+#pragma GCC unroll 8
+        for (std::size_t c = 0; c < kVectors; ++c) {
+            const V above = Numbers(c) < Position(k) ? -(sum.v[c] * diagonal) : V{};
+            work.w[k].v[c] = Numbers(c) == Position(k) ? Splat<V>(diagonal) : above;
+            work.check[c] += work.w[k].v[c] * 0.0;
+            if constexpr (rootFree) {
+                work.z[k].v[c] = work.w[k].v[c] * work.reciprocals[k];
+                work.check[c] += work.z[k].v[c] * 0.0;
+            }
+        }
+    }
+
+    CORVALE_LOOP static void SolveUp(Work& work, std::size_t n) noexcept {
+        double* y = work.y;
+        y[n - 1] = y[n - 1] / work.pivots[n - 1];
+        for (std::size_t k = n - 1; k > 0; --k) {
+            double sum = 0.0;
+            for (std::size_t j = n - 1; j >= k; --j) {
+                const double u = Of(work.u[k - 1])[j];
+                sum += (rootFree ? work.pivots[k - 1] * u : u) * y[j];
+            }
+            y[k - 1] = (y[k - 1] - sum) * work.reciprocals[k - 1];
+        }
+    }
+
+    /// The first n elements; whole vectors first, because a call of memcpy for each column takes a
+    /// fifth of the time.
+    CORVALE_LOOP static void WriteColumn(const Row& row, std::size_t n, double* column) noexcept {
+#pragma GCC unroll 8
+        for (std::size_t c = 0; c < kVectors; ++c) {
+            const std::size_t first = c * L::kLanes;
+            if (first + L::kLanes <= n) {
+                std::memcpy(column + first, &row.v[c], sizeof row.v[c]);
+                continue;
+            }
+#pragma GCC unroll 4
+            for (std::size_t lane = 0; lane < L::kLanes; ++lane)
+                if (first + lane < n) column[first + lane] = row.v[c][lane];
+        }
+    }
+
+    /// The inverse column by column. Element (i,j) and element (j,i) are the same sum.
+    CORVALE_LOOP static void Multiply(const Work& work, std::size_t n, double* inverse) noexcept {
+        const Row* left = rootFree ? work.z : work.w;
+        for (std::size_t i = 0; i < n; ++i) {
+            Row sum{};
+            for (std::size_t k = i; k < n; ++k)
+#pragma GCC unroll 8
+                for (std::size_t c = 0; c < kVectors; ++c)
+                    sum.v[c] += work.w[k].v[c] * Of(left[k])[i];
+            double* column = inverse + i * n;
+            if constexpr (rootFree) {
+                for (std::size_t j = i; j < n; ++j) column[j] = inverse[j * n + i] = Of(sum)[j];
+            } else {
+                WriteColumn(sum, n, column);
+            }
+        }
+    }
+};
+
+template <class L>
+struct SolveSmallWithRoots {
+    CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
+        if (system->n <= 4) return OnLanes<SolveSmall<L, 4, false>, L>(system);
+        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, false>, L>(system);
+        return OnLanes<SolveSmall<L, 12, false>, L>(system);
+    }
+};
+template <class L>
+struct SolveSmallWithoutRoots {
+    CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
+        if (system->n <= 4) return OnLanes<SolveSmall<L, 4, true>, L>(system);
+        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, true>, L>(system);
+        return OnLanes<SolveSmall<L, 12, true>, L>(system);
+    }
+};
+
+}  // namespace corvale::internal

@@ -1,0 +1,216 @@
+#include <corvale/numeric/MatrixInversion.hpp>
+
+#include <corvale/numeric/InversionPanels.hpp>
+#include <corvale/numeric/InversionSteps.hpp>
+#include <corvale/numeric/Scratch.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+namespace corvale::GenFunctions {
+namespace {
+
+using namespace internal;  // NOLINT: everything below works on the internal panels
+
+constexpr std::size_t kLongestPanelRow = FourLanes::kPanel;
+// Up to here the work fits in the frame of the call.
+constexpr std::size_t kOrderWithoutHeap = 16;
+// From here panels are faster than single steps (MtxInv in bench/MatrixBench.cpp).
+constexpr std::size_t kPanelOrder = 24;
+
+constexpr std::size_t RoundUp(std::size_t n, std::size_t unit) noexcept {
+    return (n + unit - 1) / unit * unit;
+}
+
+constexpr std::size_t StepsRoom(std::size_t n) noexcept {
+    return RoundUp(n, kLongestPanelRow) * (n + 3);
+}
+
+constexpr std::size_t PanelsRoom(std::size_t n) noexcept {
+    const std::size_t length = RoundUp(n, kLongestPanelRow);
+    const std::size_t columns = std::min(length, kColumns);
+    return StepsRoom(n) + length * kOuterSteps + kOuterSteps * kOuterSteps + columns * kOuterSteps +
+           length * (kInnerSteps + 1) + kOuterSteps;
+}
+
+constexpr std::size_t Room(std::size_t n) noexcept {
+    return n < kPanelOrder ? StepsRoom(n) : PanelsRoom(n);
+}
+
+bool IsSquare(const MatrixView<const double>& a) noexcept {
+    return a.Rows() == a.Columns();
+}
+
+/// Calls `visit(i, j)` for every element of an r by c matrix, rows and columns counted from 1.
+template <class Visit>
+void ForEach(std::int32_t rows, std::int32_t columns, const Visit& visit) noexcept {
+    for (std::int32_t j = 1; j <= columns; ++j)
+        for (std::int32_t i = 1; i <= rows; ++i) visit(i, j);
+}
+
+void Fill(const MatrixView<const double>& a, const MatrixView<double>& result,
+          double value) noexcept {
+    ForEach(a.Rows(), a.Columns(), [&](auto i, auto j) { result(i, j) = value; });
+}
+
+void FillWithNaN(const MatrixView<const double>& a, const MatrixView<double>& result) noexcept {
+    Fill(a, result, std::numeric_limits<double>::quiet_NaN());
+}
+
+/// Copies through memory of its own, so that the two may overlap.
+void Copy(const MatrixView<const double>& a, const MatrixView<double>& result) noexcept {
+    const auto rows = static_cast<std::size_t>(a.Rows());
+    Scratch<64> scratch(rows * static_cast<std::size_t>(a.Columns()));
+    if (scratch.Data() == nullptr) return FillWithNaN(a, result);
+    double* to = scratch.Data();
+    ForEach(a.Rows(), a.Columns(), [&](auto i, auto j) { *to++ = a(i, j); });
+    const double* from = scratch.Data();
+    ForEach(a.Rows(), a.Columns(), [&](auto i, auto j) { result(i, j) = *from++; });
+}
+
+/// One call: the matrix being reduced, either by columns or in panels of rows.
+class Inversion {
+  public:
+    Inversion(double* room, std::size_t order, bool searched) noexcept
+        : matrix_(room), order_(order), length_(RoundUp(order, kLongestPanelRow)) {
+        w_ = matrix_ + length_ * order;
+        record_.open = reinterpret_cast<std::int64_t*>(w_ + length_);
+        record_.stepOfRow = reinterpret_cast<std::int32_t*>(w_ + 2 * length_);
+        record_.order = order;
+        record_.searched = searched;
+    }
+
+    /// Reduces a copy of `a`. Returns whether all steps could be made.
+    bool Reduce(const MatrixView<const double>& a) noexcept {
+        if (order_ >= kPanelOrder) {
+            const Outcome outcome = ReduceInPanels(a);
+            if (outcome != Outcome::NotFinite) return outcome == Outcome::Done;
+        }
+        Begin();
+        panel_ = order_ <= 12 ? RoundUp(order_, 4) : length_;
+        Load(a);
+        return ReduceBySteps() == order_;
+    }
+
+    /// Writes what was reached as it is.
+    void Write(const MatrixView<double>& result) const noexcept {
+        ForEachPanelColumn(
+            [&](std::size_t row, std::size_t column, std::size_t count, const double* from) {
+                double* to = Place(result, row, column);
+                for (std::size_t i = 0; i < count; ++i)
+                    to[Offset(i) * result.RowStride()] = from[i];
+            });
+    }
+
+    /// Writes the inverse: element (s(r), j) is element (r, s(j)) of what was reached, s(r) being
+    /// the step at which row r served as pivot row.
+    void WriteInOrder(const MatrixView<double>& result) const noexcept {
+        const std::int32_t* step = record_.stepOfRow;
+        for (std::size_t j = 0; j < order_; ++j) {
+            double* to = Place(result, 0, j);
+            const double* from = matrix_ + Offset(step[j] - 1) * Offset(panel_);
+            for (std::size_t row = 0; row < order_; row += panel_, from += panel_ * order_) {
+                const std::size_t count = std::min(panel_, order_ - row);
+                for (std::size_t i = 0; i < count; ++i)
+                    to[Offset(step[row + i] - 1) * result.RowStride()] = from[i];
+            }
+        }
+    }
+
+  private:
+    template <class T>
+    static std::ptrdiff_t Offset(T count) noexcept {
+        return static_cast<std::ptrdiff_t>(count);
+    }
+
+    /// The element of `view` in row `row` and column `column`, counted from 0.
+    template <class T>
+    static T* Place(const MatrixView<T>& view, std::size_t row, std::size_t column) noexcept {
+        return view.Data() + Offset(row) * view.RowStride() + Offset(column) * view.ColumnStride();
+    }
+
+    /// Calls `visit(row, column, count, elements)` for every column of every panel, `count` being
+    /// how many of its rows belong to the matrix.
+    template <class Visit>
+    void ForEachPanelColumn(const Visit& visit) const noexcept {
+        for (std::size_t row = 0; row < order_; row += panel_)
+            for (std::size_t column = 0; column < order_; ++column)
+                visit(row, column, std::min(panel_, order_ - row),
+                      matrix_ + row * order_ + column * panel_);
+    }
+
+    void Begin() noexcept {
+        std::fill(record_.stepOfRow, record_.stepOfRow + order_, 0);
+        std::fill(record_.open, record_.open + order_, std::int64_t{-1});
+    }
+
+    void Load(const MatrixView<const double>& a) noexcept {
+        ForEachPanelColumn([&](std::size_t row, std::size_t column, std::size_t count, double* to) {
+            const double* from = Place(a, row, column);
+            for (std::size_t i = 0; i < count; ++i) to[i] = from[Offset(i) * a.RowStride()];
+            for (std::size_t i = count; i < panel_; ++i) to[i] = 0.0;
+        });
+    }
+
+    std::size_t ReduceBySteps() noexcept {
+        if (order_ <= 4) return OnWidestLanes<Invert4>(matrix_, &record_);
+        if (order_ <= 8) return OnWidestLanes<Invert8>(matrix_, &record_);
+        if (order_ <= 12) return OnWidestLanes<Invert12>(matrix_, &record_);
+        return OnWidestLanes<InvertBySteps>(matrix_, length_, &record_, w_);
+    }
+
+    Outcome ReduceInPanels(const MatrixView<const double>& a) noexcept {
+        InversionWork work{};
+        work.matrix = matrix_;
+        work.record = record_;
+        work.w = matrix_ + StepsRoom(order_);
+        work.pivotW = work.w + length_ * kOuterSteps;
+        work.t = work.pivotW + kOuterSteps * kOuterSteps;
+        work.columns = work.t + std::min(length_, kColumns) * kOuterSteps;
+        work.rows = reinterpret_cast<std::size_t*>(work.columns + length_ * (kInnerSteps + 1));
+        Begin();
+        panel_ = PanelWidth();
+        Load(a);
+        return OnWidestLanes<InvertByPanels>(&work);
+    }
+
+    static std::size_t PanelWidth() noexcept {
+        return HasAvx2() ? FourLanes::kPanel : TwoLanes::kPanel;
+    }
+
+    double* matrix_;
+    double* w_;
+    std::size_t order_, length_;
+    std::size_t panel_ = 0;  // rows side by side: a whole column, or those of a panel
+    PivotRecord record_{};
+};
+
+}  // namespace
+
+void MtxInv(MatrixView<const double> a, MatrixView<double> result) noexcept {
+    if (a.Rows() == 0 || a.Columns() == 0) return;
+    if (result.Rows() < a.Rows() || result.Columns() < a.Columns()) return;
+    if (!IsSquare(a)) return Copy(a, result);
+
+    const auto n = static_cast<std::size_t>(a.Rows());
+    Scratch<StepsRoom(kOrderWithoutHeap)> scratch(Room(n));
+    if (scratch.Data() == nullptr) return FillWithNaN(a, result);
+    Inversion inversion(scratch.Data(), n, true);
+    inversion.Reduce(a) ? inversion.WriteInOrder(result) : inversion.Write(result);
+}
+
+void MInv(MatrixView<const double> a, MatrixView<double> result) noexcept {
+    if (a.Rows() == 0 || a.Columns() == 0) return;
+    if (result.Rows() < a.Rows() || result.Columns() < a.Columns()) return;
+    if (!IsSquare(a)) return Fill(a, result, 0.0);
+
+    const auto n = static_cast<std::size_t>(a.Rows());
+    Scratch<StepsRoom(kOrderWithoutHeap)> scratch(Room(n));
+    if (scratch.Data() == nullptr) return FillWithNaN(a, result);
+    Inversion inversion(scratch.Data(), n, false);
+    inversion.Reduce(a) ? inversion.Write(result) : Fill(a, result, 0.0);
+}
+
+}  // namespace corvale::GenFunctions

@@ -1,0 +1,157 @@
+// Internal to numeric/: not installed, may change in any commit.
+//
+// Vectors of doubles as wide as the processor has them, and the tile that all matrix products here
+// are made of. Each lane is an element of its own with its own order of operations, so the width
+// changes nothing but the speed.
+//
+// A panel is a stripe of kPanel columns (or rows) of a matrix, stored step by step: the kPanel
+// elements of step 0, those of step 1, and so on. A product of two panels walks down both of them,
+// so nothing depends on the order of the matrix or on its leading dimension.
+#pragma once
+
+#include <corvale/base/CodePath.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+// Vectors are handed only to functions that are always inlined, so how a call would pass them does
+// not matter.
+#pragma GCC diagnostic ignored "-Wpsabi"
+
+namespace corvale::internal {
+
+struct TwoLanes {
+    static constexpr std::size_t kLanes = 2, kPanel = 4;
+    using Vector [[gnu::vector_size(16), gnu::may_alias]] = double;
+    using Bits [[gnu::vector_size(16)]] = std::int64_t;
+};
+
+struct FourLanes {
+    static constexpr std::size_t kLanes = 4, kPanel = 8;
+    using Vector [[gnu::vector_size(32), gnu::may_alias]] = double;
+    using Bits [[gnu::vector_size(32)]] = std::int64_t;
+};
+
+constexpr std::size_t kTileRows = 4;
+
+template <class Step, class... Args>
+[[gnu::noinline]] auto WithTwoLanes(Args... args) noexcept {
+    return Step{}(args...);
+}
+
+/// Runs `Step`, made for the lanes `L`, as a function of its own. Only to be called where the
+/// processor has these lanes.
+template <class Step, class L, class... Args>
+CORVALE_LOOP auto OnLanes(Args... args) noexcept {
+#if CORVALE_HAS_AVX2_PATH
+    if constexpr (L::kLanes == FourLanes::kLanes) return WithAvx2<Step>(args...);
+#endif
+    if constexpr (L::kLanes == TwoLanes::kLanes) return WithTwoLanes<Step>(args...);
+}
+
+/// Runs `Loop` with the widest lanes of this processor.
+template <template <class> class Loop, class... Args>
+auto OnWidestLanes(Args... args) noexcept {
+#if CORVALE_HAS_AVX2_PATH
+    if (HasAvx2()) return WithAvx2<Loop<FourLanes>>(args...);
+#endif
+    return Loop<TwoLanes>{}(args...);
+}
+
+/// The aligned vector at `p`.
+template <class V>
+CORVALE_LOOP V& At(double* p) noexcept {  // NOLINT(readability-non-const-parameter)
+    return *reinterpret_cast<V*>(p);
+}
+template <class V>
+CORVALE_LOOP const V& At(const double* p) noexcept {
+    return *reinterpret_cast<const V*>(p);
+}
+
+/// `value` in every lane, a -0.0 as well.
+template <class V>
+CORVALE_LOOP V Splat(double value) noexcept {
+    return value - V{};
+}
+
+/// Four rows of a panel, each in two vectors, held in registers: every loop below is unrolled, so
+/// that no index is left at run time.
+template <class L>
+struct Tile {
+    using V = typename L::Vector;
+    V row[kTileRows][2];
+
+    CORVALE_LOOP void Clear() noexcept {
+#pragma GCC unroll 4
+        for (auto& r : row) r[0] = r[1] = V{};
+    }
+    CORVALE_LOOP void Load(const double* p) noexcept {
+#pragma GCC unroll 4
+        for (std::size_t r = 0; r < kTileRows; ++r, p += L::kPanel)
+            row[r][0] = At<V>(p), row[r][1] = At<V>(p + L::kLanes);
+    }
+    CORVALE_LOOP void Store(double* p) const noexcept {
+#pragma GCC unroll 4
+        for (std::size_t r = 0; r < kTileRows; ++r, p += L::kPanel)
+            At<V>(p) = row[r][0], At<V>(p + L::kLanes) = row[r][1];
+    }
+    /// Row r gains x(k) y(k, r) for each of `steps` steps k, one after the other.
+    CORVALE_LOOP void Add(const double* x, const double* y, std::size_t steps) noexcept {
+        for (; steps > 0; --steps, x += L::kPanel, y += L::kPanel) {
+            const V x0 = At<V>(x), x1 = At<V>(x + L::kLanes);
+#pragma GCC unroll 4
+            for (std::size_t r = 0; r < kTileRows; ++r)
+                row[r][0] += x0 * y[r], row[r][1] += x1 * y[r];
+        }
+    }
+    /// Row r loses x(k) y(k, r) for each of `steps` steps k, one after the other.
+    CORVALE_LOOP void Subtract(const double* x, const double* y, std::size_t steps) noexcept {
+        for (; steps > 0; --steps, x += L::kPanel, y += L::kPanel) {
+            const V x0 = At<V>(x), x1 = At<V>(x + L::kLanes);
+#pragma GCC unroll 4
+            for (std::size_t r = 0; r < kTileRows; ++r)
+                row[r][0] -= x0 * y[r], row[r][1] -= x1 * y[r];
+        }
+    }
+};
+
+/// A square block of as many vectors as a vector has lanes. `where(r)` is the address of vector r,
+/// which need not be aligned.
+template <class L>
+struct Block {
+    using V = typename L::Vector;
+    V v0, v1, v2, v3;
+
+    template <class Where>
+    CORVALE_LOOP void Load(const Where& where) noexcept {
+        std::memcpy(&v0, where(0), sizeof v0), std::memcpy(&v1, where(1), sizeof v1);
+        if constexpr (L::kLanes == 4)
+            std::memcpy(&v2, where(2), sizeof v2), std::memcpy(&v3, where(3), sizeof v3);
+    }
+    template <class Where>
+    CORVALE_LOOP void Store(const Where& where) const noexcept {
+        std::memcpy(where(0), &v0, sizeof v0), std::memcpy(where(1), &v1, sizeof v1);
+        if constexpr (L::kLanes == 4)
+            std::memcpy(where(2), &v2, sizeof v2), std::memcpy(where(3), &v3, sizeof v3);
+    }
+    /// Lane r of vector c becomes lane c of vector r.
+    CORVALE_LOOP void Turn() noexcept {
+        if constexpr (L::kLanes == 2) {
+            const V p = v0;
+            v0 = __builtin_shufflevector(p, v1, 0, 2);
+            v1 = __builtin_shufflevector(p, v1, 1, 3);
+        } else {
+            const V p = __builtin_shufflevector(v0, v1, 0, 4, 2, 6);
+            const V q = __builtin_shufflevector(v0, v1, 1, 5, 3, 7);
+            const V r = __builtin_shufflevector(v2, v3, 0, 4, 2, 6);
+            const V s = __builtin_shufflevector(v2, v3, 1, 5, 3, 7);
+            v0 = __builtin_shufflevector(p, r, 0, 1, 4, 5);
+            v1 = __builtin_shufflevector(q, s, 0, 1, 4, 5);
+            v2 = __builtin_shufflevector(p, r, 2, 3, 6, 7);
+            v3 = __builtin_shufflevector(q, s, 2, 3, 6, 7);
+        }
+    }
+};
+
+}  // namespace corvale::internal

@@ -1,0 +1,112 @@
+// Views: vectors and matrices that lie anywhere in memory, counted from 1.
+//
+// A view names elements that belong to someone else: the first one, how many there are, and how
+// far it is from one to the next. Copying a view copies no element. The writable view converts to
+// the read-only one, `MatrixView<double>` to `MatrixView<const double>`.
+//
+//     double m[6];                                // 2 rows, 3 columns, column by column
+//     MatrixView<double> whole(m, 2, 3);          // whole(2, 1) is m[1]
+//     MatrixView<double> turned(m, 3, 2, 2, 1);   // its transpose: turned(1, 2) is m[1]
+//     VectorView<double> back(m + 5, 6, -1);      // back(1) is m[5]
+//
+// Shape      strides count elements, not bytes, and may be negative or zero; an extent below 0
+//            counts as 0
+// Bad input  nothing is checked: an index outside the extents reads outside the view
+// Threads    a view is a value: any number of threads at once
+//
+// VectorView  MatrixView
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+namespace corvale::GenFunctions {
+
+/// `Size()` elements, `Stride()` apart. `T` is `double` or `const double`.
+template <class T>
+class VectorView {
+  public:
+    /// No elements.
+    constexpr VectorView() noexcept = default;
+
+    /// `size` elements, the first at `data`. The pointer may be null when there are none.
+    constexpr VectorView(T* data, std::int32_t size, std::ptrdiff_t stride = 1) noexcept
+        : data_(data), stride_(stride), size_(size > 0 ? size : 0) {}
+
+    /// The same elements, to be read only.
+    template <class U, class = std::enable_if_t<std::is_same_v<const U, T>>>
+    constexpr VectorView(const VectorView<U>& other) noexcept
+        : VectorView(other.Data(), other.Size(), other.Stride()) {}
+
+    /// The element at position `i`, counted from 1.
+    [[nodiscard]] constexpr T& operator()(std::int32_t i) const noexcept {
+        return data_[(std::ptrdiff_t{i} - 1) * stride_];
+    }
+
+    /// The address of the first element.
+    [[nodiscard]] constexpr T* Data() const noexcept { return data_; }
+    /// How many elements there are.
+    [[nodiscard]] constexpr std::int32_t Size() const noexcept { return size_; }
+    /// From one element to the next.
+    [[nodiscard]] constexpr std::ptrdiff_t Stride() const noexcept { return stride_; }
+
+  private:
+    T* data_ = nullptr;
+    std::ptrdiff_t stride_ = 1;
+    std::int32_t size_ = 0;
+};
+
+/// `Rows()` by `Columns()` elements. `T` is `double` or `const double`.
+template <class T>
+class MatrixView {
+  public:
+    /// No elements.
+    constexpr MatrixView() noexcept = default;
+
+    /// A contiguous matrix, column by column, element (1,1) at `data`. The pointer may be null when
+    /// there are no elements.
+    constexpr MatrixView(T* data, std::int32_t rows, std::int32_t columns) noexcept
+        : MatrixView(data, rows, columns, 1, rows) {}
+
+    /// From one row to the next it is `rowStride`, from one column to the next `columnStride`.
+    constexpr MatrixView(T* data, std::int32_t rows, std::int32_t columns, std::ptrdiff_t rowStride,
+                         std::ptrdiff_t columnStride) noexcept
+        : data_(data),
+          rowStride_(rowStride),
+          columnStride_(columnStride),
+          rows_(rows > 0 ? rows : 0),
+          columns_(columns > 0 ? columns : 0) {}
+
+    /// The same elements, to be read only.
+    template <class U, class = std::enable_if_t<std::is_same_v<const U, T>>>
+    constexpr MatrixView(const MatrixView<U>& other) noexcept
+        : MatrixView(other.Data(), other.Rows(), other.Columns(), other.RowStride(),
+                     other.ColumnStride()) {}
+
+    /// The element in row `i` and column `j`, both counted from 1.
+    [[nodiscard]] constexpr T& operator()(std::int32_t i, std::int32_t j) const noexcept {
+        return data_[(std::ptrdiff_t{i} - 1) * rowStride_ +
+                     (std::ptrdiff_t{j} - 1) * columnStride_];
+    }
+
+    /// The address of element (1,1).
+    [[nodiscard]] constexpr T* Data() const noexcept { return data_; }
+    /// How many rows there are.
+    [[nodiscard]] constexpr std::int32_t Rows() const noexcept { return rows_; }
+    /// How many columns there are.
+    [[nodiscard]] constexpr std::int32_t Columns() const noexcept { return columns_; }
+    /// From one row to the next.
+    [[nodiscard]] constexpr std::ptrdiff_t RowStride() const noexcept { return rowStride_; }
+    /// From one column to the next.
+    [[nodiscard]] constexpr std::ptrdiff_t ColumnStride() const noexcept { return columnStride_; }
+
+  private:
+    T* data_ = nullptr;
+    std::ptrdiff_t rowStride_ = 1;
+    std::ptrdiff_t columnStride_ = 0;
+    std::int32_t rows_ = 0;
+    std::int32_t columns_ = 0;
+};
+
+}  // namespace corvale::GenFunctions

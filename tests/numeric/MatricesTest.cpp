@@ -1,0 +1,238 @@
+// What the bit-for-bit comparison (MatrixDifference.cpp) does not see: sizes, small known results,
+// bad shapes, overlaps, missing memory, floating-point traps.
+#include <corvale/numeric/GenFunctions.hpp>
+
+#include "Bits.hpp"
+#include "literal/MatrixKinds.hpp"
+
+#include <gtest/gtest.h>
+#include <algorithm>
+#include <bit>
+#include <cfenv>
+#include <cmath>
+#include <cstdlib>
+#include <new>
+#include <string>
+
+namespace {
+bool gNoMemory = false;
+}
+
+// The library takes its scratch with this form alone.
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    const auto unit = static_cast<std::size_t>(alignment);
+    return gNoMemory ? nullptr : std::aligned_alloc(unit, (size + unit - 1) / unit * unit);
+}
+void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept {
+    std::free(p);
+}
+
+namespace corvale::GenFunctions {
+namespace {
+
+using test::Bits;
+using test::Matrix;
+
+void ExpectSameBits(const Matrix& got, const Matrix& wanted, const std::string& why) {
+    ASSERT_EQ(got.size(), wanted.size());
+    for (std::size_t i = 0; i < got.size(); ++i)
+        ASSERT_EQ(Bits(got[i]), Bits(wanted[i])) << why << ", element " << i << ": " << got[i];
+}
+
+TEST(PackedSizes, AreExactOrSaturate) {
+    struct Case {
+        std::int32_t order, length;
+        const char* why;
+    };
+    for (const auto& [order, length, why] :
+         {Case{0, 0, "empty"}, Case{1, 1, "one element"}, Case{4, 10, "small"},
+          Case{46340, 1073720970, "the last n n + n of 32 bits"},
+          Case{46341, 1073767311, "the first beyond them"},
+          Case{65535, 2147450880, "the last length of 32 bits"}}) {
+        EXPECT_EQ(SizeOfLta(MatrixView<const double>(nullptr, order, 1)), length) << why;
+        EXPECT_EQ(SizeOfSqrMtx(VectorView<const double>(nullptr, length)), order) << why;
+        const std::int32_t before = std::max(order - 1, 0);
+        EXPECT_EQ(SizeOfSqrMtx(VectorView<const double>(nullptr, length - 1)), before) << why;
+    }
+    EXPECT_EQ(SizeOfLta(MatrixView<const double>(nullptr, 65536, 1)), INT32_MAX);
+    EXPECT_EQ(SizeOfLta(MatrixView<const double>(nullptr, -3, 1)), 0) << "no rows";
+    EXPECT_EQ(SizeOfSqrMtx(VectorView<const double>(nullptr, INT32_MAX)), 65535);
+}
+
+TEST(Packed, GoesRowByRow) {
+    Matrix packed{1, 2, 3, 4, 5, 6, 99, 98}, square(9, -1.0), again(8, 0.0);
+    Lta2SqrMtx(VectorView<const double>(packed.data(), 8), MatrixView<double>(square.data(), 3, 3));
+    EXPECT_EQ(square, (Matrix{1, 2, 4, 2, 3, 5, 4, 5, 6})) << "incomplete rows are ignored";
+    square[3] = square[6] = square[7] = test::kNaN;
+    SqrMtx2Lta(MatrixView<const double>(square.data(), 3, 3), VectorView<double>(again.data(), 8));
+    EXPECT_EQ(again, (Matrix{1, 2, 3, 4, 5, 6, 0, 0})) << "nothing above the diagonal is read";
+}
+
+TEST(Packed, MovesEveryBit) {
+    const std::uint64_t signalling = 0xfff4000000000123U;  // arithmetic would change it
+    for (const std::int32_t n : {2, 40}) {
+        const auto count = static_cast<std::size_t>(n * n);
+        Matrix square(count, std::bit_cast<double>(signalling)), again(count), packed(count, 0.0);
+        const std::int32_t length = n * (n + 1) / 2;
+        SqrMtx2Lta(MatrixView<const double>(square.data(), n, n),
+                   VectorView<double>(packed.data(), length));
+        Lta2SqrMtx(VectorView<const double>(packed.data(), length),
+                   MatrixView<double>(again.data(), n, n));
+        for (const double value : again)
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(value), signalling) << n;
+    }
+}
+
+TEST(Packed, WritesNothingWhereItDoesNotFit) {
+    Matrix square(400, 1.0), packed(210, 2.0);
+    for (const std::int32_t n : {3, 20}) {
+        const std::int32_t length = n * (n + 1) / 2;
+        SqrMtx2Lta(MatrixView<const double>(square.data(), n, n),
+                   VectorView<double>(packed.data(), length - 1));
+        SqrMtx2Lta(MatrixView<const double>(square.data(), n, n - 1),
+                   VectorView<double>(packed.data(), length));
+        Lta2SqrMtx(VectorView<const double>(packed.data(), length),
+                   MatrixView<double>(square.data(), n, n - 1));
+        Lta2SqrMtx(VectorView<const double>(packed.data(), length),
+                   MatrixView<double>(square.data(), n - 1, n));
+    }
+    EXPECT_EQ(square, Matrix(400, 1.0));
+    EXPECT_EQ(packed, Matrix(210, 2.0));
+}
+
+TEST(Inversion, KnownSmallMatrices) {
+    struct Case {
+        std::int32_t rows, columns;
+        Matrix a, mtxInv, mInv;  // by columns
+        const char* why;
+    };
+    const Case cases[] = {
+        {1, 1, {4}, {0.25}, {0.25}, "one element"},
+        {1, 1, {0}, {0}, {0}, "zero"},
+        {2, 2, {0, 1, 1, 0}, {0, 1, 1, 0}, {0, 0, 0, 0}, "needs pivoting"},
+        {2, 2, {1, 2, 2, 4}, {0.5, 0.5, 0, -2}, {0, 0, 0, 0}, "singular: as far as reduced"},
+        {2, 2, {2, -2, 1, -1}, {0.5, -1, -0.5, 0}, {0, 0, 0, 0}, "a tie goes to the first row"},
+        {2, 2, {0, -0.0, 1, 2}, {0, -0.0, 1, 2}, {0, 0, 0, 0}, "zeros of either sign are no pivot"},
+        {1, 1, {0x1p-1074}, {test::kInfinity}, {test::kInfinity}, "a subnormal pivot"},
+        {1, 1, {test::kNaN}, {test::kNaN}, {test::kNaN}, "a NaN: not chosen, but taken"},
+        {2,
+         2,
+         {test::kNaN, 2, 1, 0},
+         {test::kNaN, 0.5, test::kNaN, 0},
+         Matrix(4, test::kNaN),
+         "the row without NaN comes first, then only a NaN is left"},
+        {2, 3, {1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}, {0, 0, 0, 0, 0, 0}, "not square"},
+    };
+    for (const auto& [rows, columns, a, mtxInv, mInv, why] : cases) {
+        Matrix result(a.size(), -1.0);
+        MtxInv(MatrixView<const double>(a.data(), rows, columns),
+               MatrixView<double>(result.data(), rows, columns));
+        ExpectSameBits(result, mtxInv, why);
+        MInv(MatrixView<const double>(a.data(), rows, columns),
+             MatrixView<double>(result.data(), rows, columns));
+        ExpectSameBits(result, mInv, why);
+    }
+}
+
+TEST(Inversion, CopiesOverlappingShapesAndLeavesSmallResultsAlone) {
+    Matrix a{1, 2, 3, 4, 5, 6, 7, 8};
+    MtxInv(MatrixView<const double>(a.data(), 2, 3), MatrixView<double>(a.data() + 1, 2, 3));
+    EXPECT_EQ(a, (Matrix{1, 1, 2, 3, 4, 5, 6, 8}));
+    for (const auto invert : {&MtxInv, &MInv}) {
+        invert(MatrixView<const double>(a.data(), 2, 2), MatrixView<double>(a.data() + 4, 2, 1));
+        invert(MatrixView<const double>(a.data(), 2, 2), MatrixView<double>(a.data() + 4, 1, 2));
+        invert(MatrixView<const double>(a.data(), 0, 2), MatrixView<double>(a.data() + 4, 2, 2));
+        invert({}, {});
+    }
+    EXPECT_EQ(a, (Matrix{1, 1, 2, 3, 4, 5, 6, 8}));
+}
+
+using Solver = void (*)(const double*, const double*, std::int32_t, double*, double*) noexcept;
+constexpr Solver kSolvers[] = {&Cholesky, &Cholesky2};
+
+TEST(Cholesky, KnownSmallSystems) {
+    const Matrix indefinite{1, 2, 2, 1}, ones{1, 1};
+    Matrix inverse(4), x(2);
+    Cholesky2(indefinite.data(), ones.data(), 2, inverse.data(), x.data());
+    EXPECT_DOUBLE_EQ(x[0], 1.0 / 3);
+    EXPECT_DOUBLE_EQ(x[1], 1.0 / 3);
+    EXPECT_DOUBLE_EQ(inverse[1], 2.0 / 3) << "the inverse, not only the solution";
+    EXPECT_EQ(inverse[3], -1.0 / 3) << "1/D(2)";
+    Cholesky(indefinite.data(), ones.data(), 2, inverse.data(), x.data());
+    inverse.insert(inverse.end(), x.begin(), x.end());
+    ExpectSameBits(inverse, Matrix(6, test::kNaN), "not positive definite");
+}
+
+TEST(Cholesky, TimesItsInverseIsTheIdentity) {
+    for (const Solver solve : kSolvers)
+        for (const std::int32_t n : {1, 5, 12, 13, 30, 97}) {
+            Matrix a = test::PositiveDefinite(n), b = test::RandomMatrix(n, 1, n), x(b.size());
+            Matrix inverse(a.size());
+            solve(a.data(), b.data(), n, inverse.data(), x.data());
+            for (std::int32_t i = 0; i < n; ++i)
+                for (std::int32_t j = 0; j < n; ++j) {
+                    double sum = 0.0;
+                    for (std::int32_t k = 0; k < n; ++k)
+                        sum += test::Element(a, n, i, k) * test::Element(inverse, n, k, j);
+                    ASSERT_NEAR(sum, i == j ? 1.0 : 0.0, 1e-11) << n;
+                }
+        }
+}
+
+TEST(Cholesky, TouchesNothingBelowOrderOne) {
+    for (const Solver solve : kSolvers) {
+        solve(nullptr, nullptr, 0, nullptr, nullptr);
+        solve(nullptr, nullptr, -1, nullptr, nullptr);
+    }
+}
+
+TEST(Cholesky, ResultsMayOverlapTheInput) {
+    for (const Solver solve : kSolvers)
+        for (const std::int32_t n : {3, 14, 40}) {
+            Matrix a = test::PositiveDefinite(n), b = test::RandomMatrix(n, 1, n);
+            Matrix inverse(a.size()), x(b.size());
+            solve(a.data(), b.data(), n, inverse.data(), x.data());
+            solve(a.data(), b.data(), n, a.data(), b.data());
+            ExpectSameBits(a, inverse, "inverse over the matrix");
+            ExpectSameBits(b, x, "solution over the right-hand side");
+        }
+}
+
+TEST(Matrices, AreNaNWithoutMemory) {
+    const std::int32_t n = 20;
+    const Matrix a = test::PositiveDefinite(n), nan(a.size(), test::kNaN);
+    Matrix result(a.size()), x(20);
+    gNoMemory = true;
+    for (const Solver solve : kSolvers) {
+        solve(a.data(), a.data(), n, result.data(), x.data());
+        ExpectSameBits(result, nan, "inverse");
+        ExpectSameBits(x, Matrix(20, test::kNaN), "solution");
+    }
+    for (const auto invert : {&MtxInv, &MInv}) {
+        result.assign(result.size(), 0.0);
+        invert(MatrixView<const double>(a.data(), n, n), MatrixView<double>(result.data(), n, n));
+        ExpectSameBits(result, nan, "inverse of a general matrix");
+    }
+    Cholesky(test::PositiveDefinite(16).data(), a.data(), 16, result.data(), x.data());
+    EXPECT_FALSE(std::isnan(x[0])) << "no memory is needed up to order 16";
+    gNoMemory = false;
+}
+
+#if defined(__GLIBC__) && defined(__x86_64__)
+TEST(Matrices, RaiseNoTrapOnGoodInput) {
+    for (std::int32_t n = 1; n <= 70; ++n) {
+        const Matrix a = test::PositiveDefinite(n), b = test::RandomMatrix(n, 1, n);
+        Matrix result(a.size()), x(b.size());
+        std::feclearexcept(FE_ALL_EXCEPT);
+        feenableexcept(FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW);
+        for (const Solver solve : kSolvers) solve(a.data(), b.data(), n, result.data(), x.data());
+        for (const auto invert : {&MtxInv, &MInv})
+            invert(MatrixView<const double>(a.data(), n, n),
+                   MatrixView<double>(result.data(), n, n));
+        fedisableexcept(FE_ALL_EXCEPT);
+    }
+}
+#endif
+
+}  // namespace
+}  // namespace corvale::GenFunctions
