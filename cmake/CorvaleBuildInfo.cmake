@@ -1,9 +1,10 @@
 # Build date, platform and compiler for the information line. The date is English in every locale
-# ("May  3 2024") and follows SOURCE_DATE_EPOCH.
+# ("May  3 2024"), follows SOURCE_DATE_EPOCH, and is that of the day when the build was configured.
 
-string(TIMESTAMP month "%m" UTC)
-string(TIMESTAMP day "%d" UTC)
-string(TIMESTAMP year "%Y" UTC)
+string(TIMESTAMP today "%Y;%m;%d" UTC)
+list(GET today 0 year)
+list(GET today 1 month)
+list(GET today 2 day)
 set(months Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec)
 math(EXPR month_index "${month} - 1")
 list(GET months ${month_index} month_name)

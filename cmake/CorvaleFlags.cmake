@@ -1,7 +1,9 @@
 # The flags of everything that is built here. Results must be the same to the last bit everywhere:
 # no flag that lets a compiler change floating-point arithmetic may reach the library.
 
-foreach(flags IN ITEMS CMAKE_C_FLAGS CMAKE_CXX_FLAGS CMAKE_CXX_FLAGS_RELEASE CMAKE_CXX_FLAGS_RELWITHDEBINFO)
+get_cmake_property(all_variables VARIABLES)
+list(FILTER all_variables INCLUDE REGEX "^CMAKE_(C|CXX|EXE_LINKER|SHARED_LINKER)_FLAGS")
+foreach(flags IN LISTS all_variables)
   if("${${flags}}" MATCHES "-ffast-math|-Ofast|-funsafe-math-optimizations|-ffinite-math-only|-fassociative-math|-freciprocal-math")
     message(FATAL_ERROR "Corvale: ${flags} asks for inexact arithmetic (${${flags}}); results would differ")
   endif()

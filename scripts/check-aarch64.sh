@@ -19,7 +19,7 @@ flags=(-std=c++20 -ffp-contract=off -I. -Itests -Ibench)
 # comparison NAME ARGUMENTS LIBRARY-SOURCE... : builds tests/soak/NAME.cpp with the plain loops that
 # belong to it, which no optimiser touches, and runs it.
 comparison() {
-  local name=$1 arguments=$2 source
+  local name=$1 arguments=$2
   shift 2
   "$compiler" "${flags[@]}" -O0 -c bench/literal/LiteralMatrices.cpp -o "$build/$name-literal.o"
   "$compiler" "${flags[@]}" -O3 -static "$@" tests/soak/"$name".cpp "$build/$name-literal.o" \

@@ -1,5 +1,6 @@
 # Shared by the scripts: the checkout's folder, and what a bare Debian 12 machine lacks.
 # Sourced, not run.
+# shellcheck shell=bash disable=SC2034
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 

@@ -8,22 +8,33 @@ echo "test.sh: builds Corvale with every preset and runs its tests"
 need "${build_packages[@]}" libgtest-dev clang clang-format clang-tidy libclang-rt-dev python3 \
     pkg-config locales
 
+# sources FOLDER...: the C and C++ files of those folders.
+sources() {
+    (cd "$top" && find "$@" -name '*.c' -o -name '*.h' -o -name '*.cpp' -o -name '*.hpp')
+}
+
 check_format() {
     echo "== format"
-    (cd "$top" && git ls-files | grep -E '\.(c|h|cpp|hpp)$' |
-        xargs clang-format --dry-run -Werror)
+    (cd "$top" && sources corvale tools examples tests bench | xargs clang-format --dry-run -Werror)
 }
 
 check_tidy() {
     echo "== clang-tidy"
-    (cd "$top" && git ls-files | grep -E '^(corvale|tools|examples)/.*\.cpp$' |
-        xargs -P 2 -n 4 clang-tidy -quiet -p build/clang 2>/dev/null)
+    (cd "$top" && sources corvale tools examples | grep 'cpp$' |
+        xargs -P 2 -n 4 clang-tidy -quiet -p build/clang 2>&1 |
+        grep -vE '^[0-9]+ warnings? (generated|treated)|^Suppressed|^Use -header-filter' || true) |
+        tee "$top/build/tidy.log"
+    if grep -qE 'error|warning' "$top/build/tidy.log"; then return 1; fi
 }
 
 test_preset() {
+    local log
+    log=$(mktemp)
     echo "== $1"
     build "$1" -DCORVALE_BUILD_TESTS=ON
-    ctest --test-dir "$top/build/$1" --output-on-failure -j 2 | tail -n 8
+    ctest --test-dir "$top/build/$1" --output-on-failure -j 2 >"$log" 2>&1 || { cat "$log"; return 1; }
+    tail -n 4 "$log"
+    rm -f "$log"
 }
 
 if [ $# -gt 0 ]; then

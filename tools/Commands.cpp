@@ -4,6 +4,7 @@
 
 #include <corvale/Corvale.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <filesystem>
@@ -24,8 +25,9 @@ bool IsRefused(const std::string& name) {
     return why.has_value();
 }
 
-// The log is emptied when it is opened.
-bool IsSameFile(const std::string& log, const std::string& input) {
+// The log is emptied when it is opened. The library takes backslashes of the input's name as slashes.
+bool IsSameFile(const std::string& log, std::string input) {
+    std::ranges::replace(input, '\\', '/');
     std::error_code notThere;
     if (log != input && !std::filesystem::equivalent(log, input, notThere)) return false;
     std::cerr << "corvale: the log \"" << log
@@ -73,18 +75,17 @@ void PrintTable() {
     for (std::size_t i = 0; i < values.size(); i += perRow) {
         std::cout << std::setw(3) << i + 1 << " to " << std::setw(3) << i + perRow;
         for (std::size_t j = i; j < i + perRow; ++j)
-            std::cout << ' ' << std::setw(23) << RealText(values[j]);
+            std::cout << ' ' << std::setw(24) << RealText(values[j]);
         std::cout << '\n';
     }
 }
 
-// The log is open while the file is loaded, and closed whatever happens.
-int LoadWithLog(const LoadOptions& options) {
-    if (OpenLogFile(options.log.c_str()) != CORVALE_OK) return Fail();
-    LogMessage(("corvale load " + options.file).c_str());
-    const int status = Load({options.file, "", options.asJson});
-    CloseLogFile();
-    return status;
+// Says what came of a call with `status`: the values, or why there are none.
+int Report(int status, bool asJson) {
+    if (asJson) PrintJson(status);
+    if (status != CORVALE_OK) return Fail();
+    if (!asJson) PrintTable();
+    return kExitOk;
 }
 
 }  // namespace
@@ -96,16 +97,17 @@ int Info() {
 
 int Load(const LoadOptions& options) {
     if (IsRefused(options.file)) return kExitFailed;
-    if (!options.log.empty()) {
-        if (IsRefused(options.log) || IsSameFile(options.log, options.file)) return kExitFailed;
-        return LoadWithLog(options);
-    }
+    if (options.log.empty()) return Report(CorvaleLoadFile(options.file.c_str()), options.asJson);
 
-    const int status = CorvaleLoadFile(options.file.c_str());
-    if (options.asJson) PrintJson(status);
-    if (status != CORVALE_OK) return Fail();
-    if (!options.asJson) PrintTable();
-    return kExitOk;
+    if (IsRefused(options.log) || IsSameFile(options.log, options.file)) return kExitFailed;
+    int status = OpenLogFile(options.log.c_str());
+    if (status == CORVALE_OK) {
+        LogMessage(("corvale load " + options.file).c_str());
+        status = CorvaleLoadFile(options.file.c_str());
+    }
+    const int exitStatus = Report(status, options.asJson);
+    CloseLogFile();  // blanks the message, so that it comes last
+    return exitStatus;
 }
 
 }  // namespace corvale::tool

@@ -6,6 +6,8 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace corvale::tool {
 namespace {
@@ -39,6 +41,8 @@ int Run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
+        const std::vector<std::string> unknown = app.remaining(true);
+        if (!unknown.empty()) std::cerr << "corvale: \"" << unknown.front() << "\" is not known\n";
         status = app.exit(error) == 0 ? kExitOk : kExitFailed;
     }
     std::cout.flush();

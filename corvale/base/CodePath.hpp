@@ -32,12 +32,14 @@ namespace corvale::internal {
 }
 
 #if CORVALE_HAS_AVX2_PATH
+/// The copy of `Loop` for processors with AVX2.
 template <class Loop, class... Args>
 [[gnu::target("avx2")]] auto WithAvx2(Args... args) noexcept {
     return Loop{}(args...);
 }
 #endif
 
+/// Runs `Loop` on `args` with the best code that the processor has.
 template <class Loop, class... Args>
 auto OnBestPath(Args... args) noexcept {
 #if CORVALE_HAS_AVX2_PATH

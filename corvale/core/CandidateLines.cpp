@@ -23,9 +23,9 @@ static_assert(kFront > kLongest);
 // One character more stands behind what was read.
 alignas(64) constinit std::array<char, kFront + kChunk + 1> buffer{};
 
-// The first place where a line begins with q or Q, or no more than a block before it; `n` when
-// there is none. `text[-1]` is looked at too. Nothing is done for each line: the search runs over
-// line ends as over any other character (bench: CardFile).
+// The first line that begins with QZ in any case, or a place at most one block before it; `n` when
+// there is none. `text[-1]` and `text[n]` are looked at too. Nothing is done for each line: the search
+// runs over line ends as over any other character (bench: CardFile).
 struct NearCandidateLoop {
     static constexpr std::size_t kBlock = 256;
 

@@ -102,10 +102,12 @@ class MoicCards {
     }
 
     void Settle(std::size_t first, std::size_t end, const internal::ScannedReal& number) noexcept {
-        for (std::size_t element = first; element < end; ++element) {
-            if (isSettled_[element]) continue;
-            MoicArr[element] = internal::ToDouble(number);
-            isSettled_[element] = true;
+        while (first < end && isSettled_[first]) ++first;
+        if (first == end) return;  // a number that gives nothing new is not converted
+        const double value = internal::ToDouble(number);
+        for (; first < end; ++first) {
+            if (!isSettled_[first]) MoicArr[first] = value;
+            isSettled_[first] = true;
         }
     }
 

@@ -60,7 +60,7 @@ CORVALE_API void ElsetKeyModeSet(std::int32_t mode) noexcept;       ///< sets `E
 [[nodiscard]] CORVALE_API std::int32_t ReadCorvaleFrFile(std::string_view fileName) noexcept;
 
 /// Reads the cards of the file that is open for reading on `unit`, from its first line to its end,
-/// and leaves it open. Always 0.
+/// and leaves it open. Always 0, which may be ignored.
 ///
 /// Bad input  a unit that is not open for reading, or cannot be rewound: nothing is read
 CORVALE_API std::int32_t ReadCorvaleFrFileUnit(std::int32_t unit) noexcept;

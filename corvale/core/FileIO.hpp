@@ -8,7 +8,8 @@
 // length, trailing blanks included. When TraceLogError and TraceLogInfo return, the line has been
 // handed to the system: a process that is killed loses none. A line that the system does not take
 // (disk full, nobody reads the pipe) is lost without an error; later ones are written again once
-// they can be.
+// they can be. A file-size limit is such a case; only a process that sets one while the log is open,
+// at or below the log's size, should ignore SIGXFSZ.
 //
 // Message  LastLoggedErrMsg  LogLastInfoMsg  TraceLogError  TraceLogInfo  LogFileUnit
 // Open     FileOpen  FileOpenMT
@@ -75,7 +76,8 @@ CORVALE_API void TraceLogInfo(std::string_view message) noexcept;
 /// Opens a text file on `fileUnit`, any number, after closing what was open there. Backslashes of
 /// the name are taken as slashes; trailing blanks are not part of it, leading ones are.
 /// Directories, block devices and devices that never end are no text files; opening never waits for
-/// a named pipe longer than two seconds. Lines are read and written with TextUnits.
+/// a named pipe longer than two seconds (reading one then waits for its writer as long as that
+/// lives). Lines are read and written with TextUnits.
 ///
 /// `ioMode`     0 to write (the file is created or emptied), 1 to read (it must exist), 2 to append
 ///              (it is created or kept)

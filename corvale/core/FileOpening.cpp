@@ -56,9 +56,14 @@ std::int32_t Fail(std::string_view message) noexcept {
 
 std::int32_t FailToOpen(std::string_view beginning, std::string_view name,
                         std::int32_t ioMode) noexcept {
-    const std::array<std::string_view, 5> message = {
-        beginning, "\"", name, "\"", ioMode == kRead ? " for reading." : " for writing."};
-    internal::TraceErrorPieces(message);
+    const std::array<std::string_view, 6> line = {
+        internal::kErrorPrefix,
+        beginning,
+        "\"",
+        name,
+        "\"",
+        ioMode == kRead ? " for reading." : " for writing."};
+    internal::TraceErrorLine(line);
     return CorvaleTypes::StatusFailed;
 }
 

@@ -20,7 +20,6 @@ namespace {
 
 constexpr std::int32_t kNoLog = 0;
 constexpr std::int32_t kLogUnit = 6;
-constexpr std::string_view kErrorPrefix = "Error-";
 
 using Pieces = std::span<const std::string_view>;
 
@@ -47,7 +46,7 @@ void WriteToLog(Pieces pieces) noexcept {
 }  // namespace
 
 void TraceLogError(std::string_view message) noexcept {
-    internal::TraceErrorPieces({&message, 1});
+    internal::TraceErrorLine(std::array{internal::kErrorPrefix, message});
 }
 
 void TraceLogInfo(std::string_view message) noexcept {
@@ -62,16 +61,11 @@ namespace corvale::internal {
 
 using namespace FileIO;
 
-void TraceErrorPieces(std::span<const std::string_view> pieces) noexcept {
+void TraceErrorLine(std::span<const std::string_view> line) noexcept {
     const std::scoped_lock guard(NamedLocks::NamedLock(NamedLocks::ErrorMessageLock));
-    if (!IsBlank(pieces)) {
-        std::array<std::string_view, 8> line = {kErrorPrefix};
-        const auto end = std::ranges::copy(pieces.first(std::min(pieces.size(), line.size() - 1)),
-                                           line.begin() + 1)
-                             .out;
-        WriteToLog({line.begin(), end});
-    }
-    StorePieces(pieces, LastLoggedErrMsg);
+    const Pieces message = line.subspan(1);
+    if (!IsBlank(message)) WriteToLog(line);
+    StorePieces(message, LastLoggedErrMsg);
 }
 
 std::int32_t OpenLog(std::string_view name) noexcept {

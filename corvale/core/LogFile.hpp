@@ -14,8 +14,11 @@ namespace corvale::internal {
 /// Closes the log, if one is open, and clears the error store.
 void CloseLog() noexcept;
 
-/// `FileIO::TraceLogError` of a message that is given in pieces, so that one with a long name in it
-/// needs no memory.
-void TraceErrorPieces(std::span<const std::string_view> pieces) noexcept;
+/// What an error line begins with in the log; it is not part of the stored message.
+inline constexpr std::string_view kErrorPrefix = "Error-";
+
+/// `FileIO::TraceLogError` of a message in pieces that follow `kErrorPrefix`, so that one with a long
+/// name in it needs no memory.
+void TraceErrorLine(std::span<const std::string_view> line) noexcept;
 
 }  // namespace corvale::internal

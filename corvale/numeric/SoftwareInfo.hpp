@@ -16,7 +16,7 @@ namespace corvale::GenFunctions {
 /// Width      exactly 128 characters, blank-filled, without a terminator; trailing blanks of
 ///            `libName` and `version` are kept
 /// Bad input  a line longer than 128 characters is cut there: `libName`, `version` and the name of
-///            the compiler have 44 characters together
+///            the compiler have at least 44 characters together
 /// Aliasing   `info` must not overlap `libName` or `version`
 /// Threads    no state: any number of threads at once
 CORVALE_API void GetSoftwareInfo(std::string_view libName, std::span<char, 128> info,

@@ -116,7 +116,7 @@ bool MakeBlocking(int descriptor) noexcept {
 bool EndsInsideLine(const char* path, const struct stat& status) noexcept {
     if (!S_ISREG(status.st_mode) || status.st_size == 0) return false;
     const int reader = OpenPath(path, FileAccess::Read);
-    if (reader < 0) return false;
+    if (reader < 0) return true;  // not to be known: rather an empty line than two lines in one
     char last = '\n';
     const auto count =
         RetryInterrupted([&] { return pread(reader, &last, 1, status.st_size - 1); });
@@ -208,7 +208,7 @@ bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
         file.isStuck = false;
         parts = Advance(parts, static_cast<std::size_t>(written));
         file.lacksLineEnd = !parts.empty();
-        // A limit that was set after opening first shows as a short write.
+        // A limit that was set after opening mostly shows as a short write first.
         if (!parts.empty()) file.mayRaiseSignals = true;
     }
     return true;

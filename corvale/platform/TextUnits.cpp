@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::int32_t kStandardOutputUnit = 6;
 constexpr std::int32_t kFirstFreshUnit = 1000000;
-constexpr std::int32_t kMostUnits = 4096;
+constexpr std::int32_t kMostUnits = 1024;
 constexpr std::size_t kReadBuffer = 4096;
 
 // One open file. All zero when nothing is open, so that the table takes no room in the library's
@@ -88,8 +88,8 @@ void CloseNumber(std::int32_t number) noexcept {
     {
         const std::scoped_lock guard(place.unit->writing);
         if (place.key->load(std::memory_order_relaxed) != KeyOf(number)) return;
-        place.key->store(0,
-                         std::memory_order_release);  // first: a fork between leaves no key alone
+        // The key first: a fork between the two leaves no key without a file.
+        place.key->store(0, std::memory_order_release);
         file.swap(place.unit->file);
     }
     if (file->descriptor > STDERR_FILENO) close(file->descriptor);

@@ -4,7 +4,7 @@
 // Files are opened by `FileIO::FileOpen` and `FileOpenMT`; what they opened is read, written,
 // rewound and closed here. A unit either reads or writes. Unit 6 is the process's standard output
 // until something is opened on it or it is closed; the log file is opened on it. Unit 3 is the one
-// that input files are loaded through. At most 4096 units are open at a time.
+// that input files are loaded through. At most 1024 units are open at a time.
 //
 // A line ends with LF or with CR LF. A CR elsewhere, a NUL, a tab, bytes above 127 are ordinary
 // characters. The last line of a file counts without a line end too.
@@ -34,7 +34,7 @@ CORVALE_API void Close(std::int32_t unit) noexcept;
 /// as long as nothing has been read from it.
 [[nodiscard]] CORVALE_API bool Rewind(std::int32_t unit) noexcept;
 
-/// Reads the next line into `line`: false at the end of the file (`line` keeps what it held) and
+/// Reads the next line into `line`, waiting for the writer of a pipe as long as that lives: false at the end of the file (`line` keeps what it held) and
 /// when the system reports an error (what `line` holds then is unspecified).
 ///
 /// Width      the line is cut or blank-filled to `line.size()`; what was cut off is skipped,

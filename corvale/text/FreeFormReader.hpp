@@ -18,8 +18,7 @@ struct FreeFormRules {
     bool tabSeparates;        ///< a tab is as good as a blank
     bool semicolonSeparates;  ///< a semicolon is as good as a comma
     bool repeatCounts;        ///< n*v is n copies of v, n* alone n empty items
-    std::size_t
-        numberWidth;  ///< the characters of an item after these do not count; `npos`: all do
+    std::size_t numberWidth;  ///< how many characters of an item count; `npos`: all
 };
 
 enum class ItemKind : std::uint8_t {
