@@ -1,12 +1,12 @@
 // The small numeric procedures beside their peers: Topic/Peer. What a peer answers is compared
-// first. Vectors are called through pointers on both sides: what is compared is the work, not the
-// call; "inline" shows what a caller gains who compiles the work in.
+// first. Vectors by Eigen stand in a shared library as ours do: what is compared is the work, not
+// the call; "inline" shows what a caller gains who compiles the work in.
 #include <corvale/numeric/GenFunctions.hpp>
 
+#include "EigenPeers.hpp"
 #include "numeric/LiteralNumeric.hpp"
 
 #include <benchmark/benchmark.h>
-#include <Eigen/Geometry>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -119,16 +119,6 @@ std::vector<Vector3> RandomVectors() {
     return vectors;
 }
 
-Eigen::Map<const Eigen::Vector3d> View(const Vector3& v) {
-    return Eigen::Map<const Eigen::Vector3d>(v.data());
-}
-template <class Expression>
-Vector3 Stored(const Expression& expression) {
-    Vector3 v;
-    Eigen::Map<Eigen::Vector3d>(v.data()) = expression;
-    return v;
-}
-
 bool AreNear(double a, double b) {
     return std::fabs(a - b) <= 1e-13;
 }
@@ -150,47 +140,31 @@ void Vectors(benchmark::State& state, Operate operate, Model model) {
     state.SetItemsProcessed(state.iterations() * (std::ssize(vectors) - 1));
 }
 
-double MagByEigen(const Vector3& v) {
-    return View(v).norm();
-}
-Vector3 CrossByEigen(const Vector3& a, const Vector3& b) {
-    return Stored(View(a).cross(View(b)));
-}
-Vector3 RotateByEigen(const Vector3& v, std::int32_t, double angle) {
-    return Stored(Eigen::AngleAxisd(-angle, Eigen::Vector3d::UnitZ()) * View(v));
-}
-
-// Nothing is known of what a pointer points to once it has been read from a volatile one.
-template <class Function>
-auto Opaque(Function* function) {
-    Function* volatile hidden = function;
-    return hidden;
-}
 template <class Function>
 auto OfFirst(Function* function) {
-    return [f = Opaque(function)](const Vector3& a, const Vector3&) { return f(a); };
+    return [function](const Vector3& a, const Vector3&) { return function(a); };
 }
 template <class Function>
 auto OfBoth(Function* function) {
-    return [f = Opaque(function)](const Vector3& a, const Vector3& b) { return f(a, b); };
+    return [function](const Vector3& a, const Vector3& b) { return function(a, b); };
 }
 template <class Function>
 auto ByAngle(Function* function) {
-    return [f = Opaque(function)](const Vector3& a, const Vector3& b) { return f(a, 3, b[0]); };
+    return [function](const Vector3& a, const Vector3& b) { return function(a, 3, b[0]); };
 }
-constexpr auto kMagInline = [](const Vector3& a, const Vector3&) { return View(a).norm(); };
+constexpr auto kMagInline = [](const Vector3& a, const Vector3&) { return eigen::View(a).norm(); };
 constexpr auto kCrossInline = [](const Vector3& a, const Vector3& b) {
-    return Stored(View(a).cross(View(b)));
+    return eigen::Stored(eigen::View(a).cross(eigen::View(b)));
 };
 
 BENCHMARK_CAPTURE(Vectors, , OfFirst(gen::Mag), OfFirst(gen::Mag))->Name("Mag/Corvale");
-BENCHMARK_CAPTURE(Vectors, , OfFirst(MagByEigen), OfFirst(gen::Mag))->Name("Mag/Eigen");
+BENCHMARK_CAPTURE(Vectors, , OfFirst(eigen::Mag), OfFirst(gen::Mag))->Name("Mag/Eigen");
 BENCHMARK_CAPTURE(Vectors, , kMagInline, OfFirst(gen::Mag))->Name("Mag/Eigen_inline");
 BENCHMARK_CAPTURE(Vectors, , OfBoth(gen::Cross), OfBoth(gen::Cross))->Name("Cross/Corvale");
-BENCHMARK_CAPTURE(Vectors, , OfBoth(CrossByEigen), OfBoth(gen::Cross))->Name("Cross/Eigen");
+BENCHMARK_CAPTURE(Vectors, , OfBoth(eigen::Cross), OfBoth(gen::Cross))->Name("Cross/Eigen");
 BENCHMARK_CAPTURE(Vectors, , kCrossInline, OfBoth(gen::Cross))->Name("Cross/Eigen_inline");
 BENCHMARK_CAPTURE(Vectors, , ByAngle(gen::Rotate), ByAngle(gen::Rotate))->Name("Rotate/Corvale");
-BENCHMARK_CAPTURE(Vectors, , ByAngle(RotateByEigen), ByAngle(gen::Rotate))
+BENCHMARK_CAPTURE(Vectors, , ByAngle(eigen::Rotate), ByAngle(gen::Rotate))
     ->Name("Rotate/Eigen_AngleAxis");
 
 // ---- integer lists: half the values occur more than once
