@@ -3,7 +3,7 @@
 // on a positive definite one. Packed is measured against memcpy of the square.
 #include <corvale/numeric/GenFunctions.hpp>
 
-#include "EigenPeer.hpp"
+#include "EigenMatrices.hpp"
 #include "literal/LiteralMatrices.hpp"
 #include "literal/MatrixKinds.hpp"
 

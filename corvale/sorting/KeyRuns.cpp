@@ -12,9 +12,6 @@ namespace {
 constexpr std::size_t kMostRuns = 4;
 constexpr std::size_t kLeastShare = 16;
 
-// Ranges up to this length are sorted as fast as two runs are merged.
-constexpr std::size_t kNoMerging = 256;
-
 struct Run {
     std::size_t end;
     bool isDescending;
@@ -195,14 +192,20 @@ void MergeRuns(const KeyRange& range, std::size_t split, std::span<std::int32_t>
 
 }  // namespace
 
-bool SortRuns(const KeyRange& all, std::span<std::int32_t> block) noexcept {
+bool SortOneRun(const KeyRange& range) noexcept {
+    const Run run = FindRun(range, 0);
+    if (run.end < range.count) return false;
+    if (run.isDescending) Reverse(range);
+    return true;
+}
+
+bool SortLongRuns(const KeyRange& all, std::span<std::int32_t> block) noexcept {
     std::array<std::size_t, kMostRuns> ends{};
-    const std::size_t least = all.count <= kNoMerging ? all.count : all.count / kLeastShare;
     std::size_t runs = 0;
     for (std::size_t begin = 0; begin < all.count; ++runs) {
         if (runs == kMostRuns) return false;
         const Run run = FindRun(all, begin);
-        if (run.end - begin < least) return false;
+        if ((run.end - begin) * kLeastShare < all.count) return false;
         if (run.isDescending) Reverse(all.Part(begin, run.end));
         ends[runs] = run.end;
         begin = run.end;

@@ -1,5 +1,7 @@
 #include <corvale/sorting/ShortRanges.hpp>
 
+#include <corvale/sorting/KeyRuns.hpp>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -23,7 +25,8 @@ Difference FindDifference(const KeyRange& range) noexcept {
     std::array<std::uint64_t, 4> bits{};
     for (std::size_t i = 1; i < range.count; ++i)
         for (std::size_t w = 0; w < 4; ++w)
-            bits[w] |= WordAt(range.keys[i], 8 * w) ^ WordAt(range.keys[0], 8 * w);
+            bits[w] |= StoredWordAt(range.keys[i], 8 * w) ^ StoredWordAt(range.keys[0], 8 * w);
+    for (std::uint64_t& word : bits) word = InOrder(word);
 
     std::size_t first = 0;
     std::size_t last = 4;
@@ -32,12 +35,6 @@ Difference FindDifference(const KeyRange& range) noexcept {
     while (bits[last - 1] == 0) --last;
     return {8 * first + static_cast<std::size_t>(std::countl_zero(bits[first])) / 8,
             8 * last - static_cast<std::size_t>(std::countr_zero(bits[last - 1])) / 8};
-}
-
-bool IsSorted(const KeyRange& range) noexcept {
-    for (std::size_t i = 1; i < range.count; ++i)
-        if (IsLess(range.keys[i], range.keys[i - 1])) return false;
-    return true;
 }
 
 void Load(const KeyRange& range, std::size_t offset, std::uint64_t* words) noexcept {
@@ -149,7 +146,7 @@ void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t be
 }  // namespace
 
 void SortShortRange(const KeyRange& range, std::size_t begin, RangeStack& pending) noexcept {
-    if (IsSorted(range)) return;
+    if (SortOneRun(range)) return;
     const Difference difference = FindDifference(range);
     if (difference.end == 0) return;
 

@@ -20,7 +20,7 @@ void QuickSortIterative(
     if (n < 2) return;
     internal::RangeStack pending(n);
     const internal::KeyRange all{keys, companion, static_cast<std::size_t>(n)};
-    if (internal::SortRuns(all, pending.Block())) return;
+    if (all.count > internal::kShortRange && internal::SortLongRuns(all, pending.Block())) return;
 
     pending.Push(0, all.count);
     while (!pending.IsEmpty()) {

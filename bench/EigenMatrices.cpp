@@ -1,5 +1,5 @@
 // Eigen as a user of this machine would build it: with every instruction the processor has.
-#include "EigenPeer.hpp"
+#include "EigenMatrices.hpp"
 
 #include <Eigen/Dense>
 
