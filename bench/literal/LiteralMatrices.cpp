@@ -15,6 +15,8 @@ struct Square {
     std::size_t Count() const {
         return static_cast<std::size_t>(order) * static_cast<std::size_t>(order);
     }
+    Square(const Square&) = delete;  // `elements` may point into `own`
+    Square& operator=(const Square&) = delete;
     double& operator()(std::int32_t i, std::int32_t j) const {
         return elements[std::ptrdiff_t{j - 1} * order + i - 1];
     }

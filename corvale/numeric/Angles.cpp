@@ -61,7 +61,7 @@ std::uint32_t Thousandths(double seconds) noexcept {
     const auto bits = std::bit_cast<std::uint64_t>(seconds);
     const auto exponent = static_cast<int>(bits >> 52U);
     const int shift = 1075 - exponent;  // 60 seconds and less: at least 47
-    if (shift > 63) return 0;           // below 2^-10 thousandths
+    if (shift > 63) return 0;           // below 2^-11 seconds: less than half a thousandth
 
     const std::uint64_t mantissa = (bits & 0xFFFFFFFFFFFFFU) | 0x10000000000000U;
     const std::uint64_t product = mantissa * 1000;

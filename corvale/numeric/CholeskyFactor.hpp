@@ -106,6 +106,7 @@ struct Factor {
             At<V>(row) = sums.row[r][0], At<V>(row + L::kLanes) = sums.row[r][1];
             const double pivot = NextPivot(work, k + r, given[r * L::kPanel + at], row[at]);
             const V position = Splat<V>(static_cast<double>(at));
+            V kept[2];
 #pragma GCC unroll 2
             for (std::size_t h = 0; h < 2; ++h) {
                 const V zero{}, lanes = LaneNumbers<L>::Half(h);
@@ -114,8 +115,11 @@ struct Factor {
                 V u = rootFree ? rest * work.reciprocals[k + r] : rest / pivot;
                 u = lanes == position ? Splat<V>(rootFree ? 1.0 : pivot) : u;
                 Keep(work, k + r, lane + h * L::kLanes, u);
-                AddToRowsBelow(work, k, r, h, u, sums);
+                kept[h] = u;
             }
+            // Only when both halves are stored: the factors of the rows below lie in either.
+#pragma GCC unroll 2
+            for (std::size_t h = 0; h < 2; ++h) AddToRowsBelow(work, k, r, h, kept[h], sums);
         }
     }
 

@@ -2,7 +2,8 @@
 //
 // The inverse from the factors: W = U^-1, then W W' (W D^-1 W'). A tile's rows do not begin at the
 // same step; the terms before a row begins are an exact zero times a factor, so they change nothing
-// as long as the factors are finite. Where one is not, the sums are formed one by one.
+// as long as the factors are finite. Where U is not, the sums
+// are formed one by one; where only W is not, W stays and its product takes every term in.
 #pragma once
 
 #include <corvale/numeric/CholeskyPanels.hpp>

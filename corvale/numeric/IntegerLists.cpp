@@ -99,7 +99,7 @@ class StretchSet {
     }
 
   private:
-    static constexpr std::size_t kSlots = 2 * std::size_t{kMostValues};
+    static constexpr std::size_t kSlots = std::size_t{2} * kMostValues;
 
     // The slot that holds `value`, or the empty one where it belongs.
     [[nodiscard]] std::size_t Find(std::int32_t value) const noexcept {

@@ -1,7 +1,8 @@
 // Internal to numeric/: not installed, may change in any commit.
 //
 // Gauss-Jordan elimination step by step, on columns of `length` rows that lie one after the other.
-// The length is a whole number of vectors; rows past the order hold zeros and stay zeros.
+// The length is a whole number of vectors; rows past the order hold zeros at first and are never
+// looked at.
 //
 // In a step with pivot row p and q = 1 / pivot, the pivot's own column becomes w(i) = R(i) q with
 // w(p) = q, and every other column R(i) - w(i) t, t being its element in row p, which counts as 0

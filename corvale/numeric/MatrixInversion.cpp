@@ -17,6 +17,8 @@ using namespace internal;  // NOLINT: everything below works on the internal pan
 constexpr std::size_t kLongestPanelRow = FourLanes::kPanel;
 // Up to here the work fits in the frame of the call.
 constexpr std::size_t kOrderWithoutHeap = 16;
+// Up to here the order is known to the compiler, in fours, and the matrix stays in registers.
+constexpr std::size_t kSmallOrder = 12;
 // From here panels are faster than single steps (MtxInv in bench/MatrixBench.cpp).
 constexpr std::size_t kPanelOrder = 24;
 
@@ -46,8 +48,8 @@ bool IsSquare(const MatrixView<const double>& a) noexcept {
 /// Calls `visit(i, j)` for every element of an r by c matrix, rows and columns counted from 1.
 template <class Visit>
 void ForEach(std::int32_t rows, std::int32_t columns, const Visit& visit) noexcept {
-    for (std::int32_t j = 1; j <= columns; ++j)
-        for (std::int32_t i = 1; i <= rows; ++i) visit(i, j);
+    for (std::int32_t j = 0; j < columns; ++j)
+        for (std::int32_t i = 0; i < rows; ++i) visit(i + 1, j + 1);
 }
 
 void Fill(const MatrixView<const double>& a, const MatrixView<double>& result,
@@ -89,7 +91,7 @@ class Inversion {
             if (outcome != Outcome::NotFinite) return outcome == Outcome::Done;
         }
         Begin();
-        panel_ = order_ <= 12 ? RoundUp(order_, 4) : length_;
+        panel_ = order_ <= kSmallOrder ? RoundUp(order_, 4) : length_;
         Load(a);
         return ReduceBySteps() == order_;
     }
@@ -110,8 +112,9 @@ class Inversion {
         const std::int32_t* step = record_.stepOfRow;
         for (std::size_t j = 0; j < order_; ++j) {
             double* to = Place(result, 0, j);
-            const double* from = matrix_ + Offset(step[j] - 1) * Offset(panel_);
-            for (std::size_t row = 0; row < order_; row += panel_, from += panel_ * order_) {
+            const std::ptrdiff_t column = Offset(step[j] - 1) * Offset(panel_);
+            for (std::size_t row = 0; row < order_; row += panel_) {
+                const double* from = matrix_ + row * order_ + column;
                 const std::size_t count = std::min(panel_, order_ - row);
                 for (std::size_t i = 0; i < count; ++i)
                     to[Offset(step[row + i] - 1) * result.RowStride()] = from[i];
@@ -157,7 +160,7 @@ class Inversion {
     std::size_t ReduceBySteps() noexcept {
         if (order_ <= 4) return OnWidestLanes<Invert4>(matrix_, &record_);
         if (order_ <= 8) return OnWidestLanes<Invert8>(matrix_, &record_);
-        if (order_ <= 12) return OnWidestLanes<Invert12>(matrix_, &record_);
+        if (order_ <= kSmallOrder) return OnWidestLanes<Invert12>(matrix_, &record_);
         return OnWidestLanes<InvertBySteps>(matrix_, length_, &record_, w_);
     }
 

@@ -99,7 +99,7 @@ CORVALE_LOOP void MoveWhole(const Way& way, std::size_t row, std::size_t column)
         for (std::size_t i = row; i < row + kRows; i += L::kLanes) way.template Move<L>(i, j);
 }
 
-/// Walks the lower triangle in stripes of kStripe columns, in them in bands of kRows rows, in those
+/// Walks the lower triangle in stripes of `width` columns, in them in bands of kRows rows, in those
 /// in square blocks; what does not fill a block goes element by element.
 template <class L, class Way>
 CORVALE_LOOP void WalkTriangle(const Way& way, std::size_t n, std::size_t width) noexcept {
@@ -140,7 +140,7 @@ bool WorthBlocks(const VectorView<const double>& packed, std::ptrdiff_t rowStrid
 }  // namespace
 
 std::int32_t SizeOfLta(MatrixView<const double> square) noexcept {
-    const std::int64_t n = square.Rows();
+    const std::int64_t n = square.Columns() > 0 ? square.Rows() : 0;
     constexpr std::int64_t kGreatest = std::numeric_limits<std::int32_t>::max();
     return static_cast<std::int32_t>(std::min(n * (n + 1) / 2, kGreatest));
 }

@@ -26,7 +26,7 @@ namespace corvale::GenFunctions {
 /// The satellite number in the first five characters of `text`: an integer of up to five digits, or
 /// a letter code whose four digits are read by the same rules. Blanks anywhere are ignored, and
 /// characters that are all blank read as 0; one '+' or '-' may come before the digits. So "   12"
-/// gives 12, "A 1 2" gives 100012 and "A-001" gives 99999.
+/// gives 12, " -12" gives -12, "A 1 2" gives 100012 and "A-001" gives 99999.
 ///
 /// Width      a shorter text reads as if blanks followed; characters beyond the fifth do not count
 /// Bad input  0 where neither reading succeeds: any other character, a small letter, I or O, a sign

@@ -53,8 +53,8 @@ class ScaledRule {
 
 /// Up to nine bytes that vary as digits, each the rank of the byte among those that occur in its
 /// place, the last one coarser where not all its values fit. For keys of few values a byte, of
-/// which the scaled rule would leave most buckets empty. Costs a pass over the keys and twice the
-/// time a key.
+/// which the scaled rule would leave most buckets empty. Costs a pass over the keys for each
+/// digit, and twice the time a key.
 class RankedRule {
   public:
     RankedRule(const KeyRange& range, const Survey& survey, std::size_t mostBuckets) noexcept;

@@ -48,8 +48,9 @@ void FillBuckets(const KeyRange& range, const Rule& rule, Buckets& buckets) noex
             std::int64_t companion = range.companion[hole];
             while (target != b) {
                 const std::size_t place = buckets[target].next++;
-                __builtin_prefetch(range.keys + place + 4, 1);
-                __builtin_prefetch(range.companion + place + 8, 1);
+                const std::size_t ahead = std::min(place + 4, range.count - 1);
+                __builtin_prefetch(range.keys + ahead, 1);
+                __builtin_prefetch(range.companion + ahead, 1);
                 target = rule(range.keys[place]);
                 std::swap(key, range.keys[place]);
                 std::swap(companion, range.companion[place]);

@@ -67,20 +67,20 @@ void MergeHalves(const std::uint64_t* in, std::size_t half, std::size_t count,
                  std::uint64_t* out) noexcept {
     const std::uint64_t* left = in;
     const std::uint64_t* right = in + half;
-    const std::uint64_t* leftBack = in + half - 1;
-    const std::uint64_t* rightBack = in + count - 1;
+    const std::uint64_t* leftEnd = in + half;
+    const std::uint64_t* rightEnd = in + count;
     for (std::size_t i = 0; i < count / 2; ++i) {
         const std::uint64_t isRight = *right < *left ? 1 : 0;
         out[i] = Choose(isRight, *right, *left);
         right += isRight;
         left += 1 - isRight;
 
-        const std::uint64_t isLeft = *rightBack < *leftBack ? 1 : 0;
-        out[count - 1 - i] = Choose(isLeft, *leftBack, *rightBack);
-        leftBack -= isLeft;
-        rightBack -= 1 - isLeft;
+        const std::uint64_t isLeft = rightEnd[-1] < leftEnd[-1] ? 1 : 0;
+        out[count - 1 - i] = Choose(isLeft, leftEnd[-1], rightEnd[-1]);
+        leftEnd -= isLeft;
+        rightEnd -= 1 - isLeft;
     }
-    if (count % 2 == 1) out[count / 2] = left <= leftBack ? *left : *right;
+    if (count % 2 == 1) out[count / 2] = left < leftEnd ? *left : *right;
 }
 
 // Sorts distinct words by merging equal parts; returns where the result is, `words` or `other`.

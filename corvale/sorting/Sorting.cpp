@@ -14,9 +14,8 @@ namespace corvale::Sorting {
 // The ranges that are still to be sorted wait on a stack. Each step sorts one or splits it by bytes
 // of its keys that differ; a byte that all keys of a range share is never looked at again, so each
 // key takes part in a bounded number of steps.
-void QuickSortIterative(
-    std::int32_t n, Key* keys,
-    std::int64_t* companion) noexcept {  // NOLINT(readability-non-const-parameter)
+// NOLINTNEXTLINE(readability-non-const-parameter)
+void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noexcept {
     if (n < 2) return;
     internal::RangeStack pending(n);
     const internal::KeyRange all{keys, companion, static_cast<std::size_t>(n)};

@@ -27,7 +27,8 @@ using Key = std::array<char, 32>;
 /// return, and none for `n` = 1; the time grows at most in proportion to `n`, whatever the keys
 /// and their order: sorted, reversed, equal, a few values only, two lists appended, long common
 /// beginnings. The same input gives the same result on every processor. Not guaranteed: the order
-/// among equal keys, whose companions may come in any order (the sort is not stable).
+/// among equal keys, whose companions may come in any order (the sort is not stable). Despite its
+/// name it needs no pivots; a single step with one is `Partition`.
 ///
 /// Bad input  `n` below 1: nothing happens, the lists may be null. Where the 4 x `n` bytes are not
 ///            to be had, the process is stopped: "Error allocating %lu bytes" on standard error,

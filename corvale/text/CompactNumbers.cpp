@@ -18,6 +18,7 @@ namespace {
 constexpr std::int32_t kSignDecimals = 8;
 constexpr std::string_view kSignOverflow = "********************";
 constexpr std::string_view kOverflow = "******************************";
+static_assert(kSignOverflow.size() == 20 && kOverflow.size() == internal::kWidestRendering);
 
 // A rendering stands in a field of its own before it is cut; one that is wider than the field shows
 // as asterisks, as wide as the field.

@@ -98,7 +98,7 @@ void CsvCompressor::Compress() noexcept {
     if (input_.empty()) return;
     TakeWideFields();
     while (in_ < input_.size() && out_ < kWidth) ApplyFirstRule();
-    PutText({result_.data(), isOdd_ ? kWidth : std::min(out_, kWidth)}, line_);
+    PutText({result_.data(), hasRemains_ ? kWidth : std::min(out_, kWidth)}, line_);
 }
 
 char CsvCompressor::At(std::size_t position) const noexcept {
@@ -127,7 +127,7 @@ void CsvCompressor::ApplyFirstRule() noexcept {
             } else {
                 Copy();
             }
-            if (!isOdd_) TakeWideFields();  // nothing is remembered now
+            if (!hasRemains_) TakeWideFields();  // nothing is remembered now
             break;
         case 'E':
             if (isFraction_) {
@@ -167,8 +167,8 @@ void CsvCompressor::ExponentLetter() noexcept {
 }
 
 void CsvCompressor::Point() noexcept {
-    if (zeros_.isRecorded && !isOdd_) {
-        isOdd_ = true;
+    if (zeros_.isRecorded && !hasRemains_) {
+        hasRemains_ = true;
         std::fill(result_.begin() + static_cast<std::ptrdiff_t>(out_), result_.end(), kBlank);
     }
     isFraction_ = true;

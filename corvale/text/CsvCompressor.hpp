@@ -15,8 +15,8 @@ namespace corvale::internal {
 ///
 /// The row is a sequence of characters, each handled by the first rule that knows it. What the
 /// rules remember from one character to the next is whether a point has been seen in the current
-/// number, and which zeros at its end would be useless if the number ended now. A comma makes them
-/// forget both, so a field of the wide layout can be taken whole: its outcome is known without the
+/// number, and which zeros at its end would be useless if the number ended now. A comma or colon
+/// makes them forget both, so a field of the wide layout can be taken whole: its outcome is known without the
 /// rules.
 class CsvCompressor {
   public:
@@ -58,7 +58,7 @@ class CsvCompressor {
     ZeroRun zeros_;
     // A point has followed useless zeros: when they go, characters behind them remain where they
     // are, also beyond `out_`. Otherwise all from `out_` on is blank, and not kept.
-    bool isOdd_ = false;
+    bool hasRemains_ = false;
     std::array<char, kWidth + kSlack> result_;
 };
 

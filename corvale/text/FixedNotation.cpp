@@ -39,7 +39,7 @@ Parts RoundToDecimals(double magnitude, std::size_t decimals) noexcept {
     const int shift = 1075 - (biased == 0 ? 1 : biased);
 
     if (shift <= 0) return {significand << -shift, 0};
-    if (shift >= 128) return {0, 0};  // 117 bits are below half of 128
+    if (shift >= 128) return {0, 0};  // the product is below 2^117, less than half of 2^shift
     const std::uint64_t whole = shift < 64 ? significand >> shift : 0;
     const std::uint64_t rest = shift < 64 ? significand - (whole << shift) : significand;
 

@@ -51,8 +51,8 @@ std::string_view TakeRun(std::string_view& text, const CharacterSet& members) no
     return run;
 }
 
-// The real at position `first` of `text`. All characters of a real up to the next other character
-// must belong to it.
+// The real at position `first` of `text`; 0 where characters of a real remain directly behind it: then
+// they do not make one.
 double RealAt(std::string_view text, std::size_t first) noexcept {
     if (text.size() - first > kRealWidth) text = text.substr(0, first + kRealWidth);
     ScannedReal number;
@@ -140,7 +140,7 @@ void StrTo2Reals(std::string_view text, double& first, double& second) noexcept 
 }
 
 double InputStrToReal(std::string_view line) noexcept {
-    return RealAt(ValueOf(line), 0);
+    return StrToReal(ValueOf(line));
 }
 
 std::int32_t StrToInt(std::string_view text) noexcept {

@@ -1,7 +1,8 @@
 // Internal to the library: not installed, may change in any commit.
 //
-// The one place that turns characters into a double. Every reader scans with ScanReal and decides,
-// at its call, what may follow the number; the value is formed by ToDouble, only when it is wanted.
+// The one place where a decimal number becomes a double. Readers scan with ScanReal and decide, at
+// their call, what may follow the number (AlignedDecimal.hpp takes the commonest field of the same
+// grammar ahead of it); the value is formed by ToDouble, only when it is wanted.
 //
 // The grammar, after an optional sign:
 //   mantissa  digits with at most one point; no implied decimals

@@ -21,7 +21,12 @@ bool gNoMemory = false;
 // The library takes its scratch with this form alone.
 void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
     const auto unit = static_cast<std::size_t>(alignment);
-    return gNoMemory ? nullptr : std::aligned_alloc(unit, (size + unit - 1) / unit * unit);
+    if (gNoMemory) return nullptr;
+    const std::size_t room = (size + unit - 1) / unit * unit;
+    auto* words = static_cast<std::uint64_t*>(std::aligned_alloc(unit, room));
+    // Signalling NaNs: a read of what was never written raises a trap.
+    if (words != nullptr) std::fill_n(words, room / sizeof *words, 0x7ff0000000000001U);
+    return words;
 }
 void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept {
     std::free(p);
