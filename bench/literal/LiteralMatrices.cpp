@@ -1,4 +1,4 @@
-#include "literal/LiteralMatrices.hpp"
+#include "LiteralMatrices.hpp"
 
 #include <algorithm>
 #include <cmath>
