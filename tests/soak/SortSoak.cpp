@@ -29,14 +29,15 @@ std::vector<Key> MixedKeys(std::mt19937_64& random) {
     return keys;
 }
 
-// Values from a narrow or the whole range, some zero, some negative.
+// Values from a narrow or the whole range, in some lists also zeros or negative ones.
 std::vector<std::int32_t> RandomList(std::mt19937_64& random, std::size_t length) {
     const std::uint64_t range = std::uint64_t{1} << (1 + random() % 31);
     const bool hasNegatives = random() % 2 == 0;
+    const bool hasZeros = random() % 2 == 0;  // negative values stay while nothing is removed
     std::vector<std::int32_t> list(length);
     for (auto& value : list) {
         value = static_cast<std::int32_t>(random() % range);
-        if (random() % 16 == 0) value = 0;
+        if (hasZeros && random() % 16 == 0) value = 0;
         if (hasNegatives && random() % 8 == 0) value = -value;
     }
     return list;

@@ -132,6 +132,7 @@ struct OperationCase {
 };
 const OperationCase kOperations[] = {
     {ToUpperCase, "abc", "ABC  ", "a wider result is filled"},
+    {ToUpperCase, "abc", "AB", "a narrower one is cut"},
     {RemSpaceSlashChars, "2023/10/05 12:30:45.5", "20231005123045.5     ", "the rest closes up"},
     {RemSpaceSlashChars, "1234567890123456789012345", "12345678901234567",
      "what does not fit is dropped"},

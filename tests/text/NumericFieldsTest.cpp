@@ -111,6 +111,7 @@ constexpr IntegerCase kIntegers[] = {
     {"0000000000007", 0, "its first 12 characters are zeros"},
     {"2147483647", 2147483647, "the greatest"},
     {"2147483648", 0, "beyond it"},
+    {"-2147483648", std::numeric_limits<std::int32_t>::min(), "the least"},
     {"-2147483649", 0, "beyond it"},
     {"- 5", 0, "the first run is the sign"},
     {"000000000001-5", 1, "the sign is beyond the 12 characters"},
