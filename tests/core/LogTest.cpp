@@ -226,17 +226,29 @@ TEST_F(Log, AProcessThatIsKilledHasLostNoLine) {
         ASSERT_EQ(lines[static_cast<std::size_t>(i)], std::to_string(i));
 }
 
-// The n-th message of a writer.
-std::string MessageOf(const std::string& writer, int n) {
-    return writer + " " + std::to_string(n) + " " + std::string(60, 'z');
-}
+// The n-th message of a writer. Takes no memory: in a child of a fork the allocator may be locked.
+class Message {
+  public:
+    Message(const std::string& writer, int n) {
+        const int size =
+            std::snprintf(text_.data(), text_.size(), "%s %d %060d", writer.c_str(), n, 0);
+        size_ = static_cast<std::size_t>(size);
+    }
+    [[nodiscard]] std::string_view Text() const { return {text_.data(), size_}; }
+
+  private:
+    std::array<char, 128> text_;
+    std::size_t size_;
+};
 
 // Logs the n-th message of a writer as an error and as information, and reads an error that may
 // be a mix of several.
 void LogTwice(const std::string& writer, int n) {
-    TraceLogError(MessageOf(writer, n));
-    TraceLogInfo(MessageOf(writer, n));
-    Stored(LastLoggedErrMsg);
+    const Message message(writer, n);
+    TraceLogError(message.Text());
+    TraceLogInfo(message.Text());
+    std::array<char, 128> mixed;
+    LastLoggedErrMsg.Load(mixed);
 }
 
 // Expects the lines of each writer whole and in order, as many as are counted, and no others.
@@ -245,7 +257,7 @@ void ExpectWholeLines(const std::vector<std::string>& lines,
     std::map<std::string, int> seen;
     for (const std::string& line : lines) {
         const std::string writer = line.substr(0, line.find(' '));
-        ASSERT_EQ(line, MessageOf(writer, seen[writer]++));
+        ASSERT_EQ(line, Message(writer, seen[writer]++).Text());
     }
     EXPECT_EQ(seen, counts);
 }
@@ -266,10 +278,11 @@ TEST_F(Log, ThreadsAndChildrenLogWholeLines) {
     for (int child = 0; child < children && !HasFailure(); ++child) {
         const std::string name = "child" + std::to_string(child);
         counts["Error-" + name] = counts[name] = linesOfAChild;
+        const std::string path = folder / name;
         EXPECT_TRUE(test::HoldsInChild([&] {
             for (int i = 0; i < linesOfAChild; ++i) LogTwice(name, i);
             std::int32_t unit = 0;
-            return FileOpenMT(folder / name, 0, unit) == 0 && TextUnits::WriteLine(unit, "x");
+            return FileOpenMT(path, 0, unit) == 0 && TextUnits::WriteLine(unit, "x");
         })) << name
             << " hangs where a lock stayed locked";
     }
