@@ -45,6 +45,19 @@ class TemporaryFolder {
     std::string path_;
 };
 
+/// A temporary folder that is the working directory while it lives.
+class WorkingFolder {
+  public:
+    WorkingFolder() { std::filesystem::current_path(folder_.Path()); }
+    ~WorkingFolder() { std::filesystem::current_path(before_); }
+    WorkingFolder(const WorkingFolder&) = delete;
+    WorkingFolder& operator=(const WorkingFolder&) = delete;
+
+  private:
+    std::filesystem::path before_ = std::filesystem::current_path();
+    TemporaryFolder folder_;
+};
+
 inline void WriteFile(const std::string& path, std::string_view content) {
     std::ofstream(path, std::ios::binary) << content;
 }

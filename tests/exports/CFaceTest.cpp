@@ -1,17 +1,15 @@
 #include <corvale/Corvale.h>
 #include <corvale/core/CorvaleCardReading.hpp>
-#include <corvale/core/CorvaleTypes.hpp>
-#include <corvale/core/FileIO.hpp>
 #include <corvale/numeric/SoftwareInfo.hpp>
 
 #include "GuardPage.hpp"
+#include "TestFiles.hpp"
 
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <cctype>
 #include <climits>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,12 +20,8 @@ namespace {
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 using test::GuardedBuffer;
-
-std::string Filled(std::string_view text, std::size_t width) {
-    std::string result(text.substr(0, width));
-    result.resize(width, ' ');
-    return result;
-}
+using test::Padded;
+using test::WriteFile;
 
 // What `write` puts into a buffer that ends at the end of memory; what lies before it must stay.
 std::string Written(void (*write)(char*) noexcept, std::size_t width = CORVALE_MESSAGE_WIDTH) {
@@ -38,7 +32,7 @@ std::string Written(void (*write)(char*) noexcept, std::size_t width = CORVALE_M
 }
 
 std::string Message(std::string_view text) {
-    return Filled(text, CORVALE_MESSAGE_WIDTH);
+    return Padded(text, CORVALE_MESSAGE_WIDTH);
 }
 
 // The first calls of the process, before main and before any other.
@@ -49,16 +43,8 @@ const std::int32_t kFirstModes = GetDupKeyMode() | GetAllKeyMode() | GetElsetKey
 // Each test starts with closed log, modes 0, blank error store, in an empty folder.
 class CFace : public testing::Test {
   protected:
-    void SetUp() override {
-        ResetAll();
-        std::filesystem::create_directory(folder_);
-        std::filesystem::current_path(folder_);
-    }
-    void TearDown() override {
-        ResetAll();
-        std::filesystem::current_path(before_);
-        std::filesystem::remove_all(folder_);
-    }
+    CFace() { ResetAll(); }
+    ~CFace() override { ResetAll(); }
 
   private:
     static void ResetAll() {
@@ -66,21 +52,8 @@ class CFace : public testing::Test {
         ResetAllKeyMode();
         EXPECT_EQ(SetElsetKeyMode(0), CORVALE_OK);
     }
-    std::filesystem::path before_ = std::filesystem::current_path();
-    std::filesystem::path folder_ =
-        std::filesystem::path(testing::TempDir()) / ("corvale_c_face_" + std::to_string(getpid()));
+    test::WorkingFolder folder_;
 };
-
-std::vector<std::string> Lines(const std::string& name) {
-    std::ifstream file(name);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) lines.push_back(line);
-    return lines;
-}
-
-void WriteFile(const std::string& name, std::string_view text) {
-    std::ofstream(name) << text;
-}
 
 TEST(StaticConstructor, MayMakeTheFirstCall) {
     EXPECT_EQ(kFirstError, Message(""));
@@ -90,7 +63,7 @@ TEST(StaticConstructor, MayMakeTheFirstCall) {
 
 TEST_F(CFace, TellsWhichLibraryThisIs) {
     EXPECT_EQ(CorvaleInit(), CORVALE_OK);
-    EXPECT_EQ(Written(GetInitDllNames, CORVALE_NAME_WIDTH), Filled("", CORVALE_NAME_WIDTH));
+    EXPECT_EQ(Written(GetInitDllNames, CORVALE_NAME_WIDTH), Padded("", CORVALE_NAME_WIDTH));
     const std::string line = Written(CorvaleGetInfo);
     EXPECT_EQ(line.substr(0, 41), "Arvenit Corvale - Version: v9.4 - Build: ");
     EXPECT_NE("Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec"sv.find(line.substr(41, 3)),
@@ -104,18 +77,16 @@ TEST_F(CFace, TellsWhichLibraryThisIs) {
 }
 
 TEST_F(CFace, ComposesTheInformationLineOfAnyLibrary) {
-    struct InfoCase {
+    const std::string longName(200, 'n');
+    const struct {
         std::string_view name;
         std::optional<std::string_view> version;
         std::string_view start;
         const char* why;
-    };
-    const std::string longName(200, 'n');
-    const InfoCase cases[] = {
-        {"Orbit", "v1", "Arvenit Orbit - Version: v1 - Build: ", "stands where v9.4 would"},
+    } cases[] = {
         {"Orbit  ", "v2  ", "Arvenit Orbit   - Version: v2   - Build: ", "blanks are kept"},
         {"", std::nullopt, "Arvenit  - Version: v9.4 - Build: ", "no name"},
-        {"Orbit", "", "Arvenit Orbit - Version:  - Build: ", "an empty version is a version"},
+        {"", "", "Arvenit  - Version:  - Build: ", "an empty version is a version"},
         {longName, "v1", "Arvenit nnnn", "the line is cut at its width"},
     };
     for (const auto& [name, version, start, why] : cases) {
@@ -139,23 +110,19 @@ TEST_F(CFace, TakesNullForBlankAndSkipsNullOutputs) {
     EXPECT_EQ(Written(GetLastErrMsg), Message("FileOpen: File name is empty."));
 }
 
-struct NameCase {
-    std::string buffer;
-    std::string name;
-    const char* why;
-};
-
 TEST_F(CFace, TakesNamesOutOfBuffers) {
     const std::string longest(255, 'l');
-    const NameCase cases[] = {
+    const struct {
+        std::string buffer, name;
+        const char* why;
+    } cases[] = {
         {"plain.log\0other"s, "plain.log", "a terminated string"},
-        {"   left.log\0"s, "left.log", "leading blanks are removed"},
-        {Filled("full.log", 512), "full.log", "a full buffer: trailing blanks are not its own"},
+        {Padded("full.log", 512), "full.log", "a full buffer: trailing blanks are not its own"},
         {"in ner.log\0"s, "in ner.log", "inner blanks stay"},
         {"cut\t.log\0"s, "cut", "a tab ends the name"},
         {"utf\xc3\xa9.log\0"s, "utf", "so does a byte above 127"},
         {std::string(257, ' ') + longest, longest, "the name may reach the buffer's last byte"},
-        {Filled("w512", 512) + "not looked at", "w512", "what follows the buffer does not count"},
+        {Padded("w512", 512) + "not looked at", "w512", "what follows the buffer does not count"},
         {"back\\slash\0"s, "back\\slash", "a backslash stays in the name of a log"},
     };
     for (const auto& [buffer, name, why] : cases) {
@@ -176,10 +143,8 @@ TEST_F(CFace, ReportsFilesThatDoNotOpen) {
     const struct {
         std::string buffer, message;
     } cases[] = {
-        {Filled("", 512), "FileOpen: File name is empty."},
         {"\0"s, "FileOpen: File name is empty."},
         {"  no\\such\0"s, "FileOpen: Unable to open file \"no\\such\" for reading."},
-        {Filled("missing", 512), "FileOpen: Unable to open file \"missing\" for reading."},
         {std::string(512, 'x'), "FileOpen: Unable to open file \"" + std::string(97, 'x')},
     };
     for (const auto& [buffer, message] : cases) {
@@ -191,48 +156,6 @@ TEST_F(CFace, ReportsFilesThatDoNotOpen) {
     EXPECT_EQ(CorvaleLoadFile("folder\\cards"), CORVALE_OK) << "a backslash is a slash here";
     EXPECT_EQ(GetAllKeyMode(), 1);
     EXPECT_NE(Written(GetLastErrMsg), Message("")) << "a success clears no message";
-}
-
-TEST_F(CFace, LogsMessagesAsLinesOf128Characters) {
-    ASSERT_EQ(OpenLogFile("first.log"), CORVALE_OK);
-    EXPECT_EQ(FileIO::LogFileUnit, 6);
-    LogMessage(GuardedBuffer("   moved left\0lost"s.substr(0, 14)).Data());
-    EXPECT_EQ(Written(GetLastInfoMsg), Message("moved left"));
-    LogMessage("");
-    EXPECT_EQ(Written(GetLastInfoMsg), Message(""));
-    LogMessage(GuardedBuffer(std::string(CORVALE_MESSAGE_WIDTH, 'm')).Data());
-    EXPECT_EQ(SetAllKeyMode(-1), CORVALE_FAILED);
-    ASSERT_EQ(OpenLogFile("second.log"), CORVALE_OK) << "the first is closed";
-    LogMessage("lost when the file is opened again");
-    ASSERT_EQ(OpenLogFile("second.log"), CORVALE_OK);
-    LogMessage("kept");
-    EXPECT_NE(Written(GetLastErrMsg), Message("")) << "no message is cleared by opening";
-    CloseLogFile();
-    LogMessage("stored alone");
-
-    EXPECT_EQ(FileIO::LogFileUnit, 0);
-    EXPECT_EQ(Written(GetLastErrMsg), Message("")) << "closing clears the error";
-    EXPECT_EQ(Written(GetLastInfoMsg), Message("stored alone"));
-    EXPECT_EQ(Lines("first.log"),
-              (std::vector{Message("moved left"), Message(""), std::string(128, 'm'),
-                           "Error-SetAllKeyMode: invalid input value for elset key mode."s}));
-    EXPECT_EQ(Lines("second.log"), std::vector{Message("kept")});
-}
-
-TEST_F(CFace, GoesOnWithoutALogThatDoesNotOpen) {
-    for (const char* name : {"   ", ".", "no/such/folder/log"}) {
-        EXPECT_EQ(OpenLogFile(name), CORVALE_FAILED) << name;
-        EXPECT_EQ(FileIO::LogFileUnit, 6) << name;
-        EXPECT_EQ(Written(GetLastErrMsg), Message("OpenLogFile: log file failed to open."));
-        LogMessage(name);
-        EXPECT_EQ(Written(GetLastInfoMsg), Message(name[0] == ' ' ? "" : name));
-    }
-    EXPECT_EQ(OpenLogFile("now.log"), CORVALE_OK);
-    LogMessage("works");
-    CloseLogFile();
-    CloseLogFile();
-    EXPECT_EQ(FileIO::LogFileUnit, 0);
-    EXPECT_EQ(Lines("now.log"), std::vector{Message("works")});
 }
 
 TEST_F(CFace, SetsModesOfZeroAndOne) {

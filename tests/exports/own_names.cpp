@@ -8,7 +8,6 @@
 
 #include <dlfcn.h>
 
-#include <array>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -23,12 +22,6 @@ int Check(bool isRight, const char* what) {
 
 extern "C" int32_t OpenLogFile(const char*) noexcept {
     return ++strayCalls;
-}
-extern "C" void LogMessage(const char*) noexcept {
-    ++strayCalls;
-}
-extern "C" void CloseLogFile() noexcept {
-    ++strayCalls;
 }
 extern "C" int32_t SetElsetKeyMode(int32_t) noexcept {
     return ++strayCalls;
@@ -55,28 +48,21 @@ int main(int argc, char** argv) {
     void* const library = dlopen(argv[1], RTLD_NOW);  // the one that is loaded already
     if (library == nullptr) return Check(false, dlerror());
     const auto openLog = reinterpret_cast<int32_t (*)(const char*)>(dlsym(library, "OpenLogFile"));
-    const auto closeLog = reinterpret_cast<void (*)()>(dlsym(library, "CloseLogFile"));
-    const std::string log = "own_names.log";
+    const char* const log = "own_names.log";
 
-    int faults = Check(openLog(log.c_str()) == CORVALE_OK, "the library's OpenLogFile opens");
+    int faults = Check(openLog(log) == CORVALE_OK, "the library's OpenLogFile opens");
     faults += Check(CorvaleLoadFile("no/such/file") == CORVALE_FAILED, "a missing file fails");
     faults += Check(CorvaleLoadFile(argv[2]) == CORVALE_OK, "the input file loads");
     faults += Check(GetElsetKeyMode() == 1, "a card sets the library's mode");
     faults += Check(SetDupKeyMode(2) == CORVALE_FAILED, "a bad mode fails");
-    std::array<char, CORVALE_MESSAGE_WIDTH> message;
-    GetLastErrMsg(message.data());
-    faults +=
-        Check(std::string_view(message.data(), 14) == "SetDupKeyMode:", "its message is kept");
-    closeLog();
 
     std::ifstream lines(log);
     std::string first, second;
     std::getline(lines, first);
     std::getline(lines, second);
-    faults += Check(first == "Error-FileOpen: Unable to open file \"no/such/file\" for reading.",
-                    "the first error is logged");
+    faults += Check(first.starts_with("Error-FileOpen: Unable"), "the first error is logged");
     faults += Check(second.starts_with("Error-SetDupKeyMode:"), "so is the second");
     faults += Check(strayCalls == 0, "nothing of the program's was called");
-    std::remove(log.c_str());
+    std::remove(log);
     return faults == 0 ? 0 : 1;
 }

@@ -27,7 +27,6 @@ void ExpectNear(const Vector3& actual, const Vector3& expected, const char* why)
 
 TEST(Vectors, ProductAndMagnitude) {
     ExpectSameBits(Cross({1, 2, 3}, {4, 5, 7}), {-1, 5, -3}, "by hand");
-    ExpectSameBits(Cross({0, 1, 0}, {0, 0, 1}), {1, 0, 0}, "right-handed");
     ExpectSameBits(UnitVec({0, 3, -4}), {0, 0.6, -0.8}, "exact divisions");
     ExpectSameBits(UnitVec({0, 0, 0}), {kNaN, kNaN, kNaN}, "no direction");
 
@@ -57,11 +56,7 @@ TEST(Vectors, AngleBetween) {
     EXPECT_NEAR(AngleOf2Vecs({1, 0, 0}, {1, 1, 0}), kPi / 4, 1e-15);
 }
 
-TEST(Rotations, TurnByQuarters) {
-    ExpectNear(Rotate({1, 0, 0}, 3, kPi / 2), {0, -1, 0}, "the frame turns about z");
-    ExpectNear(Rotate({0, 1, 0}, 1, kPi / 2), {0, 0, -1}, "about x");
-    ExpectNear(Rotate({0, 0, 1}, 2, kPi / 2), {-1, 0, 0}, "about y");
-    ExpectNear(RodriguesRot({1, 0, 0}, 90, {0, 0, 1}), {0, 1, 0}, "the vector turns about z");
+TEST(Rotations, AboutAnyAxis) {
     ExpectNear(
         RodriguesRot({1, 2, 3}, 120, {std::sqrt(1.0 / 3), std::sqrt(1.0 / 3), std::sqrt(1.0 / 3)}),
         {3, 1, 2}, "a third of a turn about the diagonal");

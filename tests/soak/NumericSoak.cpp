@@ -1,6 +1,6 @@
 // Every satellite number, every five characters over an alphabet, every tenth of an arc second of a
 // turn, against the plain versions. A full run takes minutes; with a number as argument only every
-// so many-th case is taken.
+// so many-th angle is taken.
 #include <corvale/numeric/GenFunctions.hpp>
 
 #include "literal/LiteralNumeric.hpp"
@@ -36,12 +36,11 @@ void SoakNumbers() {
     }
 }
 
-void SoakCodes(int stride) {
-    // Digits at both ends, blank, signs, a point, letters at the gaps, a small one, NUL, a high
-    // byte.
+void SoakCodes() {
+    // Digits at both ends, blank, signs, a point, letters at the gaps, a small one, a high byte.
     constexpr std::string_view kAlphabet("09 -+.AHIZa\xff", 12);
     constexpr int kCodes = 12 * 12 * 12 * 12 * 12;
-    for (int number = 0; number < kCodes; number += stride) {
+    for (int number = 0; number < kCodes; ++number) {
         std::string code;
         for (int rest = number, i = 0; i < 5; ++i, rest /= 12)
             code += kAlphabet[static_cast<std::size_t>(rest % 12)];
@@ -66,7 +65,7 @@ int main(int argc, char** argv) {
     const int stride = argc > 1 ? std::atoi(argv[1]) : 1;
     if (stride < 1) return 2;
     SoakNumbers();
-    SoakCodes(stride);
+    SoakCodes();
     SoakAngles(stride);
     std::printf("%ld differences\n", differences);
     return differences == 0 ? 0 : 1;

@@ -3,33 +3,17 @@
 #include <corvale/numeric/GenFunctions.hpp>
 #include <corvale/sorting/Sorting.hpp>
 
-#include "literal/KeyPatterns.hpp"
 #include "literal/LiteralNumeric.hpp"
+#include "sorting/SortsRight.hpp"
 
 #include <cstdio>
 #include <cstdlib>
-#include <numeric>
 
 namespace {
 
 using corvale::Sorting::Key;
 using corvale::test::IsPlainlyLess;
 using corvale::test::Pattern;
-
-// Ascending, with every companion beside the key that it came with.
-bool SortsRight(const std::vector<Key>& before) {
-    std::vector<Key> keys = before;
-    std::vector<std::int64_t> companion(keys.size());
-    std::iota(companion.begin(), companion.end(), 0);
-    corvale::Sorting::QuickSortIterative(static_cast<std::int32_t>(keys.size()), keys.data(),
-                                         companion.data());
-    for (std::size_t i = 0; i < keys.size(); ++i)
-        if (keys[i] != before[static_cast<std::size_t>(companion[i])] ||
-            (i > 0 && IsPlainlyLess(keys[i], keys[i - 1])))
-            return false;
-    std::sort(companion.begin(), companion.end());
-    return std::adjacent_find(companion.begin(), companion.end()) == companion.end();
-}
 
 // Up to six stretches of different patterns, some of them sorted one way or the other.
 std::vector<Key> MixedKeys(std::mt19937_64& random) {
@@ -45,18 +29,33 @@ std::vector<Key> MixedKeys(std::mt19937_64& random) {
     return keys;
 }
 
-bool ListsAgree(std::mt19937_64& random) {
-    std::vector<std::int32_t> list(1 + random() % 700);
+// Values from a narrow or the whole range, in some lists also zeros or negative ones.
+std::vector<std::int32_t> RandomList(std::mt19937_64& random, std::size_t length) {
     const std::uint64_t range = std::uint64_t{1} << (1 + random() % 31);
-    for (auto& value : list) value = static_cast<std::int32_t>(random() % range);
-    for (std::size_t i = 0; i < list.size() / 8; ++i)
-        list[random() % list.size()] = -static_cast<std::int32_t>(random() % range / 4);
+    const bool hasNegatives = random() % 2 == 0;
+    const bool hasZeros = random() % 2 == 0;  // negative values stay while nothing is removed
+    std::vector<std::int32_t> list(length);
+    for (auto& value : list) {
+        value = static_cast<std::int32_t>(random() % range);
+        if (hasZeros && random() % 16 == 0) value = 0;
+        if (hasNegatives && random() % 8 == 0) value = -value;
+    }
+    return list;
+}
+
+bool ListsAgree(std::mt19937_64& random) {
+    std::vector<std::int32_t> list =
+        RandomList(random, 1 + random() % (std::size_t{1} << random() % 13));
     std::vector<std::int32_t> plain = list;
     auto n = static_cast<std::int32_t>(list.size());
     auto plainCount = n;
-    const auto order = static_cast<std::int32_t>(random() % 3) - 1;
-    corvale::GenFunctions::ISort(order, list.data(), n);
-    corvale::literal::ISort(order, plain.data(), plainCount);
+    if (const auto order = static_cast<std::int32_t>(random() % 4) - 1; order < 2) {
+        corvale::GenFunctions::ISort(order, list.data(), n);
+        corvale::literal::ISort(order, plain.data(), plainCount);
+    } else {
+        corvale::GenFunctions::IDupe(list.data(), n);
+        corvale::literal::IDupe(plain.data(), plainCount);
+    }
     return n == plainCount && list == plain;
 }
 
@@ -66,7 +65,8 @@ int main(int argc, char** argv) {
     const int rounds = argc > 1 ? std::atoi(argv[1]) : 10000;
     std::mt19937_64 random(17);
     for (int round = 0; round < rounds; ++round) {
-        const bool isRight = SortsRight(MixedKeys(random)) && ListsAgree(random);
+        bool isRight = corvale::test::SortsRight(MixedKeys(random));
+        for (int list = 0; list < 20; ++list) isRight = isRight && ListsAgree(random);
         if (!isRight) {
             std::printf("round %d: wrong\n", round);
             return 1;

@@ -37,11 +37,6 @@ struct BufferCase {
 const BufferCase kBuffers[] = {
     {"AB\0CDE"sv, 6, "AB    ", "a NUL ends the text, what follows is lost"},
     {"AB\tCDE", 6, "AB    ", "so does a tab"},
-    {"\x1f"sv, 1, " ", "the last control character stops"},
-    {" \x7fz", 3, " \x7fz", "the blank and code 127 are copied"},
-    {"ab\x80z", 4, "ab  ", "128 ends the text, whatever the sign of char"},
-    {"ab\xffz", 4, "ab  ", "255 too"},
-    {"\0abc"sv, 4, "    ", "nothing before the NUL"},
     {"abcdef", 6, "abcdef", "a full buffer has no terminator"},
     {"abcdef", 4, "abcd  ", "no more than n are read"},
     {"ab\0"sv, INT_MAX, "ab", "a count larger than the text: the text limits"},
@@ -85,20 +80,12 @@ struct ReplaceCase {
     const char* why;
 };
 const ReplaceCase kReplacements[] = {
-    {"a\\b\\c", "\\", "/", "a/b/c", "every occurrence"},
     {"aaa", "aa", "b", "ba ", "occurrences do not overlap"},
-    {"abc", "b", "xyz", "axy", "growth is lost on the right"},
-    {"abcabc", "b", "", "acac  ", "shrinking leaves blanks on the right"},
-    {"a.b", ".", "..", "a..", "what was inserted is not searched"},
     {"abcd", "", "x", "    ", "an empty pattern blanks the text"},
     {"ab", "abc", "x", "ab", "a pattern wider than the text"},
     {"a b  ", "b ", "c", "a c  ", "blanks of the pattern match blanks"},
     {"a-b-c", "-", "+ ", "a+ b+", "blanks of the replacement are inserted"},
     {"xyxyxz", "xyxz", "12", "xy12  ", "a false start is searched again from its second character"},
-    {"abab", "ab", "", "    ", "everything is replaced by nothing"},
-    {"a\0b"sv, "\0"sv, "-", "a-b", "a NUL is a character like any other"},
-    {"ab", "b", "longer than all of it", "al", "the replacement is cut"},
-    {"", "a", "b", "", "width 0"},
     {"", "", "", "", "width 0 with an empty pattern"},
 };
 
@@ -144,22 +131,15 @@ struct OperationCase {
     const char* why;
 };
 const OperationCase kOperations[] = {
-    {ToUpperCase, "a1z{`\xe4\0\t"sv, "A1Z{`\xe4\0\t"sv, "neighbours and other codes stay"},
     {ToUpperCase, "abc", "ABC  ", "a wider result is filled"},
     {ToUpperCase, "abc", "AB", "a narrower one is cut"},
-    {ToLowerCase, "A1Z[@\xc4", "a1z[@\xc4", "neighbours and other codes stay"},
     {RemSpaceSlashChars, "2023/10/05 12:30:45.5", "20231005123045.5     ", "the rest closes up"},
-    {RemSpaceSlashChars, "1.2..-+eE:,", "1.2..      ", "several points are kept"},
-    {RemSpaceSlashChars, "12345", "123", "what does not fit is dropped"},
-    {RemSpaceSlashChars, "1234567890123456789012345", "12345678901234567", "of a long text too"},
+    {RemSpaceSlashChars, "1234567890123456789012345", "12345678901234567",
+     "what does not fit is dropped"},
     {GetInputStr, "Mode =  abc Def ", "ABC DEF         ", "to the left, inner blank kept"},
     {GetInputStr, "  no sign here", "NO SIGN HERE  ", "a line without = is all value"},
-    {GetInputStr, "KEY =", "     ", "= last: nothing"},
-    {GetInputStr, "=a", "A ", "= first"},
     {GetInputStr, "KEY = A = b", "A = B      ", "only the first = separates"},
-    {GetInputStr, "k='q' ! c", "'Q' ! C  ", "quotes and comments stay"},
     {GetInputStr, "k=\ta", "\tA  ", "a tab is no blank"},
-    {GetInputFileName, "FILE = Data\\Run1.txt", "Data\\Run1.txt       ", "case kept"},
     {GetInputFileName, "f=abc", "ab", "a narrower result is cut"},
     {GetInputFileName, "", "  ", "width 0"},
 };
@@ -170,18 +150,13 @@ TEST(FixedWidthText, FollowsTheRuleOfEachOperation) {
 }
 
 TEST(IsBlankOrNull, AcceptsBlanksAlone) {
-    EXPECT_EQ(IsBlankOrNull(""), 1);
-    EXPECT_EQ(IsBlankOrNull(Blanks(100)), 1);
-    std::string text = Blanks(100);
-    for (char& c : text) {
-        c = '\t';
-        EXPECT_EQ(IsBlankOrNull(text), 0) << "one non-blank at " << &c - text.data();
-        c = ' ';
+    for (std::size_t i = 0; i < 100; ++i) {
+        std::string text = Blanks(100);
+        text[i] = '\0';
+        EXPECT_EQ(IsBlankOrNull(text), 0) << "a NUL at " << i;
+        NullToSpace(text);
+        EXPECT_EQ(IsBlankOrNull(text), 1) << "until it is made a blank";
     }
-    std::string nulls(3, '\0');
-    EXPECT_EQ(IsBlankOrNull(nulls), 0) << "nor is a NUL";
-    NullToSpace(nulls);
-    EXPECT_EQ(IsBlankOrNull(nulls), 1) << "until it is made one";
 }
 
 // The rules once more, one character after the other.

@@ -1,18 +1,11 @@
-// Test help: the surroundings that spoil a careless conversion, and memory that ends at a page.
+// Test help: the surroundings that spoil a careless conversion.
 #pragma once
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cfenv>
 #include <clocale>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <functional>
-#include <span>
 #include <string>
-#include <string_view>
 
 #if defined(__SSE2__)
 #include <pmmintrin.h>
@@ -72,35 +65,6 @@ class CommaLocaleScope {
 
   private:
     std::filesystem::path directory_;
-};
-
-// A page between two that fault. Texts stand at its start or its end.
-class GuardedPage {
-  public:
-    GuardedPage()
-        : size_(static_cast<std::size_t>(::sysconf(_SC_PAGESIZE))),
-          memory_(static_cast<char*>(
-              ::mmap(nullptr, 3 * size_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
-        ::mprotect(memory_ + size_, size_, PROT_READ | PROT_WRITE);
-    }
-    ~GuardedPage() { ::munmap(memory_, 3 * size_); }
-    GuardedPage(const GuardedPage&) = delete;
-    GuardedPage& operator=(const GuardedPage&) = delete;
-
-    [[nodiscard]] std::span<char> AtStart(std::string_view text) { return Put(text, 0); }
-    [[nodiscard]] std::span<char> AtEnd(std::string_view text) {
-        return Put(text, size_ - text.size());
-    }
-
-  private:
-    std::span<char> Put(std::string_view text, std::size_t at) {
-        char* const place = memory_ + size_ + at;
-        if (!text.empty()) std::memcpy(place, text.data(), text.size());
-        return {place, text.size()};
-    }
-
-    std::size_t size_;
-    char* memory_;
 };
 
 }  // namespace corvale::test

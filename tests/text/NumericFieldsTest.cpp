@@ -1,5 +1,7 @@
 #include "Bits.hpp"
+#include "GuardPage.hpp"
 #include "NumberEnvironment.hpp"
+#include "TestFiles.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 
@@ -27,108 +29,74 @@ struct RealCase {
 };
 constexpr RealCase kReals[] = {
     {"", 0.0, "width 0"},
-    {"     ", 0.0, "blank"},
     {"abc 1.5", 0.0, "the number must come first"},
     {"\t1.5", 0.0, "a tab is not a blank"},
-    {"  -12.5E2", -1250.0, "leading blanks do not count"},
     {"        1234.5678", 1234.5678, "right-aligned, more than a word of blanks"},
     {"                         -0.25", -0.25, "far to the right"},
-    {"1234567890.12345", 1234567890.12345, "sixteen characters"},
-    {" 123456789012345", 123456789012345.0, "fifteen digits after a blank"},
     {"+1234567890123456", 1234567890123456.0, "sixteen digits after a sign"},
     {"   -   5", 0.0, "a sign alone, then something else"},
-    {"   1 2.5", 1.0, "ends at the blank"},
     {"12              345.5", 12.0, "the first of two, far from the right end"},
     {"x               345.5", 0.0, "nothing before another character"},
     {"   1.2.3", 0.0, "a second point"},
-    {"   .1.23", 0.0, "a second point, the first in front"},
     {"    +.-5", 0.0, "a point alone, then an exponent"},
-    {"     -.5", -0.5, "a point after the sign"},
     {"123", 123.0, "no implied decimals"},
-    {"5.", 5.0, "a point at the end"},
-    {".", 0.0, "a point alone"},
     {"       .", 0.0, "a point alone, to the right"},
     {"-", 0.0, "a sign alone is a plain zero"},
     {"-0", -0.0, "the sign of a written zero stays"},
-    {"    -0.00", -0.0, "and of a longer one"},
     {"1.5-3", 0.0015, "a sign starts the exponent"},
-    {"2+4", 20000.0, "also after a whole number"},
-    {"1.5e", 1.5, "an exponent without digits is 0"},
     {"1.5E+", 1.5, "also with a sign"},
-    {"e5", 0.0, "no digits before the exponent"},
     {"+-1", 0.0, "the second sign starts the exponent of nothing"},
     {"3.0d-2x", 0.03, "D, and the end at another character"},
     {"1d2", 100.0, "small d"},
     {"1.5q3", 1.5, "Q is no exponent letter here"},
-    {"1e2e3", 0.0, "a second exponent letter"},
     {"1.5e2.5", 0.0, "a point in the exponent"},
-    {"1.5e+-3", 0.0, "a second sign in the exponent"},
-    {"1.5-3-2", 0.0, "likewise without a letter"},
-    {"1,5", 1.0, "the comma ends the field"},
     {"inf", 0.0, "no word for infinity"},
-    {"nan", 0.0, "no word for not-a-number"},
     {"0x1p3", 0.0, "no hexadecimals: the field is 0"},
-    {"1.5f", 1.5, "f ends the field"},
     {"9007199254740993", 9007199254740992.0, "halfway goes to even"},
     {"9007199254740993.00000000000000000000000000000001", 9007199254740994.0, "all digits count"},
     {"9007199254740992.99999999999999999999999999999999", 9007199254740992.0, "from below, too"},
-    {"9007199254740993.00010", 9007199254740994.0, "a zero after the digit that decides"},
     {"0.500000000000000055511151231257827021181583404541015625", 0.5, "a long halfway to even"},
     {"0.500000000000000166533453693773481063544750213623046875", 0x1.0000000000002p-1,
      "and upwards"},
     {"00000000000000000000000000000000000000000000000000001.5", 1.5, "zeros in front do not count"},
-    {"0.000000000000000000000000000000000000000000000000015", 1.5e-50, "nor after the point"},
-    {"1e23", 1e23, "just below halfway"},
-    {"7038531e-32", 7038531e-32, "close to halfway, small power"},
     {"10381028800273764889e-342", 1.0381028800273764889e-323, "the product leaves it open"},
     {"1.7976931348623158e308", kGreatest, "rounds down to the greatest"},
     {"1.7976931348623159e308", kInfinity, "rounds up beyond it"},
-    {"-1e999", -kInfinity, "beyond the range, with its sign"},
-    {"1e-999", 0.0, "below the range"},
     {"-1e-999", -0.0, "below the range, with its sign"},
-    {"1-400", 0.0, "likewise without a letter"},
     {"2.4703282292062327e-324", 0.0, "just below half the least"},
     {"2.4703282292062328e-324", kLeast, "just above half the least"},
     {"2.2250738585072011e-308", 0x0.fffffffffffffp-1022, "the greatest subnormal"},
     {"2.2250738585072014e-308", std::numeric_limits<double>::min(), "the least normal"},
-    {"0e999999999999999999999999999999", 0.0, "an endless exponent of zero"},
     {"1e+999999999999999999999999999999", kInfinity, "an endless exponent"},
-    {"1e-999999999999999999999999999999", 0.0, "an endless small one"},
     {EIGHTY_NINES "99", 1e80, "only 80 characters are looked at"},
-    {EIGHTY_NINES "e5", 1e80, "cut before the exponent"},
     {"     " EIGHTY_NINES "9", 1e80, "counted from the first character that is not blank"},
     {"1." TEN("0") TEN("0") TEN("0") TEN("0") TEN("0") TEN("0") TEN("0") "00000e-23", 0.01,
      "cut inside the exponent"},
 };
 
-void CheckReals(GuardedPage& page) {
-    for (const int mode : kRoundingModes) {
-        const RoundingModeScope scope(mode);
-        for (const auto& [field, value, why] : kReals) {
-            for (const auto text : {page.AtStart(field), page.AtEnd(field)}) {
-                const double read = StrToReal({text.data(), text.size()});
-                EXPECT_EQ(Bits(read), Bits(value)) << field << ": " << why << ", mode " << mode;
+void CheckReals() {
+    for (const auto& [field, value, why] : kReals)
+        for (const auto side : kSides) {
+            const GuardedBuffer buffer(field, side);
+            for (const int mode : kRoundingModes) {
+                const RoundingModeScope scope(mode);
+                EXPECT_EQ(Bits(StrToReal(buffer.Text())), Bits(value)) << field << ": " << why;
             }
         }
-    }
 }
 
 TEST(StrToReal, ReadsFieldsInEveryRoundingMode) {
-    GuardedPage page;
-    CheckReals(page);
+    CheckReals();
 }
 
 // Of the writers only many decimals are left to the standard library.
 TEST(Numbers, AreTheSameWhereTheDecimalPointIsAComma) {
-    GuardedPage page;
     const CommaLocaleScope locale;
     ASSERT_TRUE(locale.IsComma());
-    CheckReals(page);
+    CheckReals();
     std::string text(25, '?');
     Fx0ToAx(-0.1, 25, text);
     EXPECT_EQ(text, "-.10000000000000000555111");
-    Fx0ToAx(-0.1, 5, text);
-    EXPECT_EQ(text, "-.100                    ");
 }
 
 struct IntegerCase {
@@ -139,29 +107,20 @@ struct IntegerCase {
 constexpr IntegerCase kIntegers[] = {
     {"", 0, "width 0"},
     {"abc 12 x", 12, "the first run, wherever it stands"},
-    {"v-5", -5, "a sign in front"},
-    {"x=+42;", 42, "up to another character"},
-    {"1.5", 1, "a point ends it"},
     {"           7", 7, "right-aligned"},
-    {"  007", 7, "zeros in front"},
     {"0000000000007", 0, "its first 12 characters are zeros"},
-    {"1234567890123", 0, "its first 12 are too large"},
     {"2147483647", 2147483647, "the greatest"},
     {"2147483648", 0, "beyond it"},
     {"-2147483648", std::numeric_limits<std::int32_t>::min(), "the least"},
     {"-2147483649", 0, "beyond it"},
-    {"12-3", 0, "a sign that is not first"},
-    {"--5", 0, "two signs"},
-    {"+", 0, "a sign alone"},
     {"- 5", 0, "the first run is the sign"},
     {"000000000001-5", 1, "the sign is beyond the 12 characters"},
 };
 
 TEST(StrToInt, ReadsTheFirstRun) {
-    GuardedPage page;
     for (const auto& [field, value, why] : kIntegers)
-        for (const auto text : {page.AtStart(field), page.AtEnd(field)})
-            EXPECT_EQ(StrToInt({text.data(), text.size()}), value) << field << ": " << why;
+        for (const auto side : kSides)
+            EXPECT_EQ(StrToInt(GuardedBuffer(field, side).Text()), value) << field << ": " << why;
 }
 
 struct PairCase {
@@ -172,7 +131,6 @@ struct PairCase {
 };
 constexpr PairCase kPairs[] = {
     {"", {0, 0}, {0, 0}, "no number at all: both are written"},
-    {"no", {0, 0}, {0, 0}, "likewise"},
     {"7", {7, 0}, {7, 0}, "no second number"},
     {"1.5,2.5", {1.5, 2.5}, {1, 5}, "a point belongs to a real only"},
     {"1.5 / -2.5x9", {1.5, -2.5}, {1, 5}, "any characters between, the rest ignored"},
@@ -180,9 +138,6 @@ constexpr PairCase kPairs[] = {
     {"1.5E3 2", {1.5, 3.0}, {1, 5}, "letters separate"},
     {"1.5-3 2+4", {0.0015, 20000}, {1, 0}, "a sign starts an exponent, but no integer"},
     {"1.2.3 4", {0, 4}, {1, 2}, "an unusable run counts as one"},
-    {"X 12 34", {12, 34}, {12, 34}, "what stands before is skipped"},
-    {"(3, 4)", {3, 4}, {3, 4}, "brackets"},
-    {"-3,+4", {-3, 4}, {-3, 4}, "signs"},
 };
 
 TEST(StrTo2, ReadsTwoRuns) {
@@ -206,16 +161,12 @@ struct LineCase {
 };
 constexpr LineCase kLines[] = {
     {"MASS = 12.5", 12.5, 12, "the value"},
-    {"MASS 12.5", 0, 0, "no equals sign"},
     {"COUNT =", 0, 0, "nothing after it"},
-    {"COUNT =    ", 0, 0, "blanks after it"},
     {"2 = 17 = 3", 17, 17, "the first one separates"},
     {"FLAG = yes", 0, 1, "YES in any case"},
-    {"FLAG =One", 0, 1, "begins with ON"},
     {"FLAG = True", 0, 1, "TRUE"},
     {"FLAG = TR 5", 0, 5, "not TRUE: a number"},
     {"FLAG = off 5", 0, 0, "OFF comes before any number"},
-    {"FLAG = none5", 0, 0, "NO likewise"},
     {"FLAG = 5 YES", 5, 5, "the word must come first"},
 };
 
@@ -235,26 +186,20 @@ struct NumberWordCase {
 constexpr NumberWordCase kNumberWords[] = {
     {" 60 sec", 60, "sec", "the common line"},
     {" 60", 0, "", "no word: failed"},
-    {"  ", 0, "", "nothing at all"},
     {" 60 'two words' x", 60, "two word", "enclosed, and cut to the width"},
     {" 60 \" it's\"", 60, "it's", "the other delimiter, moved to the left"},
     {" 60 'it''s'", 60, "it's", "the delimiter written twice"},
     {" 60 'open", 0, "", "not closed: failed"},
-    {" 60 'open''", 0, "", "nor here"},
     {" 60 ''", 60, "", "an empty word is a word"},
     {"+1.5E+2 X", 150, "X", "the exponent"},
-    {"1.5 km extra", 1.5, "km", "the rest is ignored"},
     {"1.5 km/s", 1.5, "km", "a slash ends the word"},
     {"1.5 , km,x", 1.5, "km", "a comma with blanks, a comma at the end"},
     {"1.5;km;x", 1.5, "km", "semicolons likewise"},
     {",km", 0, "km", "nothing for the number"},
     {"1.5,,km", 1.5, "", "nothing for the word"},
-    {"1.5,", 0, "", "the word is still wanted"},
     {"1.5 /", 1.5, "", "a slash ends the reading"},
-    {"1.5/", 1.5, "", "directly after the number, too"},
     {"/ 5 km", 0, "", "before both"},
     {"abc km", 0, "", "not a number"},
-    {"1.5km", 0, "", "nor this"},
     {"2*3 km", 0, "", "no repeat counts"},
     {"1.5\tkm x", 0, "", "a tab is no separator"},
     {"1e999 far", kInfinity, "far", "too large is an infinity"},
@@ -267,10 +212,8 @@ TEST(InputStrToNumStr, ReadsANumberAndAWord) {
         double readNumber = -1;
         std::string readWord(8, '?');
         InputStrToNumStr(line, readNumber, readWord);
-        std::string wanted(word);
-        wanted.resize(8, ' ');
         EXPECT_EQ(readNumber, number) << line << ": " << why;
-        EXPECT_EQ(readWord, wanted) << line << ": " << why;
+        EXPECT_EQ(readWord, Padded(word, 8)) << line << ": " << why;
     }
     double number = -1;
     InputStrToNumStr("KEY 5 km", number, {});
