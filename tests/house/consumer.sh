@@ -66,7 +66,7 @@ END
 runs() { "./$1/c" | grep -q '^Arvenit Corvale ' && "./$1/cxx" | grep -q '^Arvenit Consumer - Version: v1 '; }
 
 export CC=$cc CXX=$cxx CFLAGS=$sanitize CXXFLAGS=$sanitize
-configure() { cmake -S . -B "$1" -DWANTED="$2" -DCMAKE_PREFIX_PATH="$prefix"; }
+configure() { cmake -G Ninja -S . -B "$1" -DWANTED="$2" -DCMAKE_PREFIX_PATH="$prefix"; }
 for version in 9 9.4.0 9.0; do
   quietly configure by_cmake $version
 done
