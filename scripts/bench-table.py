@@ -17,7 +17,8 @@ TO_NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 def split_name(name):
     """Topic and peer; threads and arguments belong to the topic, settings to neither."""
-    parts = [p for p in name.split("/") if p != "real_time" and not p.startswith("iterations:")]
+    settings = ("real_time", "manual_time")
+    parts = [p for p in name.split("/") if p not in settings and not p.startswith("iterations:")]
     topic, peer, rest = parts[0], parts[1], parts[2:]
     return " ".join([topic] + rest), peer
 
@@ -29,7 +30,8 @@ def read(path):
             if run.get("run_type") != "iteration" or run.get("error_occurred"):
                 continue
             topic, peer = split_name(run["name"])
-            clock = "real_time" if "real_time" in run["name"] else "cpu_time"
+            is_wall = "real_time" in run["name"] or "manual_time" in run["name"]
+            clock = "real_time" if is_wall else "cpu_time"
             times[topic][peer][run.get("repetition_index", 0)] = run[clock] * TO_NS[run["time_unit"]]
     return times
 
