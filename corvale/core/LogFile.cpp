@@ -43,6 +43,11 @@ void WriteToLog(Pieces pieces) noexcept {
     if (unit != kNoLog) static_cast<void>(internal::WriteLine(unit, pieces));
 }
 
+void CloseOpenLog() noexcept {
+    const std::int32_t unit = LogFileUnit.load(std::memory_order_relaxed);
+    if (unit != kNoLog) TextUnits::Close(unit);
+}
+
 }  // namespace
 
 void TraceLogError(std::string_view message) noexcept {
@@ -69,8 +74,7 @@ void TraceErrorLine(std::span<const std::string_view> line) noexcept {
 }
 
 std::int32_t OpenLog(std::string_view name) noexcept {
-    const std::int32_t openUnit = LogFileUnit.load(std::memory_order_relaxed);
-    if (openUnit != kNoLog) TextUnits::Close(openUnit);
+    CloseOpenLog();
     LogFileUnit.store(kLogUnit, std::memory_order_relaxed);
     if (OpenUnit(kLogUnit, name, FileAccess::Replace)) return CorvaleTypes::StatusOk;
     TraceLogError("OpenLogFile: log file failed to open.");
@@ -78,8 +82,7 @@ std::int32_t OpenLog(std::string_view name) noexcept {
 }
 
 void CloseLog() noexcept {
-    const std::int32_t openUnit = LogFileUnit.load(std::memory_order_relaxed);
-    if (openUnit != kNoLog) TextUnits::Close(openUnit);
+    CloseOpenLog();
     LogFileUnit.store(kNoLog, std::memory_order_relaxed);
     TraceLogError("");
 }

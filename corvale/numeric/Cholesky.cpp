@@ -14,12 +14,9 @@ namespace corvale::GenFunctions {
 namespace {
 
 using internal::CholeskyWork;
-
-constexpr std::size_t kLongestPanelRow = internal::FourLanes::kPanel;
-
-constexpr std::size_t RoundUp(std::size_t n, std::size_t unit) noexcept {
-    return (n + unit - 1) / unit * unit;
-}
+using internal::kLongestPanelRow;
+using internal::kOrderWithoutHeap;
+using internal::RoundUp;
 
 /// The doubles that `matrices` matrices in panels and four vectors take.
 constexpr std::size_t Room(std::size_t n, std::size_t matrices) noexcept {
@@ -29,8 +26,6 @@ constexpr std::size_t Room(std::size_t n, std::size_t matrices) noexcept {
 
 // Up to here one row fits in the registers (CholeskySmall.hpp).
 constexpr std::size_t kSmallOrder = 12;
-// Up to here the factors fit in the frame of the call.
-constexpr std::size_t kOrderWithoutHeap = 16;
 
 /// Lays the work out in `room`. Two matrices stand for four where no D is formed.
 CholeskyWork LayOut(double* room, std::size_t n, bool rootFree) noexcept {

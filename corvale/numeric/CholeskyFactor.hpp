@@ -109,7 +109,7 @@ struct Factor {
             V kept[2];
 #pragma GCC unroll 2
             for (std::size_t h = 0; h < 2; ++h) {
-                const V zero{}, lanes = LaneNumbers<L>::Half(h);
+                const V zero{}, lanes = LaneNumbers<L>(h);
                 V rest = At<V>(given + r * L::kPanel + h * L::kLanes) - sums.row[r][h];
                 rest = lanes > position ? rest : zero;
                 V u = rootFree ? rest * work.reciprocals[k + r] : rest / pivot;

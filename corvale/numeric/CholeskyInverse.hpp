@@ -78,7 +78,7 @@ struct InvertFactor {
 
     CORVALE_LOOP static V OnDiagonal(const V& w, std::size_t at, std::size_t half,
                                      double diagonal) noexcept {
-        const V zero{}, lanes = LaneNumbers<L>::Half(half);
+        const V zero{}, lanes = LaneNumbers<L>(half);
         const V position = Splat<V>(static_cast<double>(at));
         const V above = lanes < position ? w : zero;
         return lanes == position ? Splat<V>(diagonal) : above;

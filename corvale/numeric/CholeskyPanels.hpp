@@ -62,17 +62,4 @@ struct AddSteps {
     }
 };
 
-/// The number of each lane of a panel's row.
-template <class L>
-struct LaneNumbers {
-    using V = typename L::Vector;
-    CORVALE_LOOP static V Half(std::size_t half) noexcept {
-        if constexpr (L::kLanes == 2) {
-            return half == 0 ? V{0, 1} : V{2, 3};
-        } else {
-            return half == 0 ? V{0, 1, 2, 3} : V{4, 5, 6, 7};
-        }
-    }
-};
-
 }  // namespace corvale::internal

@@ -74,12 +74,6 @@ struct SolveSmall {
     CORVALE_LOOP static V Position(std::size_t lane) noexcept {
         return Splat<V>(static_cast<double>(lane));
     }
-    CORVALE_LOOP static V Numbers(std::size_t vector) noexcept {
-        V numbers;
-        for (std::size_t i = 0; i < L::kLanes; ++i)
-            numbers[i] = static_cast<double>(vector * L::kLanes + i);
-        return numbers;
-    }
 
     /// Row k of U: zeros before the diagonal.
     CORVALE_LOOP static void FactorRow(Work& work, std::size_t k) noexcept {
@@ -94,9 +88,10 @@ struct SolveSmall {
         work.pivots[k] = pivot, work.reciprocals[k] = reciprocal;
 #pragma GCC unroll 8
         for (std::size_t c = 0; c < kVectors; ++c) {
-            const V rest = Numbers(c) > Position(k) ? work.given[k].v[c] - sum.v[c] : V{};
+            const V rest = LaneNumbers<L>(c) > Position(k) ? work.given[k].v[c] - sum.v[c] : V{};
             const V u = rootFree ? rest * reciprocal : rest / pivot;
-            work.u[k].v[c] = Numbers(c) == Position(k) ? Splat<V>(rootFree ? 1.0 : pivot) : u;
+            work.u[k].v[c] =
+                LaneNumbers<L>(c) == Position(k) ? Splat<V>(rootFree ? 1.0 : pivot) : u;
             work.check[c] += work.u[k].v[c] * 0.0;
         }
     }
@@ -129,8 +124,8 @@ struct SolveSmall {
         const double diagonal = rootFree ? 1.0 : work.reciprocals[k];
 #pragma GCC unroll 8
         for (std::size_t c = 0; c < kVectors; ++c) {
-            const V above = Numbers(c) < Position(k) ? -(sum.v[c] * diagonal) : V{};
-            work.w[k].v[c] = Numbers(c) == Position(k) ? Splat<V>(diagonal) : above;
+            const V above = LaneNumbers<L>(c) < Position(k) ? -(sum.v[c] * diagonal) : V{};
+            work.w[k].v[c] = LaneNumbers<L>(c) == Position(k) ? Splat<V>(diagonal) : above;
             work.check[c] += work.w[k].v[c] * 0.0;
             if constexpr (rootFree) {
                 work.z[k].v[c] = work.w[k].v[c] * work.reciprocals[k];

@@ -159,10 +159,7 @@ struct InvertShort {
     }
     /// All bits set in the lane of `row`, none in the others.
     CORVALE_LOOP static auto IsRow(std::size_t vector, std::size_t row) noexcept {
-        V numbers;
-        for (std::size_t i = 0; i < L::kLanes; ++i)
-            numbers[i] = static_cast<double>(vector * L::kLanes + i);
-        return numbers == Splat<V>(static_cast<double>(row));
+        return LaneNumbers<L>(vector) == Splat<V>(static_cast<double>(row));
     }
 };
 

@@ -14,17 +14,10 @@ namespace {
 
 using namespace internal;  // NOLINT: everything below works on the internal panels
 
-constexpr std::size_t kLongestPanelRow = FourLanes::kPanel;
-// Up to here the work fits in the frame of the call.
-constexpr std::size_t kOrderWithoutHeap = 16;
 // Up to here the order is known to the compiler, in fours, and the matrix stays in registers.
 constexpr std::size_t kSmallOrder = 12;
 // From here panels are faster than single steps (MtxInv in bench/MatrixBench.cpp).
 constexpr std::size_t kPanelOrder = 24;
-
-constexpr std::size_t RoundUp(std::size_t n, std::size_t unit) noexcept {
-    return (n + unit - 1) / unit * unit;
-}
 
 constexpr std::size_t StepsRoom(std::size_t n) noexcept {
     return RoundUp(n, kLongestPanelRow) * (n + 3);

@@ -7,6 +7,9 @@
 
 namespace corvale::internal {
 
+/// Up to this order the work of a solver or inversion fits in the frame of the call.
+constexpr std::size_t kOrderWithoutHeap = 16;
+
 /// Room for doubles, aligned for every vector, taken from `own` bytes inside the object where that
 /// is enough and else from the heap once; released with the object. It starts uninitialised.
 template <std::size_t own>

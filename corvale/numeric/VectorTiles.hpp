@@ -33,6 +33,13 @@ struct FourLanes {
     using Bits [[gnu::vector_size(32)]] = std::int64_t;
 };
 
+/// The width of the widest panel: scratch is laid out for it whatever the processor has.
+constexpr std::size_t kLongestPanelRow = FourLanes::kPanel;
+
+constexpr std::size_t RoundUp(std::size_t n, std::size_t unit) noexcept {
+    return (n + unit - 1) / unit * unit;
+}
+
 constexpr std::size_t kTileRows = 4;
 
 template <class Step, class... Args>
@@ -73,6 +80,15 @@ CORVALE_LOOP const V& At(const double* p) noexcept {
 template <class V>
 CORVALE_LOOP V Splat(double value) noexcept {
     return value - V{};
+}
+
+/// The numbers of the lanes of a row's vector `vector`, counted on from vector to vector.
+template <class L>
+CORVALE_LOOP typename L::Vector LaneNumbers(std::size_t vector) noexcept {
+    typename L::Vector numbers{};
+    for (std::size_t i = 0; i < L::kLanes; ++i)
+        numbers[i] = static_cast<double>(vector * L::kLanes + i);
+    return numbers;
 }
 
 /// Four rows of a panel, each in two vectors, held in registers: every loop below is unrolled, so
