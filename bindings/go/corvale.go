@@ -76,13 +76,13 @@ func Open(path string) error {
 	return nil
 }
 
-// Init does nothing: the library is ready once it is loaded.
+// Init calls CorvaleInit, which does nothing: the library is ready once it is loaded.
 func Init() error {
 	defer turn()()
 	return check(C.CorvaleInit())
 }
 
-// Info tells name, version, build date, platform and compiler of the library.
+// Info (CorvaleGetInfo) tells name, version, build date, platform and compiler of the library.
 func Info() string {
 	defer turn()()
 	var info message
@@ -90,7 +90,7 @@ func Info() string {
 	return trimmed(info[:])
 }
 
-// InitDllNames lists the libraries that have to be initialised first: none.
+// InitDllNames (GetInitDllNames) lists the libraries that have to be initialised first: none.
 func InitDllNames() string {
 	defer turn()()
 	var names name
@@ -101,8 +101,8 @@ func InitDllNames() string {
 // OpenLogFile opens the log, created or emptied; from then on every message is also a line of it.
 func OpenLogFile(fileName string) error {
 	defer turn()()
-	buffer, err := filledName(fileName)
-	if err != nil {
+	var buffer name
+	if err := fillUnindented(buffer[:], fileName); err != nil {
 		return err
 	}
 	return check(C.OpenLogFile(buffer.chars()))
@@ -118,20 +118,20 @@ func CloseLogFile() {
 func LogMessage(text string) error {
 	defer turn()()
 	var buffer message
-	if err := fill(buffer[:], text); err != nil {
+	if err := fillUnindented(buffer[:], text); err != nil {
 		return err
 	}
 	C.LogMessage(buffer.chars())
 	return nil
 }
 
-// LastErrMsg is the last error message. It stays until the next error or CloseLogFile.
+// LastErrMsg (GetLastErrMsg) is the last error message. It stays until the next error or CloseLogFile.
 func LastErrMsg() string {
 	defer turn()()
 	return lastErrMsg()
 }
 
-// LastInfoMsg is the last informational message.
+// LastInfoMsg (GetLastInfoMsg) is the last informational message.
 func LastInfoMsg() string {
 	defer turn()()
 	var text message
@@ -139,7 +139,7 @@ func LastInfoMsg() string {
 	return trimmed(text[:])
 }
 
-// DupKeyMode is the duplication key mode, 0 or 1.
+// DupKeyMode (GetDupKeyMode) is the duplication key mode, 0 or 1.
 func DupKeyMode() int32 {
 	defer turn()()
 	return int32(C.GetDupKeyMode())
@@ -151,7 +151,7 @@ func SetDupKeyMode(mode int32) error {
 	return check(C.SetDupKeyMode(C.int32_t(mode)))
 }
 
-// AllKeyMode is the all-key mode, 0 or 1.
+// AllKeyMode (GetAllKeyMode) is the all-key mode, 0 or 1.
 func AllKeyMode() int32 {
 	defer turn()()
 	return int32(C.GetAllKeyMode())
@@ -169,7 +169,7 @@ func ResetAllKeyMode() {
 	C.ResetAllKeyMode()
 }
 
-// ElsetKeyMode is the element-set key mode, 0 or 1.
+// ElsetKeyMode (GetElsetKeyMode) is the element-set key mode, 0 or 1.
 func ElsetKeyMode() int32 {
 	defer turn()()
 	return int32(C.GetElsetKeyMode())
@@ -181,22 +181,22 @@ func SetElsetKeyMode(mode int32) error {
 	return check(C.SetElsetKeyMode(C.int32_t(mode)))
 }
 
-// LoadFile reads the cards of an input file. It fails when the file cannot be opened, never for what
-// it holds.
+// LoadFile (CorvaleLoadFile) reads the cards of an input file. It fails when the file cannot be opened,
+// never for what it holds.
 func LoadFile(fileName string) error {
 	defer turn()()
-	buffer, err := filledName(fileName)
-	if err != nil {
+	var buffer name
+	if err := fillUnindented(buffer[:], fileName); err != nil {
 		return err
 	}
 	return check(C.CorvaleLoadFile(buffer.chars()))
 }
 
-// MOICData is the first count values of the array that QZ_MOIC cards fill; none for a count of 0 or
-// less, and nothing but zeros for more than 128.
-func MOICData(count int32) []float64 {
+// MOICData (GetMOICData) is the first count values of the array that QZ_MOIC cards fill; for more than
+// 128 the library gives zeros.
+func MOICData(count uint16) []float64 {
 	defer turn()()
-	if count <= 0 {
+	if count == 0 {
 		return nil
 	}
 	values := make([]float64, count)

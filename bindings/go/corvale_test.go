@@ -3,6 +3,7 @@ package corvale
 import (
 	"errors"
 	"fmt"
+	"math"
 	"os"
 	"path/filepath"
 	"reflect"
@@ -113,15 +114,18 @@ func TestLog(t *testing.T) {
 	CloseLogFile()
 	expect(t, [2]string{LastInfoMsg(), LastErrMsg()}, [2]string{"pass 1 of 3", ""})
 	expect(t, read(t, log), fmt.Sprintf("%-128s\nError-%s\n", "pass 1 of 3", failure))
+	expect(t, OpenLogFile(t.TempDir()), StatusError("OpenLogFile: log file failed to open."))
+	CloseLogFile()
 	called = append(called, "OpenLogFile", "LogMessage", "GetLastInfoMsg", "CloseLogFile")
 }
 
 func TestCards(t *testing.T) {
 	expect(t, LoadFile(os.Getenv("CORVALE_INPUT")), nil)
 	values := MOICData(9)
-	expect(t, [2]float64{values[0], values[8]}, [2]float64{6378.135, 1e-12})
+	expect(t, values[:3], []float64{6378.135, 398600.8, 1.0826158e-3})
+	expect(t, values[6:], []float64{0.25, 0, 1e-12})
 	expect(t, [2]int32{ElsetKeyMode(), AllKeyMode()}, [2]int32{1, 1})
-	expect(t, MOICData(-1), []float64(nil))
+	expect(t, MOICData(0), []float64(nil))
 	expect(t, MOICData(129), make([]float64, 129))
 	called = append(called, "CorvaleLoadFile", "GetMOICData")
 }
@@ -129,11 +133,12 @@ func TestCards(t *testing.T) {
 func TestSelfTests(t *testing.T) {
 	const maxInt, maxLong = 1<<31 - 1, 1<<63 - 1
 	given := Values{'A', maxInt, maxLong, 0.1, "  text", [3]int32{maxInt, 2, -3}, [3]int64{maxLong, 5, -6},
-		[3]float64{5e-324, -1.5, 1e308}, [6]int32{-maxInt - 1, 8, 9, 10, 11, maxInt},
+		[3]float64{math.Copysign(0, -1), 5e-324, 1e308}, [6]int32{-maxInt - 1, 8, 9, 10, 11, maxInt},
 		[6]int64{-maxLong - 1, 14, 15, 16, 17, maxLong}, [6]float64{0.2, 0.3, 0.4, 0.5, 0.6, 0.7}}
 	values, err := TestInterface(given)
 	expect(t, err, nil)
 	expect(t, values, given)
+	expect(t, math.Signbit(values.D3[0]), true)
 	expect(t, TestInterface2(&values), nil)
 	want := Values{Ch: 'Z', I: -maxInt - 1, L: -maxLong, D: given.D + 42.123456,
 		Text: "It doesn't matter what your string was."}
@@ -162,7 +167,10 @@ func TestRefusals(t *testing.T) {
 	}
 	var failure StatusError
 	expect(t, errors.As(LoadFile(long[1:]), &failure), true) // 512 bytes fit
-	expect(t, LogMessage(long[:129]) != nil, true)
+	expect(t, errors.As(LoadFile(""), &failure), true)       // the library reports it
+	for _, message := range []string{" blank", "tab\t", long[:129]} {
+		expect(t, LogMessage(message) != nil, true)
+	}
 	expect(t, Open("no-such.so") != nil, true)
 }
 

@@ -45,13 +45,12 @@ func fill(buffer []byte, text string) error {
 	return nil
 }
 
-// filledName also refuses a leading blank, which the library drops.
-func filledName(fileName string) (*name, error) {
-	if strings.HasPrefix(fileName, " ") {
-		return nil, &TextError{fileName, "begins with a blank"}
+// fillUnindented also refuses a leading blank, which the library drops from names and messages.
+func fillUnindented(buffer []byte, text string) error {
+	if strings.HasPrefix(text, " ") {
+		return &TextError{text, "begins with a blank"}
 	}
-	var buffer name
-	return &buffer, fill(buffer[:], fileName)
+	return fill(buffer, text)
 }
 
 // trimmed leaves out the blanks that fill a buffer; bytes stay as they are.

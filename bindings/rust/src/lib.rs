@@ -22,7 +22,7 @@ use std::{env, fmt};
 use face::Face;
 #[doc(hidden)]
 pub use face::DECLARATIONS;
-use text::{filled, filled_name, trimmed};
+use text::{filled, filled_unindented, trimmed};
 
 /// Why a call had no effect.
 #[derive(Clone, Debug, PartialEq, Eq)]
@@ -81,91 +81,92 @@ impl Corvale {
         Ok(Corvale(unsafe { Face::find(&library)? }))
     }
 
-    /// Does nothing: the library is ready once it is loaded.
+    /// `CorvaleInit`. Does nothing: the library is ready once it is loaded.
     pub fn init(&self) -> Result<(), Error> {
         self.check(|face| unsafe { (face.CorvaleInit)() })
     }
 
-    /// Name, version, build date, platform and compiler of the library.
+    /// `CorvaleGetInfo`. Name, version, build date, platform and compiler of the library.
     pub fn info(&self) -> String {
         self.read::<128>(|face, info| unsafe { (face.CorvaleGetInfo)(info) })
     }
 
-    /// The libraries that have to be initialised first: none.
+    /// `GetInitDllNames`. The libraries that have to be initialised first: none.
     pub fn init_dll_names(&self) -> String {
         self.read::<512>(|face, names| unsafe { (face.GetInitDllNames)(names) })
     }
 
-    /// Opens the log, created or emptied; from then on every message is also a line of it.
+    /// `OpenLogFile`. Opens the log, created or emptied; from then on every message is also a line of it.
     pub fn open_log_file(&self, name: impl AsRef<Path>) -> Result<(), Error> {
-        let name = filled_name(bytes(name.as_ref()))?;
+        let name = filled_unindented(bytes(name.as_ref()))?;
         self.check(|face| unsafe { (face.OpenLogFile)(&name) })
     }
 
-    /// Closes the log, if one is open, and blanks the last error message.
+    /// `CloseLogFile`. Closes the log, if one is open, and blanks the last error message.
     pub fn close_log_file(&self) {
         self.alone(|face| unsafe { (face.CloseLogFile)() })
     }
 
-    /// Stores an informational message of at most 128 characters and writes it to an open log.
+    /// `LogMessage`. Stores an informational message of at most 128 characters and writes it to an open log.
     pub fn log_message(&self, message: &str) -> Result<(), Error> {
-        let message = filled(message.as_bytes())?;
+        let message = filled_unindented(message.as_bytes())?;
         self.alone(|face| unsafe { (face.LogMessage)(&message) });
         Ok(())
     }
 
-    /// The last error message. It stays until the next error or [`Corvale::close_log_file`].
+    /// `GetLastErrMsg`. The last error message. It stays until the next error or [`Corvale::close_log_file`].
     pub fn last_err_msg(&self) -> String {
         self.read::<128>(|face, message| unsafe { (face.GetLastErrMsg)(message) })
     }
 
-    /// The last informational message.
+    /// `GetLastInfoMsg`. The last informational message.
     pub fn last_info_msg(&self) -> String {
         self.read::<128>(|face, message| unsafe { (face.GetLastInfoMsg)(message) })
     }
 
-    /// The duplication key mode, 0 or 1.
+    /// `GetDupKeyMode`. The duplication key mode, 0 or 1.
     pub fn dup_key_mode(&self) -> i32 {
         self.alone(|face| unsafe { (face.GetDupKeyMode)() })
     }
 
-    /// Sets the duplication key mode; a mode other than 0 and 1 fails and changes nothing.
+    /// `SetDupKeyMode`. Sets the duplication key mode; a mode other than 0 and 1 fails and changes nothing.
     pub fn set_dup_key_mode(&self, mode: i32) -> Result<(), Error> {
         self.check(|face| unsafe { (face.SetDupKeyMode)(mode) })
     }
 
-    /// The all-key mode, 0 or 1.
+    /// `GetAllKeyMode`. The all-key mode, 0 or 1.
     pub fn all_key_mode(&self) -> i32 {
         self.alone(|face| unsafe { (face.GetAllKeyMode)() })
     }
 
-    /// Sets the all-key mode; a mode other than 0 and 1 fails and changes nothing.
+    /// `SetAllKeyMode`. Sets the all-key mode; a mode other than 0 and 1 fails and changes nothing.
     pub fn set_all_key_mode(&self, mode: i32) -> Result<(), Error> {
         self.check(|face| unsafe { (face.SetAllKeyMode)(mode) })
     }
 
-    /// Sets the all-key and the duplication key mode back to 0.
+    /// `ResetAllKeyMode`. Sets the all-key and the duplication key mode back to 0.
     pub fn reset_all_key_mode(&self) {
         self.alone(|face| unsafe { (face.ResetAllKeyMode)() })
     }
 
-    /// The element-set key mode, 0 or 1.
+    /// `GetElsetKeyMode`. The element-set key mode, 0 or 1.
     pub fn elset_key_mode(&self) -> i32 {
         self.alone(|face| unsafe { (face.GetElsetKeyMode)() })
     }
 
-    /// Sets the element-set key mode; a mode other than 0 and 1 fails and changes nothing.
+    /// `SetElsetKeyMode`. Sets the element-set key mode; a mode other than 0 and 1 fails and changes nothing.
     pub fn set_elset_key_mode(&self, mode: i32) -> Result<(), Error> {
         self.check(|face| unsafe { (face.SetElsetKeyMode)(mode) })
     }
 
-    /// Reads the cards of an input file. Fails when it cannot be opened, never for what it holds.
+    /// `CorvaleLoadFile`. Reads the cards of an input file. Fails when it cannot be opened, never for what it holds.
     pub fn load_file(&self, name: impl AsRef<Path>) -> Result<(), Error> {
-        let name = filled_name(bytes(name.as_ref()))?;
+        let name = filled_unindented(bytes(name.as_ref()))?;
         self.check(|face| unsafe { (face.CorvaleLoadFile)(&name) })
     }
 
-    /// The first `count` values of the array that QZ_MOIC cards fill; beyond 128 the library gives zeros.
+    /// `GetMOICData`. The first `count` values of the array that QZ_MOIC cards fill; for more than 128
+    /// the library gives zeros.
     pub fn moic_data(&self, count: u16) -> Vec<f64> {
         let mut values = vec![0.0; count.into()];
         // SAFETY: values has room for count.
@@ -173,7 +174,7 @@ impl Corvale {
         values
     }
 
-    /// Gives every value back as it arrived in the library.
+    /// `TestInterface`. Gives every value back as it arrived in the library.
     pub fn test_interface(&self, from: &Values) -> Result<Values, Error> {
         let text = filled(from.text.as_bytes())?;
         let (mut to, mut text_out) = (Values::default(), [0; 512]);
@@ -189,7 +190,7 @@ impl Corvale {
         Ok(to)
     }
 
-    /// Changes every value by a fixed amount; integers wrap.
+    /// `TestInterface2`. Changes every value by a fixed amount; integers wrap.
     pub fn test_interface2(&self, values: &mut Values) -> Result<(), Error> {
         let mut text = filled(values.text.as_bytes())?;
         let v = &mut *values;
@@ -204,7 +205,7 @@ impl Corvale {
         Ok(())
     }
 
-    /// 4 times `i3` and 5 times `i6`; products wrap.
+    /// `TestInterface3`. 4 times `i3` and 5 times `i6`; products wrap.
     pub fn test_interface3(&self, i3: &[i32; 3], i6: &[i32; 6]) -> ([i32; 3], [i32; 6]) {
         let (mut i3_out, mut i6_out) = ([0; 3], [0; 6]);
         unsafe { (self.0.TestInterface3)(i3, &mut i3_out, i6, &mut i6_out) };

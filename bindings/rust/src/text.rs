@@ -18,12 +18,12 @@ pub(crate) fn filled<const WIDTH: usize>(text: &[u8]) -> Result<[u8; WIDTH], Err
     Ok(buffer)
 }
 
-/// A file's name in its buffer; also refused when it begins with a blank, which the library drops.
-pub(crate) fn filled_name(name: &[u8]) -> Result<[u8; 512], Error> {
-    if name.starts_with(b" ") {
-        return Err(refused(name, "begins with a blank"));
+/// A name or message; also refused when it begins with a blank, which the library drops.
+pub(crate) fn filled_unindented<const WIDTH: usize>(text: &[u8]) -> Result<[u8; WIDTH], Error> {
+    if text.starts_with(b" ") {
+        return Err(refused(text, "begins with a blank"));
     }
-    filled(name)
+    filled(text)
 }
 
 /// What a buffer holds, without the blanks that fill it. Bytes are taken as Latin-1.

@@ -91,6 +91,9 @@ fn log(corvale: &Corvale) {
     );
     assert_eq!(fs::read_to_string(&name).unwrap(), lines);
     fs::remove_file(&name).unwrap();
+    let reason = "OpenLogFile: log file failed to open.".to_string();
+    assert_eq!(corvale.open_log_file(env::temp_dir()), Err(Error::Failed(reason)));
+    corvale.close_log_file();
 }
 
 fn cards(corvale: &Corvale) {
@@ -118,7 +121,7 @@ fn self_tests(corvale: &Corvale) {
     };
     let mut values = corvale.test_interface(&given).unwrap();
     assert_eq!(values, given);
-    assert!(values.d3[0].is_sign_negative());
+    assert_eq!(values.d3.map(f64::to_bits), given.d3.map(f64::to_bits));
     corvale.test_interface2(&mut values).unwrap();
     let changed = Values {
         ch: b'Z',
@@ -145,7 +148,13 @@ fn refusals(corvale: &Corvale) {
         assert!(matches!(corvale.open_log_file(name), Err(Error::Refused(_))), "{name:?}");
     }
     assert!(matches!(corvale.load_file(&long[1..]), Err(Error::Failed(_))), "512 bytes fit");
-    assert!(matches!(corvale.log_message(&long[..129]), Err(Error::Refused(_))));
+    for message in [" blank", "tab\t", &long[..129]] {
+        assert!(matches!(corvale.log_message(message), Err(Error::Refused(_))), "{message:?}");
+    }
+    assert!(
+        matches!(corvale.load_file(""), Err(Error::Failed(_))),
+        "the library reports an empty name"
+    );
     assert!(matches!(Corvale::open("no-such.so"), Err(Error::NotLoaded(_))));
 }
 
