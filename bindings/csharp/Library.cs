@@ -10,118 +10,153 @@ namespace Corvale
 
     /// <summary>
     /// The C face of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
-    /// The library has one state for the whole process. Every member may be used by any number of
-    /// threads: one lock puts their calls in a row. Code that reaches the same library by another way
-    /// is not held back by that. Texts that the library would cut are refused with ArgumentException.
+    /// The library has one state for the whole process, whichever object is used. Every member may be
+    /// used by any number of threads: one lock puts their calls in a row. Code that reaches the same
+    /// library by another way is not held back by that. Texts that the library would cut are refused
+    /// with ArgumentException.
     /// </summary>
     /// <example><code>
-    /// Library.LoadFile("orbit.inp");
-    /// double[] values = Library.MoicData(128);
+    /// var library = new Library();
+    /// library.LoadFile("orbit.inp");
+    /// double[] values = library.MoicData(128);
     /// </code></example>
-    public static class Library
+    public sealed class Library
     {
         private static readonly object OneAtATime = new object();
 
-        /// <summary>Does nothing: the library is ready once it is loaded.</summary>
-        public static void Init() { Check(Face.CorvaleInit); }
+        private readonly Face face;
 
-        /// <summary>Name, version, build date, platform and compiler of the library.</summary>
-        public static string Info { get { return Read(Texts.MessageWidth, Face.CorvaleGetInfo); } }
+        /// <summary>
+        /// Loads what CORVALE_LIBRARY names, or else libCorvale.so.9 from where the system looks, to the end
+        /// of the process.
+        /// </summary>
+        public Library() : this(Environment.GetEnvironmentVariable("CORVALE_LIBRARY") ?? "libCorvale.so.9") { }
 
-        /// <summary>The libraries that have to be initialised first: none.</summary>
-        public static string InitDllNames { get { return Read(Texts.NameWidth, Face.GetInitDllNames); } }
+        /// <summary>
+        /// Loads a library by its path, or by its name from where the system looks. Throws
+        /// DllNotFoundException or EntryPointNotFoundException with the loader's reason.
+        /// </summary>
+        public Library(string path) { face = new Face(path); }
 
-        /// <summary>Opens the log, created or emptied; from then on every message is also a line of it.</summary>
-        public static void OpenLogFile(string fileName)
+        /// <summary>CorvaleInit. Does nothing: the library is ready once it is loaded.</summary>
+        public void Init() { Check(() => face.Get<Face.CorvaleInit>()()); }
+
+        /// <summary>CorvaleGetInfo. Name, version, build date, platform and compiler.</summary>
+        public string Info
         {
-            var buffer = Texts.FilledName(fileName);
-            Check(() => Face.OpenLogFile(buffer));
+            get { return Read(Texts.MessageWidth, info => face.Get<Face.CorvaleGetInfo>()(info)); }
         }
 
-        /// <summary>Closes the log, if one is open, and blanks the last error message.</summary>
-        public static void CloseLogFile() { lock (OneAtATime) Face.CloseLogFile(); }
-
-        /// <summary>Stores a message of at most 128 characters and writes it to an open log.</summary>
-        public static void LogMessage(string message)
+        /// <summary>GetInitDllNames. The libraries that have to be initialised first: none.</summary>
+        public string InitDllNames
         {
-            var buffer = Texts.Filled(message, Texts.MessageWidth);
-            lock (OneAtATime) Face.LogMessage(buffer);
-        }
-
-        /// <summary>The last error message. It stays until the next error or CloseLogFile.</summary>
-        public static string LastErrMsg { get { return Read(Texts.MessageWidth, Face.GetLastErrMsg); } }
-
-        /// <summary>The last informational message.</summary>
-        public static string LastInfoMsg { get { return Read(Texts.MessageWidth, Face.GetLastInfoMsg); } }
-
-        /// <summary>The duplication key mode, 0 or 1; setting another throws and changes nothing.</summary>
-        public static int DupKeyMode
-        {
-            get { lock (OneAtATime) return Face.GetDupKeyMode(); }
-            set { Check(() => Face.SetDupKeyMode(value)); }
-        }
-
-        /// <summary>The all-key mode, 0 or 1; setting another throws and changes nothing.</summary>
-        public static int AllKeyMode
-        {
-            get { lock (OneAtATime) return Face.GetAllKeyMode(); }
-            set { Check(() => Face.SetAllKeyMode(value)); }
-        }
-
-        /// <summary>Sets the all-key and the duplication key mode back to 0.</summary>
-        public static void ResetAllKeyMode() { lock (OneAtATime) Face.ResetAllKeyMode(); }
-
-        /// <summary>The element-set key mode, 0 or 1; setting another throws and changes nothing.</summary>
-        public static int ElsetKeyMode
-        {
-            get { lock (OneAtATime) return Face.GetElsetKeyMode(); }
-            set { Check(() => Face.SetElsetKeyMode(value)); }
+            get { return Read(Texts.NameWidth, names => face.Get<Face.GetInitDllNames>()(names)); }
         }
 
         /// <summary>
-        /// Reads the cards of an input file. Throws when it cannot be opened, never for what it holds.
+        /// OpenLogFile. Opens the log, created or emptied; from then on every message is also a line of it.
         /// </summary>
-        public static void LoadFile(string fileName)
+        public void OpenLogFile(string fileName)
         {
-            var buffer = Texts.FilledName(fileName);
-            Check(() => Face.CorvaleLoadFile(buffer));
+            var buffer = Texts.FilledUnindented(fileName, Texts.NameWidth);
+            Check(() => face.Get<Face.OpenLogFile>()(buffer));
+        }
+
+        /// <summary>CloseLogFile. Closes the log, if one is open, and blanks the last error message.</summary>
+        public void CloseLogFile() { lock (OneAtATime) face.Get<Face.CloseLogFile>()(); }
+
+        /// <summary>LogMessage. Stores a message of at most 128 characters and writes it to an open log.</summary>
+        public void LogMessage(string message)
+        {
+            var buffer = Texts.FilledUnindented(message, Texts.MessageWidth);
+            lock (OneAtATime) face.Get<Face.LogMessage>()(buffer);
+        }
+
+        /// <summary>GetLastErrMsg. The last error message; it stays until the next error or CloseLogFile.</summary>
+        public string LastErrMsg
+        {
+            get { return Read(Texts.MessageWidth, message => face.Get<Face.GetLastErrMsg>()(message)); }
+        }
+
+        /// <summary>GetLastInfoMsg. The last informational message.</summary>
+        public string LastInfoMsg
+        {
+            get { return Read(Texts.MessageWidth, message => face.Get<Face.GetLastInfoMsg>()(message)); }
+        }
+
+        /// <summary>GetDupKeyMode, SetDupKeyMode. 0 or 1; setting another throws and changes nothing.</summary>
+        public int DupKeyMode
+        {
+            get { lock (OneAtATime) return face.Get<Face.GetDupKeyMode>()(); }
+            set { Check(() => face.Get<Face.SetDupKeyMode>()(value)); }
+        }
+
+        /// <summary>GetAllKeyMode, SetAllKeyMode. 0 or 1; setting another throws and changes nothing.</summary>
+        public int AllKeyMode
+        {
+            get { lock (OneAtATime) return face.Get<Face.GetAllKeyMode>()(); }
+            set { Check(() => face.Get<Face.SetAllKeyMode>()(value)); }
+        }
+
+        /// <summary>ResetAllKeyMode. Sets the all-key and the duplication key mode back to 0.</summary>
+        public void ResetAllKeyMode() { lock (OneAtATime) face.Get<Face.ResetAllKeyMode>()(); }
+
+        /// <summary>GetElsetKeyMode, SetElsetKeyMode. 0 or 1; setting another throws and changes nothing.</summary>
+        public int ElsetKeyMode
+        {
+            get { lock (OneAtATime) return face.Get<Face.GetElsetKeyMode>()(); }
+            set { Check(() => face.Get<Face.SetElsetKeyMode>()(value)); }
         }
 
         /// <summary>
-        /// The first values of the array that QZ_MOIC cards fill: none for a count of 0 or less, nothing
-        /// but zeros for more than 128.
+        /// CorvaleLoadFile. Reads the cards of an input file. Throws when it cannot be opened, never for
+        /// what it holds.
         /// </summary>
-        public static double[] MoicData(int count)
+        public void LoadFile(string fileName)
         {
-            var values = new double[Math.Max(count, 0)];
-            lock (OneAtATime) Face.GetMOICData(count, values);
+            var buffer = Texts.FilledUnindented(fileName, Texts.NameWidth);
+            Check(() => face.Get<Face.CorvaleLoadFile>()(buffer));
+        }
+
+        /// <summary>
+        /// GetMOICData. The first values of the array that QZ_MOIC cards fill; for more than 128 the
+        /// library gives zeros. A negative count is refused.
+        /// </summary>
+        public double[] MoicData(int count)
+        {
+            if (count < 0) throw new ArgumentOutOfRangeException("count", "negative");
+            var values = new double[count];
+            lock (OneAtATime) face.Get<Face.GetMOICData>()(count, values);
             return values;
         }
 
-        /// <summary>Gives every value back as it arrived in the library.</summary>
-        public static Values TestInterface(Values from)
+        /// <summary>TestInterface. Gives every value back as it arrived in the library.</summary>
+        public Values TestInterface(Values from)
         {
             var to = new Values();
             var textIn = Texts.Filled(from.Text, Texts.NameWidth);
-            to.Text = Texts.Read(Texts.NameWidth, textOut => Face.TestInterface(
+            to.Text = Texts.Read(Texts.NameWidth, textOut => face.Get<Face.TestInterface>()(
                 from.Ch, out to.Ch, from.I, out to.I, from.L, out to.L, from.D, out to.D, textIn, textOut,
                 from.I3, to.I3, from.L3, to.L3, from.D3, to.D3, from.I6, to.I6, from.L6, to.L6, from.D6, to.D6));
             return to;
         }
 
-        /// <summary>Changes every value by a fixed amount; integers wrap.</summary>
-        public static void TestInterface2(Values values)
+        /// <summary>TestInterface2. Changes every value by a fixed amount; integers wrap.</summary>
+        public void TestInterface2(Values values)
         {
             var text = Texts.Filled(values.Text, Texts.NameWidth);
-            Face.TestInterface2(ref values.Ch, ref values.I, ref values.L, ref values.D, text,
-                                values.I3, values.L3, values.D3, values.I6, values.L6, values.D6);
+            face.Get<Face.TestInterface2>()(
+                ref values.Ch, ref values.I, ref values.L, ref values.D, text,
+                values.I3, values.L3, values.D3, values.I6, values.L6, values.D6);
             values.Text = Texts.Trimmed(text);
         }
 
-        /// <summary>Three products with 4 and six with 5, in place of the factors; products wrap.</summary>
-        public static void TestInterface3(Values values)
+        /// <summary>TestInterface3. 4 times I3 and 5 times I6, in a new object; products wrap.</summary>
+        public Values TestInterface3(Values from)
         {
-            Face.TestInterface3(values.I3, values.I3, values.I6, values.I6);
+            var to = new Values();
+            face.Get<Face.TestInterface3>()(from.I3, to.I3, from.I6, to.I6);
+            return to;
         }
 
         private static string Read(int width, Action<byte[]> call)
@@ -130,10 +165,10 @@ namespace Corvale
         }
 
         // The reason is read before another thread can fail.
-        private static void Check(Func<int> call)
+        private void Check(Func<int> call)
         {
             lock (OneAtATime)
-                if (call() != 0) throw new CorvaleException(Texts.Read(Texts.MessageWidth, Face.GetLastErrMsg));
+                if (call() != 0) throw new CorvaleException(LastErrMsg);
         }
     }
 }

@@ -27,9 +27,10 @@ internal static class LoadFile
 
     private static void Show(string fileName)
     {
-        Library.LoadFile(fileName);
-        Console.WriteLine($"element-set key mode {Library.ElsetKeyMode}, all-key mode {Library.AllKeyMode}");
-        var values = Library.MoicData(128);
+        var library = new Library();
+        library.LoadFile(fileName);
+        Console.WriteLine($"element-set key mode {library.ElsetKeyMode}, all-key mode {library.AllKeyMode}");
+        var values = library.MoicData(128);
         for (var i = 0; i < values.Length; ++i)
             if (values[i] != 0.0) Console.WriteLine(FormattableString.Invariant($"MOIC({i + 1}) = {values[i]:R}"));
     }

@@ -26,12 +26,12 @@ namespace Corvale
             return buffer;
         }
 
-        /// <summary>A file's name; also refused when it begins with a blank, which the library drops.</summary>
-        public static byte[] FilledName(string name)
+        /// <summary>A name or message; also refused when it begins with a blank, which the library drops.</summary>
+        public static byte[] FilledUnindented(string text, int width)
         {
-            if (name != null && name.StartsWith(" ", StringComparison.Ordinal))
-                throw new ArgumentException($"\"{name}\": begins with a blank");
-            return Filled(name, NameWidth);
+            if (text != null && text.StartsWith(" ", StringComparison.Ordinal))
+                throw new ArgumentException($"\"{text}\": begins with a blank");
+            return Filled(text, width);
         }
 
         /// <summary>What a call writes into a buffer, without the blanks that fill it; bytes are Latin-1.</summary>

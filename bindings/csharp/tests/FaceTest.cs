@@ -9,6 +9,9 @@ using Corvale;
 
 internal static class FaceTest
 {
+    private static readonly Library library = new Library();
+    private static readonly Type[] Declared = typeof(Face).GetNestedTypes();
+
     private static void Expect(object got, object wanted)
     {
         if (!Equals(got, wanted)) throw new Exception($"got {got}, wanted {wanted}");
@@ -47,62 +50,68 @@ internal static class FaceTest
         return $"argument {p.Name} {kind} {width} {way}";
     }
 
+    private static IEnumerable<string> Lines(Type type)
+    {
+        var call = type.GetMethod("Invoke");
+        return new[] {$"function {type.Name} {Kinds[call.ReturnType]}"}.Concat(call.GetParameters().Select(Line));
+    }
+
     // Compares declarations and table; returns how many arguments agreed.
     private static int CheckDeclarations()
     {
         var wanted = File.ReadLines(Setting("CORVALE_INTERFACE")).Where(line => line != "" && line[0] != '#');
-        var have = typeof(Face).GetMethods(BindingFlags.Static | BindingFlags.Public)
-            .OrderBy(method => method.MetadataToken)
-            .SelectMany(method => new[] {$"function {method.Name} {Kinds[method.ReturnType]}"}
-                .Concat(method.GetParameters().Select(Line)));
+        var have = Declared.OrderBy(type => type.MetadataToken).SelectMany(Lines);
         Expect(string.Join("\n", have), string.Join("\n", wanted));
         return have.Count(line => line.StartsWith("argument"));
     }
 
     private static void Identity()
     {
-        Library.Init();
-        Expect(Library.Info.Substring(0, 40), "Arvenit Corvale - Version: v9.4 - Build:");
-        Expect(Library.InitDllNames, "");
+        library.Init();
+        Expect(library.Info.Substring(0, 40), "Arvenit Corvale - Version: v9.4 - Build:");
+        Expect(library.InitDllNames, "");
     }
 
-    private static string Modes() { return $"{Library.DupKeyMode} {Library.AllKeyMode} {Library.ElsetKeyMode}"; }
+    private static string Modes() { return $"{library.DupKeyMode} {library.AllKeyMode} {library.ElsetKeyMode}"; }
 
     private static void KeyModes()
     {
         const string reason = "SetDupKeyMode: invalid input value for DUPLICATION key mode.";
-        Library.DupKeyMode = Library.AllKeyMode = 1;
+        library.DupKeyMode = library.AllKeyMode = 1;
         Expect(Modes(), "1 1 0");
-        Library.ElsetKeyMode = 1;
-        Library.ResetAllKeyMode();
+        library.ElsetKeyMode = 1;
+        library.ResetAllKeyMode();
         Expect(Modes(), "0 0 1");
-        Library.ElsetKeyMode = 0;
-        ExpectThrows<CorvaleException>(() => Library.DupKeyMode = 2, reason);
-        Expect(Library.LastErrMsg, reason);
+        library.ElsetKeyMode = 0;
+        ExpectThrows<CorvaleException>(() => library.DupKeyMode = 2, reason);
+        Expect(library.LastErrMsg, reason);
     }
 
     private static void Log()
     {
         const string reason = "FileOpen: Unable to open file \"no such file\" for reading.";
         var log = Path.GetTempFileName();
-        Library.OpenLogFile(log);
-        Library.LogMessage("pass 1 of 3");
-        ExpectThrows<CorvaleException>(() => Library.LoadFile("no such file"), reason);
-        Library.CloseLogFile();
-        Expect(Library.LastInfoMsg + Library.LastErrMsg, "pass 1 of 3");
+        library.OpenLogFile(log);
+        library.LogMessage("pass 1 of 3");
+        ExpectThrows<CorvaleException>(() => library.LoadFile("no such file"), reason);
+        library.CloseLogFile();
+        Expect(library.LastInfoMsg + library.LastErrMsg, "pass 1 of 3");
         Expect(File.ReadAllText(log), "pass 1 of 3".PadRight(128) + "\nError-" + reason + "\n");
         File.Delete(log);
+        ExpectThrows<CorvaleException>(() => library.OpenLogFile(Path.GetTempPath()),
+                                       "OpenLogFile: log file failed to open.");
+        library.CloseLogFile();
     }
 
     private static void Cards()
     {
-        Library.LoadFile(Setting("CORVALE_INPUT"));
-        var values = Library.MoicData(9);
-        Expect(values[0], 6378.135);
-        Expect(values[8], 1e-12);
+        library.LoadFile(Setting("CORVALE_INPUT"));
+        var values = library.MoicData(9);
+        Expect(Bits(values.Take(3)), Bits(new[] {6378.135, 398600.8, 1.0826158e-3}));
+        Expect(Bits(values.Skip(6)), Bits(new[] {0.25, 0, 1e-12}));
         Expect(Modes(), "0 1 1");
-        Expect(Library.MoicData(-1).Length, 0);
-        Expect(Library.MoicData(129).SequenceEqual(new double[129]), true);
+        Expect(library.MoicData(0).Length, 0);
+        Expect(library.MoicData(129).SequenceEqual(new double[129]), true);
     }
 
     private static Values Distinct()
@@ -120,19 +129,26 @@ internal static class FaceTest
             v.L6[k] = long.MaxValue - k;
             v.D6[k] = 0.2 + k;
         }
+        v.D3[0] = -0.0;
+        v.D3[1] = double.Epsilon;
         return v;
+    }
+
+    private static string Bits(IEnumerable<double> reals)
+    {
+        return string.Join(" ", reals.Select(BitConverter.DoubleToInt64Bits));
     }
 
     private static string Shown(Values v)
     {
-        return $"{v.Ch} {v.I} {v.L} {v.D:R} {v.Text}|{string.Join(" ", v.I3)}|{string.Join(" ", v.L3)}|" +
-               $"{string.Join(" ", v.D3)}|{string.Join(" ", v.I6)}|{string.Join(" ", v.L6)}|{string.Join(" ", v.D6)}";
+        return $"{v.Ch} {v.I} {v.L} {Bits(new[] {v.D})} {v.Text}|{string.Join(" ", v.I3)}|{string.Join(" ", v.L3)}|" +
+               $"{Bits(v.D3)}|{string.Join(" ", v.I6)}|{string.Join(" ", v.L6)}|{Bits(v.D6)}";
     }
 
     private static void SelfTests()
     {
         Values given = Distinct(), wanted = Distinct();
-        var got = Library.TestInterface(given);
+        var got = library.TestInterface(given);
         Expect(Shown(got), Shown(given));
         wanted.Ch = 90;
         wanted.Text = "It doesn't matter what your string was.";
@@ -154,11 +170,11 @@ internal static class FaceTest
                 wanted.D6[k] += 7.6;
             }
         }
-        Library.TestInterface2(got);
+        library.TestInterface2(got);
         Expect(Shown(got), Shown(wanted));
-        Library.TestInterface3(got);
-        for (var k = 0; k < 3; ++k) Expect(got.I3[k], unchecked(wanted.I3[k] * 4));
-        for (var k = 0; k < 6; ++k) Expect(got.I6[k], unchecked(wanted.I6[k] * 5));
+        got = library.TestInterface3(given);
+        for (var k = 0; k < 3; ++k) Expect(got.I3[k], unchecked(given.I3[k] * 4));
+        for (var k = 0; k < 6; ++k) Expect(got.I6[k], unchecked(given.I6[k] * 5));
     }
 
     private static void Refusals()
@@ -166,12 +182,17 @@ internal static class FaceTest
         var fits = new string('n', 512);
         foreach (var name in new[] {" blank", "tab\t", "\u00e9t\u00e9", "\u0141", "del\u007f", "nul\0", fits + "n"})
         {
-            ExpectThrows<ArgumentException>(() => Library.LoadFile(name));
-            ExpectThrows<ArgumentException>(() => Library.OpenLogFile(name));
+            ExpectThrows<ArgumentException>(() => library.LoadFile(name));
+            ExpectThrows<ArgumentException>(() => library.OpenLogFile(name));
         }
-        ExpectThrows<ArgumentNullException>(() => Library.LoadFile(null));
-        ExpectThrows<ArgumentException>(() => Library.LogMessage(fits.Substring(0, 129)));
-        ExpectThrows<CorvaleException>(() => Library.LoadFile(fits));
+        ExpectThrows<ArgumentNullException>(() => library.LoadFile(null));
+        foreach (var message in new[] {" blank", "tab\t", fits.Substring(0, 129)})
+            ExpectThrows<ArgumentException>(() => library.LogMessage(message));
+        ExpectThrows<ArgumentOutOfRangeException>(() => library.MoicData(-1));
+        ExpectThrows<CorvaleException>(() => library.LoadFile(fits));
+        ExpectThrows<CorvaleException>(() => library.LoadFile(""), "FileOpen: File name is empty.");
+        ExpectThrows<DllNotFoundException>(() => new Library("no-such.so"));
+        ExpectThrows<EntryPointNotFoundException>(() => new Library("libc.so.6"));
     }
 
     // What is called where: together every function of the table.
@@ -191,8 +212,7 @@ internal static class FaceTest
         foreach (var call in Calls.Keys) call();
         Refusals();
         var called = Calls.Values.SelectMany(names => names.Split(' ')).OrderBy(name => name, StringComparer.Ordinal);
-        var functions = typeof(Face).GetMethods(BindingFlags.Static | BindingFlags.Public)
-            .Select(method => method.Name).OrderBy(name => name, StringComparer.Ordinal);
+        var functions = Declared.Select(type => type.Name).OrderBy(name => name, StringComparer.Ordinal);
         Expect(string.Join(" ", called), string.Join(" ", functions));
         Console.WriteLine($"C#: {called.Count()} of 20 functions called, {arguments} arguments checked, ok");
     }
