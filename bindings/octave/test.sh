@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# test.sh: builds the MEX file, runs the example and the test in Octave (scripts/test-bindings.sh calls
+# it).
+set -euo pipefail
+cd "$(dirname "$0")"
+
+build=../../build/bindings/octave
+mkdir -p "$build"
+CXXFLAGS='-O2 -std=c++17 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror' \
+    mkoctfile --mex -I../.. corvale_mex.cpp -o "$build/corvale_mex.mex"
+rm -f corvale_mex.o
+
+octave() { octave-cli --norc --no-history --path "$PWD:$build:$PWD/examples:$PWD/tests" "$@"; }
+octave --eval 'load_file(getenv("CORVALE_INPUT"))' |
+    grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
+octave --eval 'test_corvale()'
