@@ -1,0 +1,3 @@
+module corvale
+
+go 1.19
