@@ -6,9 +6,11 @@ cd "$(dirname "$0")"
 
 build=../../build/bindings/octave
 mkdir -p "$build"
-CXXFLAGS='-O2 -std=c++17 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror' \
-    mkoctfile --mex -I../.. corvale_mex.cpp -o "$build/corvale_mex.mex"
-rm -f corvale_mex.o
+(
+    cd "$build"  # where mkoctfile leaves its object file
+    CXXFLAGS='-O2 -std=c++17 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror' \
+        mkoctfile --mex -I../../.. ../../../bindings/octave/corvale_mex.cpp -o corvale_mex.mex
+)
 
 octave() { octave-cli --norc --no-history --path "$PWD:$build:$PWD/examples:$PWD/tests" "$@"; }
 octave --eval 'load_file(getenv("CORVALE_INPUT"))' |
