@@ -364,8 +364,9 @@ std::vector<mxArray*> Run(int count, const mxArray* given[]) {
 }
 
 mxArray* CellOf(const std::vector<mxArray*>& values) {
-    mxArray* cell = mxCreateCellMatrix(1, values.size());
-    for (std::size_t i = 0; i < values.size(); ++i) mxSetCell(cell, i, values[i]);
+    mxArray* cell = mxCreateCellMatrix(1, static_cast<mwSize>(values.size()));
+    for (std::size_t i = 0; i < values.size(); ++i)
+        mxSetCell(cell, static_cast<mwIndex>(i), values[i]);
     return cell;
 }
 
