@@ -120,8 +120,9 @@ class Corvale:
 
     def __init__(self, library: StrPath | None = None) -> None:
         """Loads `library`, or what the environment variable CORVALE_LIBRARY names, or else
-        libCorvale.so.9 from where the system looks. OSError says why it cannot be loaded."""
-        path = os.fspath(library or os.environ.get("CORVALE_LIBRARY") or "libCorvale.so.9")
+        libCorvale.so.9: the one of the installed package, or from where the system looks. OSError
+        says why it cannot be loaded."""
+        path = os.fspath(library or os.environ.get("CORVALE_LIBRARY") or _usual_library())
         loaded = ctypes.CDLL(path, mode=ctypes.RTLD_LOCAL)
         try:
             self._functions = {name: _declared(loaded[name], name) for name in FACE}
@@ -262,6 +263,11 @@ os.register_at_fork(
     after_in_parent=_one_at_a_time.release,
     after_in_child=_one_at_a_time.release,
 )
+
+
+def _usual_library() -> str:
+    own = os.path.join(os.path.dirname(os.path.abspath(__file__)), "libCorvale.so.9")
+    return own if os.path.exists(own) else "libCorvale.so.9"
 
 
 def _by_value(argument: Argument) -> bool:
