@@ -57,11 +57,12 @@ inline Key RandomKey(Pattern pattern, std::mt19937_64& random) {
         case Pattern::Few:
             std::snprintf(text, sizeof text, "KEY%02d", static_cast<int>(random() % 16));
             return Padded(text);
-        case Pattern::Prefix:
-            std::snprintf(text, sizeof text, "SATELLITE %05d EPOCH %08d",
-                          static_cast<int>(random() % 100000),
-                          static_cast<int>(random() % 100000000));
+        case Pattern::Prefix: {
+            const auto number = static_cast<int>(random() % 100000);
+            const auto epoch = static_cast<int>(random() % 100000000);
+            std::snprintf(text, sizeof text, "SATELLITE %05d EPOCH %08d", number, epoch);
             return Padded(text);
+        }
         case Pattern::Bytes:
             for (char& c : key) c = static_cast<char>(random());
             break;
