@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 namespace corvale::fuzz {
-namespace {
+namespace cards {
 
 using namespace CorvaleCardReading;
 using namespace std::literals;
@@ -91,9 +91,10 @@ void CompareType(std::string_view content) {
     ExpectSame(CorvaleCardType(card), wanted, "CorvaleCardType");
 }
 
-}  // namespace
+}  // namespace cards
 
 void Cards(Choices in) {
+    using namespace cards;
     static const MemoryFile file;
     static std::array<char, 8192> room;
     const std::size_t face = in.Below(4);

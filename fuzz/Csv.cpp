@@ -6,7 +6,7 @@
 #include <corvale/text/CompactNumbers.hpp>
 
 namespace corvale::fuzz {
-namespace {
+namespace csv {
 
 constexpr std::string_view kPieces[] = {" 1.500000000000000E+003",
                                         "-2.000000000000000E-001",
@@ -33,9 +33,10 @@ constexpr std::string_view kPieces[] = {" 1.500000000000000E+003",
                                         "100",
                                         "2023/01/01 12:00:00.000"};
 
-}  // namespace
+}  // namespace csv
 
 void Csv(Choices in) {
+    using namespace csv;
     static Room<2048> room;
     std::array<char, 1500> built;
     std::array<char, 1500> wanted;

@@ -8,7 +8,7 @@
 #include <string>
 
 namespace corvale::fuzz {
-namespace {
+namespace interface {
 
 using namespace std::literals;
 
@@ -32,144 +32,115 @@ std::string LeftAdjusted(const std::string& text) {
     return text.substr(first) + std::string(first, ' ');
 }
 
-// An argument or result at an address that fits nothing, or missing.
-template <class Element, std::size_t Count>
-class Argument {
-  public:
-    explicit Argument(Choices& in) : isMissing_(in.Byte() % 16 == 0), offset_(in.Byte() % 8) {
-        before_ = in.Raw<std::array<Element, Count>>();
-        std::memcpy(bytes_ + offset_, before_.data(), sizeof before_);
-    }
-    [[nodiscard]] Element* Address() {
-        return isMissing_ ? nullptr : reinterpret_cast<Element*>(bytes_ + offset_);
-    }
-    [[nodiscard]] bool IsMissing() const { return isMissing_; }
-    [[nodiscard]] const std::array<Element, Count>& Before() const { return before_; }
+Room<512> gInRoom, gOutRoom;
 
-    // Whether it now holds `wanted`, byte for byte; what is missing holds anything.
-    void Expect(const std::array<Element, Count>& wanted, const char* what) const {
-        fuzz::Expect(isMissing_ || std::memcmp(bytes_ + offset_, wanted.data(), sizeof wanted) == 0,
-                     what);
-    }
-    // The outcome of every element replaced by `change`.
-    template <class Change>
-    void ExpectEach(Change change, const char* what) const {
-        std::array<Element, Count> wanted = before_;
-        for (Element& element : wanted) element = change(element);
-        Expect(wanted, what);
+// The arguments of a self-test one behind the other, at addresses that fit none of them.
+class Arguments {
+  public:
+    explicit Arguments(Choices& in) : bytes_(in.Raw<std::array<char, 213>>()) {}
+
+    [[nodiscard]] char* C() { return &bytes_[0]; }
+    [[nodiscard]] std::int32_t* I() { return At<std::int32_t>(1); }
+    [[nodiscard]] std::int64_t* L() { return At<std::int64_t>(5); }
+    [[nodiscard]] double* D() { return At<double>(13); }
+    [[nodiscard]] std::int32_t* I3() { return At<std::int32_t>(21); }
+    [[nodiscard]] std::int64_t* L3() { return At<std::int64_t>(33); }
+    [[nodiscard]] double* D3() { return At<double>(57); }
+    [[nodiscard]] std::int32_t* I6() { return At<std::int32_t>(81); }
+    [[nodiscard]] std::int64_t* L6() { return At<std::int64_t>(105); }
+    [[nodiscard]] double* D6() { return At<double>(153); }
+
+    bool operator==(const Arguments&) const = default;
+
+    // Replaces `count` elements by what `change` makes of them.
+    template <class Element, class Change>
+    static void ForEach(Element* elements, int count, Change change) {
+        char* at = reinterpret_cast<char*>(elements);
+        for (; count > 0; --count, at += sizeof(Element)) {
+            Element element;
+            std::memcpy(&element, at, sizeof element);
+            element = static_cast<Element>(change(element));
+            std::memcpy(at, &element, sizeof element);
+        }
     }
 
   private:
-    bool isMissing_;
-    std::size_t offset_;
-    std::array<Element, Count> before_;
-    char bytes_[sizeof(Element) * Count + 8];
-};
-
-template <class Element, std::size_t Count>
-struct Pair {
-    explicit Pair(Choices& source) : in(source), out(source) {}
-    void Expect(const char* what) const {
-        out.Expect(in.IsMissing() ? out.Before() : in.Before(), what);
+    template <class Element>
+    Element* At(std::size_t at) {
+        return reinterpret_cast<Element*>(&bytes_[at]);
     }
-    Argument<Element, Count> in, out;
+    std::array<char, 213> bytes_;
 };
 
-Room<512> gInRoom, gOutRoom;
+auto Plus(std::uint64_t amount) {
+    return [amount](auto value) { return static_cast<std::uint64_t>(value) + amount; };
+}
+
+// Where a sum is not a number its bits are anyone's: zeros in their place.
+void Add(double* values, int count, double amount) {
+    Arguments::ForEach(values, count, [amount](double value) {
+        return std::isnan(value + amount) ? 0.0 : value + amount;
+    });
+}
 
 void Copies(Choices in) {
-    Argument<char, 1> c(in);
-    Argument<std::int32_t, 1> i(in);
-    Argument<std::int64_t, 1> l(in);
-    Argument<double, 1> d(in);
-    Pair<std::int32_t, 3> i3(in);
-    Pair<std::int64_t, 3> l3(in);
-    Pair<double, 3> d3(in);
-    Pair<std::int32_t, 6> i6(in);
-    Pair<std::int64_t, 6> l6(in);
-    Pair<double, 6> d6(in);
-    const auto real = in.Raw<double>();
-    const auto number = in.Raw<std::int64_t>();
-    const auto small = static_cast<std::int32_t>(number);
+    Arguments given(in), results(in);
     std::array<char, 512> built{};
     const std::string_view text = in.Text(kPieces, built);
     const std::size_t size = std::min<std::size_t>(text.size() + 1, 512);  // one zero follows
     char* const out = gOutRoom.Of(512);
-    TestInterface('Q', c.Address(), small, i.Address(), number, l.Address(), real, d.Address(),
-                  gInRoom.Hold({built.data(), size}).data(), out, i3.in.Address(), i3.out.Address(),
-                  l3.in.Address(), l3.out.Address(), d3.in.Address(), d3.out.Address(),
-                  i6.in.Address(), i6.out.Address(), l6.in.Address(), l6.out.Address(),
-                  d6.in.Address(), d6.out.Address());
-    c.Expect({'Q'}, "TestInterface c");
-    i.Expect({small}, "TestInterface i");
-    l.Expect({number}, "TestInterface l");
-    d.Expect({real}, "TestInterface d");
-    ExpectSame({out, 512}, Taken(text, 512), "TestInterface str");
-    i3.Expect("TestInterface i3");
-    l3.Expect("TestInterface l3");
-    d3.Expect("TestInterface d3");
-    i6.Expect("TestInterface i6");
-    l6.Expect("TestInterface l6");
-    d6.Expect("TestInterface d6");
-}
-
-template <class Integer>
-auto Plus(Integer amount) {
-    return [amount](Integer value) {
-        using Bits = std::make_unsigned_t<Integer>;
-        return static_cast<Integer>(static_cast<Bits>(value) + static_cast<Bits>(amount));
-    };
-}
-
-// Where the sum is not a number its bits are anyone's.
-template <std::size_t Count>
-void ExpectSums(const Argument<double, Count>& argument, double amount, const char* what) {
-    for (const double value : argument.Before())
-        if (std::isnan(value)) return;
-    argument.ExpectEach([amount](double value) { return value + amount; }, what);
+    char c;
+    std::int32_t i;
+    std::int64_t l;
+    double d;
+    std::memcpy(&c, given.C(), sizeof c);
+    std::memcpy(&i, given.I(), sizeof i);
+    std::memcpy(&l, given.L(), sizeof l);
+    std::memcpy(&d, given.D(), sizeof d);
+    const Arguments before = given;
+    TestInterface(c, results.C(), i, results.I(), l, results.L(), d, results.D(),
+                  gInRoom.Hold({built.data(), size}).data(), out, given.I3(), results.I3(),
+                  given.L3(), results.L3(), given.D3(), results.D3(), given.I6(), results.I6(),
+                  given.L6(), results.L6(), given.D6(), results.D6());
+    ExpectSame({out, 512}, Taken(text, 512), "TestInterface, text");
+    Expect(results == given && given == before, "TestInterface");
 }
 
 void Changes(Choices in) {
-    Argument<char, 1> c(in);
-    Argument<std::int32_t, 1> i(in);
-    Argument<std::int64_t, 1> l(in);
-    Argument<double, 1> d(in);
-    Argument<std::int32_t, 3> i3(in);
-    Argument<std::int64_t, 3> l3(in);
-    Argument<double, 3> d3(in);
-    Argument<std::int32_t, 6> i6(in);
-    Argument<std::int64_t, 6> l6(in);
-    Argument<double, 6> d6(in);
+    Arguments got(in);
+    Arguments wanted = got;
     char* const text = gOutRoom.Of(512);
-    TestInterface2(c.Address(), i.Address(), l.Address(), d.Address(), text, i3.Address(),
-                   l3.Address(), d3.Address(), i6.Address(), l6.Address(), d6.Address());
-    c.Expect({'Z'}, "TestInterface2 ch");
-    i.ExpectEach(Plus<std::int32_t>(1), "TestInterface2 i");
-    l.ExpectEach(Plus<std::int64_t>(2), "TestInterface2 l");
-    ExpectSums(d, 42.123456, "TestInterface2 d");
+    TestInterface2(got.C(), got.I(), got.L(), got.D(), text, got.I3(), got.L3(), got.D3(), got.I6(),
+                   got.L6(), got.D6());
     ExpectSame({text, 512}, Taken("It doesn't matter what your string was.", 512),
-               "TestInterface2 str");
-    i3.ExpectEach(Plus<std::int32_t>(1), "TestInterface2 i3");
-    l3.ExpectEach(Plus<std::int64_t>(1234567890123456789), "TestInterface2 l3");
-    ExpectSums(d3, 42.0, "TestInterface2 d3");
-    i6.ExpectEach(Plus<std::int32_t>(1), "TestInterface2 i6");
-    l6.ExpectEach(Plus<std::int64_t>(6), "TestInterface2 l6");
-    ExpectSums(d6, 7.6, "TestInterface2 d6");
+               "TestInterface2, text");
+    *wanted.C() = 'Z';
+    Arguments::ForEach(wanted.I(), 1, Plus(1));
+    Arguments::ForEach(wanted.L(), 1, Plus(2));
+    Add(wanted.D(), 1, 42.123456);
+    Arguments::ForEach(wanted.I3(), 3, Plus(1));
+    Arguments::ForEach(wanted.L3(), 3, Plus(1234567890123456789));
+    Add(wanted.D3(), 3, 42.0);
+    Arguments::ForEach(wanted.I6(), 6, Plus(1));
+    Arguments::ForEach(wanted.L6(), 6, Plus(6));
+    Add(wanted.D6(), 6, 7.6);
+    Add(got.D(), 1, 0.0);  // nothing but the sums that are not numbers
+    Add(got.D3(), 3, 0.0);
+    Add(got.D6(), 6, 0.0);
+    Expect(got == wanted, "TestInterface2");
 }
 
 void Multiplies(Choices in) {
-    Pair<std::int32_t, 3> i3(in);
-    Argument<std::int32_t, 6> i6(in);
-    TestInterface3(i3.in.Address(), i3.out.Address(), i6.Address(), i6.Address());
+    Arguments given(in), results(in);
+    Arguments wanted = results;
+    std::memcpy(wanted.I3(), given.I3(), 3 * sizeof(std::int32_t));
     const auto times = [](unsigned factor) {
-        return [factor](std::int32_t value) {
-            return static_cast<std::int32_t>(static_cast<std::uint32_t>(value) * factor);
-        };
+        return [factor](std::int32_t value) { return static_cast<std::uint32_t>(value) * factor; };
     };
-    std::array<std::int32_t, 3> wanted = i3.in.IsMissing() ? i3.out.Before() : i3.in.Before();
-    if (!i3.in.IsMissing()) std::transform(wanted.begin(), wanted.end(), wanted.begin(), times(4));
-    i3.out.Expect(wanted, "TestInterface3 i3");
-    i6.ExpectEach(times(5), "TestInterface3 i6, in place");
+    Arguments::ForEach(wanted.I3(), 3, times(4));
+    Arguments::ForEach(wanted.I6(), 6, times(5));
+    TestInterface3(given.I3(), results.I3(), results.I6(), results.I6());
+    Expect(results == wanted, "TestInterface3, one array in place");
 }
 
 void Messages(Choices in) {
@@ -189,9 +160,10 @@ void Messages(Choices in) {
     ExpectSame(CorvaleInit(), 0, "CorvaleInit");
 }
 
-}  // namespace
+}  // namespace interface
 
 void Interface(Choices in) {
+    using namespace interface;
     constexpr void (*kFunctions[])(Choices) = {Copies, Changes, Multiplies, Messages};
     const auto function = in.Pick(kFunctions);
     function(in);

@@ -10,7 +10,7 @@
 #include <corvale/numeric/GenFunctions.hpp>
 
 namespace corvale::fuzz {
-namespace {
+namespace keys {
 
 using namespace GenFunctions;
 using namespace CorvaleCardReading;
@@ -118,9 +118,10 @@ void InformationLine(std::string_view name, std::string_view version, bool hasVe
            "all of the information line is written");
 }
 
-}  // namespace
+}  // namespace keys
 
 void Keys(Choices in) {
+    using namespace keys;
     static Room<256> textRoom, otherRoom;
     std::array<char, 160> built;
     const std::size_t kind = in.Below(6);

@@ -10,7 +10,7 @@
 #include <array>
 
 namespace corvale::fuzz {
-namespace {
+namespace lists {
 
 constexpr std::size_t kMost = 600;  // more than 256 go another way
 
@@ -76,9 +76,10 @@ void Search(Choices& in, std::size_t count) {
     Expect(index >= 1 && index <= n, "FindRecIdx stays inside");
 }
 
-}  // namespace
+}  // namespace lists
 
 void Lists(Choices in) {
+    using namespace lists;
     const std::uint8_t kind = in.Byte();
     const std::size_t count = kind < 255 ? in.Below(24) : in.Below(kMost);
     if (kind % 3 == 0) return Search(in, count);

@@ -2,21 +2,19 @@
 // lead nowhere, units that change their file, one file on several units.
 #include "Targets.hpp"
 
+#include "literal/LiteralUnits.hpp"
+
 #include <corvale/Corvale.h>
 #include <corvale/core/FileIO.hpp>
 #include <corvale/platform/NamedLocks.hpp>
 #include <corvale/platform/TextUnits.hpp>
 
-#include <fcntl.h>
 #include <unistd.h>
 #include <filesystem>
 #include <fstream>
-#include <map>
-#include <optional>
-#include <string>
 
 namespace corvale::fuzz {
-namespace {
+namespace log {
 
 using namespace FileIO;
 using namespace std::literals;
@@ -46,11 +44,6 @@ const Name kNames[] = {{"a", "a", "a"},
                        {"b\xc3", "b", "b\xc3"},
                        {kTooLong, "", ""}};
 
-std::string Stored(std::string text) {
-    text.resize(128, ' ');
-    return text;
-}
-
 // A folder of our own, which is the working directory from the first input on.
 class Scratch {
   public:
@@ -69,30 +62,17 @@ class Scratch {
     std::string path_;
 };
 
-struct File {
-    std::string content;
-    int writers = 0;         // units that have it open to write
-    bool isUnclear = false;  // several units wrote it: what it holds depends on more than we follow
-    int version = 0;
-};
-
-struct Unit {
-    std::string name;
-    bool writes;
-    std::size_t position = 0;
-    int version = 0;  // of its file when it was opened
-};
-
-class Model {
+// The model, and at its end the comparison of every file.
+class Model : public test::LiteralUnits {
   public:
     explicit Model(std::string raw) {
         std::ofstream("raw", std::ios::binary) << raw;
-        files_["raw"].content = std::move(raw);
+        files["raw"].content = std::move(raw);
     }
     ~Model() {
         CloseLogFile();
-        for (const auto& [number, unit] : units_) TextUnits::Close(number);
-        for (const auto& [name, file] : files_) {
+        for (const auto& [number, unit] : units) TextUnits::Close(number);
+        for (const auto& [name, file] : files) {
             std::ifstream stream(name, std::ios::binary);
             const std::string content{std::istreambuf_iterator<char>(stream), {}};
             if (!file.isUnclear) ExpectSame(content, file.content, "the content of a file");
@@ -101,77 +81,6 @@ class Model {
     }
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
-
-    [[nodiscard]] const Unit* Find(std::int32_t number) const {
-        const auto found = units_.find(number);
-        return found == units_.end() ? nullptr : &found->second;
-    }
-    void Close(std::int32_t number) {
-        const Unit* const unit = Find(number);
-        if (unit != nullptr && unit->writes) --files_[unit->name].writers;
-        units_.erase(number);
-    }
-    bool Open(std::int32_t number, std::string_view name, std::int32_t mode) {
-        Close(number);
-        if (name.empty() || (mode == 1 && !files_.contains(std::string(name)))) return false;
-        File& file = files_[std::string(name)];
-        if (mode != 1 && ++file.writers > 1) file.isUnclear = true;
-        if (mode == 0) file.content.clear();
-        if (mode != 1) ++file.version;
-        units_[number] = {std::string(name), mode != 1, 0, file.version};
-        return true;
-    }
-    bool Write(std::int32_t number, std::string text) {
-        const Unit* const unit = Find(number);
-        if (unit == nullptr || !unit->writes) return false;
-        for (char& c : text)
-            if (c == '\n' || c == '\r') c = ' ';
-        File& file = files_[unit->name];
-        if (!file.content.empty() && file.content.back() != '\n') file.content += '\n';
-        file.content += text + '\n';
-        ++file.version;
-        return true;
-    }
-    // The next line of a unit; nothing at the end or for a unit that does not read.
-    std::optional<std::string> Read(std::int32_t number) {
-        const auto found = units_.find(number);
-        if (found == units_.end() || found->second.writes) return std::nullopt;
-        const std::string& content = files_[found->second.name].content;
-        std::size_t& at = found->second.position;
-        if (at >= content.size()) return std::nullopt;
-        const std::size_t end = content.find('\n', at);
-        std::string line = content.substr(at, end == std::string::npos ? end : end - at);
-        at = end == std::string::npos ? content.size() : end + 1;
-        if (end != std::string::npos && line.ends_with('\r')) line.pop_back();
-        return line;
-    }
-    bool Rewind(std::int32_t number) {
-        const auto found = units_.find(number);
-        if (found == units_.end() || found->second.writes) return false;
-        found->second.position = 0;
-        return true;
-    }
-    // Whether the file of a unit that reads is as it was when the unit was opened.
-    [[nodiscard]] bool IsSteady(std::int32_t number) const {
-        const Unit* const unit = Find(number);
-        return unit == nullptr || unit->writes || files_.at(unit->name).version == unit->version;
-    }
-    void Error(const std::string& message) {
-        if (hasLog && message.find_first_not_of(' ') != std::string::npos)
-            Write(6, "Error-" + message);
-        error = Stored(message);
-    }
-    void Info(const std::string& message) {
-        if (hasLog) Write(6, message);
-        info = Stored(message);
-    }
-
-    bool hasLog = false;                     // or had one that failed to open
-    std::optional<std::string> error, info;  // nothing: what inputs before left
-
-  private:
-    std::map<std::string, File> files_;
-    std::map<std::int32_t, Unit> units_;
 };
 
 Room<1024> gRoom, gOtherRoom;
@@ -279,7 +188,7 @@ void StoreAndLock(Choices& in, Model&) {
     store.Store(text);
     const std::span<char, 128> message(gOtherRoom.Of(128), 128);
     store.Load(message);
-    ExpectSame({message.data(), 128}, Stored(std::string(text)), "MessageStore");
+    ExpectSame({message.data(), 128}, test::Stored(std::string(text)), "MessageStore");
     std::mutex& lock = NamedLocks::NamedLock(name);
     Expect(&lock == &NamedLocks::NamedLock(gRoom.HoldView(name)) && lock.try_lock(), "NamedLock");
     lock.unlock();
@@ -293,9 +202,10 @@ void CompareMessages(const Model& model) {
     if (model.info) ExpectSame({message, 128}, *model.info, "GetLastInfoMsg");
 }
 
-}  // namespace
+}  // namespace log
 
 void Log(Choices in) {
+    using namespace log;
     static const Scratch scratch;
     constexpr void (*kSteps[])(Choices&, Model&) = {
         OpenLog,   OpenLog,   CloseLog, Trace,    Trace,    OpenUnit,  OpenUnit,    OpenFresh,

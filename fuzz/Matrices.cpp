@@ -10,7 +10,7 @@
 #include <algorithm>
 
 namespace corvale::fuzz {
-namespace {
+namespace matrices {
 
 using namespace GenFunctions;
 using test::Matrix;
@@ -158,9 +158,10 @@ void Sizes(std::int32_t extent) {
     Expect(order * (order + 1) / 2 <= n && n < (order + 1) * (order + 2) / 2, "SizeOfSqrMtx");
 }
 
-}  // namespace
+}  // namespace matrices
 
 void Matrices(Choices in) {
+    using namespace matrices;
     const std::size_t kind = in.Below(8);
     const std::uint8_t size = in.Byte();
     const std::int32_t n = 1 + (size < 250 ? size % 8 : size < 255 ? size % 24 : in.Byte() % 70);

@@ -2,18 +2,16 @@
 // goes one character at a time and converts with the C library.
 #include "Targets.hpp"
 
-#include "literal/LiteralNumbers.hpp"
+#include "literal/LiteralText.hpp"
 #include "text/NumberEnvironment.hpp"
 
 #include <corvale/text/NumericFields.hpp>
 
-#include <string>
-#include <utility>
-
 namespace corvale::fuzz {
-namespace {
+namespace numbers {
 
 using namespace StrFunctions;
+using namespace test;
 using namespace std::literals;
 
 constexpr std::string_view kPieces[] = {
@@ -36,74 +34,45 @@ std::string_view AnyField(Choices& in, std::span<char> room) {
     return {room.data(), static_cast<std::size_t>(size)};
 }
 
-std::string_view ValueOf(std::string_view line) {
-    return line.substr(std::min(line.find('='), line.size() - 1) + 1);
-}
-
-// The first run of `characters`, and what follows its terminator.
-std::pair<std::string_view, std::string_view> TakeRun(std::string_view text,
-                                                      std::string_view characters) {
-    text.remove_prefix(std::min(text.find_first_of(characters), text.size()));
-    const std::size_t end = std::min(text.find_first_not_of(characters), text.size());
-    return {text.substr(0, end), text.substr(std::min(end + 1, text.size()))};
-}
-
-std::string Capitals(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    std::string capitals(text.substr(0, 4));
-    for (char& c : capitals)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-    return capitals;
-}
-
-std::int32_t LiteralInputStrToInt(std::string_view line) {
-    constexpr std::pair<std::string_view, std::int32_t> kWords[] = {
-        {"YES", 1}, {"ON", 1}, {"TRUE", 1}, {"NO", 0}, {"OFF", 0}};
-    const std::string start = Capitals(ValueOf(line));
-    for (const auto& [word, value] : kWords)
-        if (start.starts_with(word)) return value;
-    return test::LiteralStrToInt(ValueOf(line));
-}
-
 void TwoReals(std::string_view text, int mode) {
     double first = -1.0, second = -1.0;
     {
-        const test::RoundingModeScope scope(mode);
+        const RoundingModeScope scope(mode);
         StrTo2Reals(text, first, second);
     }
     constexpr std::string_view kCharacters = "+-.0123456789";
     const auto [run, rest] = TakeRun(text, kCharacters);
-    ExpectSame(first, test::LiteralStrToReal(run), "StrTo2Reals, first");
-    ExpectSame(second, test::LiteralStrToReal(TakeRun(rest, kCharacters).first),
-               "StrTo2Reals, second");
+    ExpectSame(first, LiteralStrToReal(run), "StrTo2Reals, first");
+    ExpectSame(second, LiteralStrToReal(TakeRun(rest, kCharacters).first), "StrTo2Reals, second");
 }
 
 void TwoInts(std::string_view text) {
     std::int32_t first = -1, second = -1;
     StrTo2Ints(text, first, second);
     const auto [run, rest] = TakeRun(text, "+-0123456789");
-    ExpectSame(first, test::LiteralStrToInt(run), "StrTo2Ints, first");
-    ExpectSame(second, test::LiteralStrToInt(rest), "StrTo2Ints, second");
+    ExpectSame(first, LiteralStrToInt(run), "StrTo2Ints, first");
+    ExpectSame(second, LiteralStrToInt(rest), "StrTo2Ints, second");
 }
 
 void OneReal(std::string_view text, int mode, bool isLine) {
     double got;
     {
-        const test::RoundingModeScope scope(mode);
+        const RoundingModeScope scope(mode);
         got = isLine ? InputStrToReal(text) : StrToReal(text);
     }
     const bool hasValue = !isLine || text.find('=') != std::string_view::npos;
-    const double wanted = hasValue ? test::LiteralStrToReal(isLine ? ValueOf(text) : text) : 0.0;
+    const double wanted = hasValue ? LiteralStrToReal(isLine ? ValueOf(text) : text) : 0.0;
     ExpectSame(got, wanted, isLine ? "InputStrToReal" : "StrToReal");
 }
 
-}  // namespace
+}  // namespace numbers
 
 void Numbers(Choices in) {
+    using namespace numbers;
     static Room<1024> room;
     std::array<char, 512> built;
     const std::size_t procedure = in.Below(16);
-    const int mode = procedure < 8 ? FE_TONEAREST : test::kRoundingModes[procedure % 4];
+    const int mode = procedure < 8 ? FE_TONEAREST : kRoundingModes[procedure % 4];
     const std::size_t kind = in.Below(7);
     const std::string_view text = room.HoldView(AnyField(in, built));
     const bool hasValue = text.find('=') != std::string_view::npos;
@@ -115,7 +84,7 @@ void Numbers(Choices in) {
         case 2:
             return TwoReals(text, mode);
         case 3:
-            return ExpectSame(StrToInt(text), test::LiteralStrToInt(text), "StrToInt");
+            return ExpectSame(StrToInt(text), LiteralStrToInt(text), "StrToInt");
         case 4:
             return TwoInts(text);
         case 5:

@@ -8,7 +8,7 @@
 #include <bitset>
 
 namespace corvale::fuzz {
-namespace {
+namespace sort {
 
 using namespace Sorting;
 using test::IsPlainlyLess;
@@ -58,20 +58,6 @@ void ExpectSorted(const Key* keys, const std::int64_t* companion, std::size_t n)
     Expect(isThere.count() == n, "every key is there");
 }
 
-std::int32_t LiteralPartition(std::int32_t low, std::int32_t high, Key* keys,
-                              std::int64_t* companion) {
-    const auto swap = [&](std::int32_t i, std::int32_t j) {
-        std::swap(keys[i - 1], keys[j - 1]);
-        std::swap(companion[i - 1], companion[j - 1]);
-    };
-    const Key pivot = keys[high - 1];
-    std::int32_t i = low - 1;
-    for (std::int32_t j = low; j < high; ++j)
-        if (IsPlainlyLess(keys[j - 1], pivot)) swap(++i, j);
-    swap(low >= high ? low : i + 1, high);
-    return low >= high ? low : i + 1;
-}
-
 void OneStep(Choices& in, std::size_t n, Key* keys, std::int64_t* companion) {
     if (n == 0) return;
     std::array<std::int64_t, kMost> plain;
@@ -79,7 +65,7 @@ void OneStep(Choices& in, std::size_t n, Key* keys, std::int64_t* companion) {
     const auto low = static_cast<std::int32_t>(1 + in.Below(n));
     const auto high = static_cast<std::int32_t>(1 + in.Below(n));
     const std::int32_t place = Partition(low, high, keys, companion);
-    ExpectSame(place, LiteralPartition(low, high, gBefore.data(), plain.data()), "Partition");
+    ExpectSame(place, test::LiteralPartition(low, high, gBefore.data(), plain.data()), "Partition");
     Expect(std::equal(keys, keys + n, gBefore.begin()), "the keys of a partition");
     Expect(std::equal(companion, companion + n, plain.begin()), "the companions of a partition");
 }
@@ -98,9 +84,10 @@ void Swaps(Choices& in, Key a, Key b) {
            "Swap_Int4");
 }
 
-}  // namespace
+}  // namespace sort
 
 void Sort(Choices in) {
+    using namespace sort;
     const std::size_t kind = in.Below(8);
     Choices places(in);  // those of a step are read from the same bytes as the keys
     const std::size_t n = AnyKeys(in);

@@ -2,54 +2,19 @@
 // in place, buffers that end or start beside memory that cannot be touched.
 #include "Targets.hpp"
 
+#include "literal/LiteralText.hpp"
+
 #include <corvale/text/FixedWidthText.hpp>
 
-#include <array>
-#include <string>
-
 namespace corvale::fuzz {
-namespace {
+namespace text {
 
 using namespace StrFunctions;
+using namespace test;
 using namespace std::literals;
 
 constexpr std::string_view kPieces[] = {"aA", " ", "    ", "=",  " = ", "\\", "\\\\", "/",  "\0"sv,
                                         "zZ", "{", "@[`",  "09", ".",   "aa", "aaa",  "ab", "\t"};
-
-// A result that is cut or blank-filled.
-std::string Fit(std::string text, std::size_t width) {
-    text.resize(width, ' ');
-    return text;
-}
-
-std::string Cased(std::string text, char first, int distance) {
-    for (char& c : text)
-        if (c >= first && c <= first + 25) c = static_cast<char>(c + distance);
-    return text;
-}
-
-std::string LiteralReplace(const std::string& text, const std::string& pattern,
-                           const std::string& replacement) {
-    if (pattern.empty()) return "";
-    std::string result;
-    std::size_t from = 0;
-    for (std::size_t at; (at = text.find(pattern, from)) != std::string::npos;
-         from = at + pattern.size())
-        result += text.substr(from, at - from) + replacement;
-    return result + text.substr(from);
-}
-
-std::string LiteralValue(const std::string& line) {
-    const std::string value = line.substr(line.find('=') + 1);  // the whole line without one
-    return value.substr(std::min(value.find_first_not_of(' '), value.size()));
-}
-
-std::string LiteralDigits(const std::string& text) {
-    std::string kept;
-    for (const char c : text)
-        if ("0123456789."sv.find(c) != std::string_view::npos) kept += c;
-    return kept;
-}
 
 using OneText = void (*)(std::string_view, std::span<char>) noexcept;
 struct Operation {
@@ -119,9 +84,10 @@ void OneOf(Choices& in, const Operation& operation, const std::string& text) {
                "an operation on one text");
 }
 
-}  // namespace
+}  // namespace text
 
 void Text(Choices in) {
+    using namespace text;
     std::array<char, 600> built;
     const std::size_t kind = in.Below(10);
     Choices sizes(in);  // the widths are read from the same bytes as the text
