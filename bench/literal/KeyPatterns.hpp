@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvale::test {
@@ -26,6 +27,21 @@ inline bool IsPlainlyLess(const Key& a, const Key& b) {
         a.begin(), a.end(), b.begin(), b.end(), [](char left, char right) {
             return static_cast<unsigned char>(left) < static_cast<unsigned char>(right);
         });
+}
+
+/// One step of the quicksort, exchange by exchange.
+inline std::int32_t LiteralPartition(std::int32_t low, std::int32_t high, Key* keys,
+                                     std::int64_t* companion) {
+    const auto swap = [&](std::int32_t i, std::int32_t j) {
+        std::swap(keys[i - 1], keys[j - 1]);
+        std::swap(companion[i - 1], companion[j - 1]);
+    };
+    const Key pivot = keys[high - 1];
+    std::int32_t i = low - 1;
+    for (std::int32_t j = low; j < high; ++j)
+        if (IsPlainlyLess(keys[j - 1], pivot)) swap(++i, j);
+    swap(low >= high ? low : i + 1, high);
+    return low >= high ? low : i + 1;
 }
 
 enum class Pattern {

@@ -190,6 +190,16 @@ def check_exports(source, library, nodes):
         fault(f"{library}: plain names differ from the C face: {sorted(plain ^ wanted)}")
 
 
+def check_fuzzed(source, names):
+    """Every public procedure stands in the table that tells which fuzz target calls it."""
+    table = set(re.findall(r"`(\w+)`", (source / "fuzz/README.md").read_text()))
+    for name in names:
+        for _, _, code in declarations((source / "corvale" / name).read_text()):
+            procedure = re.search(r"(\w+)\(", code)
+            if procedure and procedure[1] not in table:
+                fault(f"fuzz/README.md: no target for {procedure[1]}")
+
+
 def main(arguments):
     if arguments[0] == "--headers":
         print("\n".join(installed_headers(pathlib.Path(arguments[1]))))
@@ -204,6 +214,7 @@ def main(arguments):
             check_declares_only(name, text)
         check_comments(name, text)
     check_compiles({"root": source, "names": names})
+    check_fuzzed(source, names)
     nodes = check_versions(source)
     if len(arguments) > 1:
         check_exports(source, arguments[1], nodes)

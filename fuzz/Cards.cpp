@@ -1,0 +1,118 @@
+// Whole input files, through either face, against the simplest reader: modes, array and status.
+#include "Targets.hpp"
+
+#include "literal/LiteralCards.hpp"
+
+#include <corvale/Corvale.h>
+#include <corvale/core/CorvaleCardReading.hpp>
+#include <corvale/core/CorvaleTypes.hpp>
+#include <corvale/core/FileIO.hpp>
+#include <corvale/platform/TextUnits.hpp>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace corvale::fuzz {
+namespace cards {
+
+using namespace CorvaleCardReading;
+using namespace std::literals;
+
+constexpr std::string_view kPieces[] = {"QZ_MOIC ",  "\nQZ_MOIC ",  "\r\nqz_moic ",
+                                        "QZ_MOIC",   "\nQZ_DMA_ON", "\nqz_dma_all_on",
+                                        "QZ_DMA_ON", "\n",          "\r\n",
+                                        "\n* ",      "\n ",         " ",
+                                        ",",         " , ",         "/",
+                                        "\t",        "1",           "-2.5",
+                                        ".5E+3",     "7d-2",        "1.5+2",
+                                        "1Q3",       "128*0",       "126*",
+                                        "9*",        "3*4 ",        "0*1",
+                                        "X",         "1e400",       "Inf",
+                                        "123456789", "2 3 4 5 ",    "1,,3,",
+                                        "99999999*", "\0"sv,        "1;2"};
+constexpr double kOld = -77.5;  // what an element holds that no card has given a value
+
+void ResetState() {
+    MoicArr.fill(kOld);
+    ResetAllKeyMode();
+    SetElsetKeyMode(0);
+}
+
+// A file that exists in memory alone.
+class MemoryFile {
+  public:
+    MemoryFile() : descriptor_(memfd_create("cards", MFD_CLOEXEC)) {
+        std::snprintf(path_.data(), path_.size(), "/proc/self/fd/%d", descriptor_);
+    }
+    void Fill(std::string_view content) const {
+        Expect(ftruncate(descriptor_, 0) == 0 && pwrite(descriptor_, content.data(), content.size(),
+                                                        0) == static_cast<ssize_t>(content.size()),
+               "the file is written");
+    }
+    [[nodiscard]] const char* Path() const { return path_.data(); }
+
+  private:
+    int descriptor_;
+    std::array<char, 40> path_{};
+};
+
+void Load(const char* path, std::size_t face) {
+    if (face == 0) return ExpectSame(CorvaleLoadFile(path), 0, "CorvaleLoadFile");
+    if (face == 1) return ExpectSame(ReadCorvaleFrFile(path), 0, "ReadCorvaleFrFile");
+    std::array<char, 9> line;
+    ExpectSame(FileIO::FileOpen(17, path, 1), 0, "FileOpen");
+    if (face == 2) static_cast<void>(TextUnits::ReadLine(17, line));
+    ExpectSame(ReadCorvaleFrFileUnit(17), 0, "ReadCorvaleFrFileUnit");
+    TextUnits::Close(17);
+}
+
+void CompareArray(const std::array<double, 128>& wanted, std::int32_t count) {
+    static Room<8 * 200> room;
+    const auto size = static_cast<std::size_t>(std::max(count, 0));
+    auto* const values = room.Of<double>(size);
+    GetMOICData(count, values);
+    for (std::size_t i = 0; i < size; ++i)
+        ExpectSame(values[i], count > 128 ? 0.0 : wanted[i], "GetMOICData");
+    auto* const copies = room.Of<double>(std::min<std::size_t>(size, 128));
+    RetrieveMocData(copies, count);
+    for (std::size_t i = 0; i < std::min<std::size_t>(size, 128); ++i)
+        ExpectSame(copies[i], wanted[i], "RetrieveMocData");
+}
+
+void CompareType(std::string_view content) {
+    static Room<64> room;
+    const std::string_view card = room.HoldView(content.substr(0, content.size() % 32));
+    std::string line(card);
+    line.resize(13, ' ');
+    const std::int32_t wanted = line.starts_with("QZ_MOIC ")        ? 1
+                                : line.starts_with("QZ_DMA_ON")     ? 2
+                                : line.starts_with("QZ_DMA_ALL_ON") ? 3
+                                                                    : 100;
+    ExpectSame(CorvaleCardType(card), wanted, "CorvaleCardType");
+}
+
+}  // namespace cards
+
+void Cards(Choices in) {
+    using namespace cards;
+    static const MemoryFile file;
+    static std::array<char, 8192> room;
+    const std::size_t face = in.Below(4);
+    const auto count = static_cast<std::int32_t>(in.Below(200)) - 20;
+    const std::string_view content = in.Text(kPieces, room);
+    test::CardOutcome wanted;
+    wanted.moic.fill(kOld);
+    test::ReadLiterally(content, wanted);
+
+    ResetState();
+    file.Fill(content);
+    Load(file.Path(), face);
+    const test::CardModes modes{GetElsetKeyMode(), GetAllKeyMode(), UseAllKeyMode()};
+    Expect(modes == wanted.modes, "the modes after loading");
+    for (std::size_t i = 0; i < wanted.moic.size(); ++i)
+        ExpectSame(MoicArr[i], wanted.moic[i], "MoicArr");
+    CompareArray(wanted.moic, count);
+    CompareType(content);
+}
+
+}  // namespace corvale::fuzz

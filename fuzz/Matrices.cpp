@@ -1,0 +1,175 @@
+// Packed forms, Cholesky and inversion, bit for bit against plain loops: matrices of every kind with
+// any elements changed, all orders to 8 and some to 70, strides of any sign, results in place.
+#include "Targets.hpp"
+
+#include "literal/LiteralMatrices.hpp"
+#include "literal/MatrixKinds.hpp"
+
+#include <corvale/numeric/GenFunctions.hpp>
+
+#include <algorithm>
+
+namespace corvale::fuzz {
+namespace matrices {
+
+using namespace GenFunctions;
+using test::Matrix;
+
+constexpr double kAround = 0x1.23456789abcdep+77;  // what lies between the elements of a view
+
+void ExpectElements(const double* got, const Matrix& wanted, const char* what) {
+    for (std::size_t i = 0; i < wanted.size(); ++i) ExpectSame(got[i], wanted[i], what);
+}
+
+// Memory for the largest matrix with the widest strides.
+using MatrixRoom = Room<16 * 73 * 73 * 8>;
+MatrixRoom gFromRoom, gToRoom;
+
+// A matrix in a room with any strides, in a memory not one element larger than they need.
+class Strided {
+  public:
+    Strided(MatrixRoom& room, std::int32_t rows, std::int32_t columns, Choices& in) {
+        const std::ptrdiff_t gap = 1 + in.Byte() % 3;
+        std::ptrdiff_t row = gap, column = gap * (rows + in.Byte() % 3);
+        if (in.Flip()) column = gap, row = gap * (columns + in.Byte() % 3);
+        size_ = static_cast<std::size_t>((rows - 1) * row + (columns - 1) * column + 1);
+        memory_ = room.Of<double>(size_);
+        std::fill_n(memory_, size_, kAround);
+        double* first = memory_;
+        if (in.Flip()) first += (rows - 1) * row, row = -row;
+        if (in.Flip()) first += (columns - 1) * column, column = -column;
+        view_ = {first, rows, columns, row, column};
+    }
+    [[nodiscard]] MatrixView<double> View() const { return view_; }
+
+    template <class Action>
+    void ForEach(Action action) const {
+        for (std::int32_t j = 1; j <= view_.Columns(); ++j)
+            for (std::int32_t i = 1; i <= view_.Rows(); ++i) action(view_(i, j));
+    }
+    void Fill(const Matrix& from) const {
+        ForEach([next = from.begin()](double& element) mutable { element = *next++; });
+    }
+    // Its elements and, in between, nothing changed. For the last look at it.
+    void Expect(const Matrix& wanted, const char* what) const {
+        ForEach([&, next = wanted.begin()](double& element) mutable {
+            ExpectSame(element, *next++, what);
+            element = kAround;
+        });
+        for (std::size_t i = 0; i < size_; ++i) ExpectSame(memory_[i], kAround, "between elements");
+    }
+
+  private:
+    double* memory_;
+    std::size_t size_;
+    MatrixView<double> view_;
+};
+
+// One of the kinds, with so many elements changed as the input has bytes for.
+Matrix AnyMatrix(Choices& in, std::int32_t n, const Choices& changes) {
+    Matrix a = in.Pick(test::kMatrixKinds).make(n);
+    Choices rest = changes;
+    while (rest.Left() > 2) a[rest.Byte() % a.size()] = rest.Real();
+    return a;
+}
+
+void Solve(Choices& in, std::int32_t n, bool hasRoots) {
+    static Room<8 * 70 * 70> aRoom, inverseRoom;
+    static Room<8 * 70> bRoom, xRoom;
+    const bool isInPlace = in.Flip();
+    const Matrix a = AnyMatrix(in, n, in), b = test::RandomMatrix(n, 1, n);
+    Matrix inverse(a.size()), x(b.size());
+    (hasRoots ? literal::Cholesky : literal::Cholesky2)(a.data(), b.data(), n, inverse.data(),
+                                                        x.data());
+    auto* const given = aRoom.Of<double>(a.size());
+    auto* const right = bRoom.Of<double>(b.size());
+    std::copy(a.begin(), a.end(), given);
+    std::copy(b.begin(), b.end(), right);
+    const auto order = static_cast<std::size_t>(n);
+    for (std::size_t j = 0; j < order; ++j)  // what lies below the diagonal has no influence
+        std::fill(given + j * order + j + 1, given + (j + 1) * order, test::kNaN);
+    double* const result = isInPlace ? given : inverseRoom.Of<double>(a.size());
+    double* const solution = isInPlace ? right : xRoom.Of<double>(b.size());
+    (hasRoots ? GenFunctions::Cholesky : GenFunctions::Cholesky2)(given, right, n, result,
+                                                                  solution);
+    ExpectElements(result, inverse, hasRoots ? "Cholesky, inverse" : "Cholesky2, inverse");
+    ExpectElements(solution, x, hasRoots ? "Cholesky, solution" : "Cholesky2, solution");
+}
+
+void Invert(Choices& in, std::int32_t n, bool pivots) {
+    const bool isInPlace = in.Flip();
+    const Strided from(gFromRoom, n, n, in);
+    const Matrix a = AnyMatrix(in, n, in);
+    Matrix wanted(a.size());
+    (pivots ? literal::MtxInv : literal::MInv)(a.data(), n, wanted.data());
+    from.Fill(a);
+    const auto invert = pivots ? GenFunctions::MtxInv : GenFunctions::MInv;
+    if (isInPlace) {
+        invert(from.View(), from.View());
+        return from.Expect(wanted, "an inverse in place");
+    }
+    const Strided result(gToRoom, n, n, in);
+    invert(from.View(), result.View());
+    result.Expect(wanted, pivots ? "MtxInv" : "MInv");
+    from.Expect(a, "the matrix that was inverted");
+}
+
+void CopyOblong(Choices& in, std::int32_t rows, bool pivots) {
+    const auto columns = static_cast<std::int32_t>(1 + in.Below(12));
+    if (columns == rows) return;
+    const Strided from(gFromRoom, rows, columns, in), result(gToRoom, rows, columns, in);
+    const Matrix a = test::RandomMatrix(rows, columns, rows);
+    from.Fill(a);
+    (pivots ? GenFunctions::MtxInv : GenFunctions::MInv)(from.View(), result.View());
+    result.Expect(pivots ? a : Matrix(a.size()), "what comes of a matrix that is not square");
+}
+
+void Pack(Choices& in, std::int32_t n) {
+    static Room<8 * 3 * 2500> room;
+    const Strided from(gFromRoom, n, n, in), back(gToRoom, n, n, in);
+    const std::ptrdiff_t stride = 1 + in.Byte() % 3;
+    const Matrix a = AnyMatrix(in, n, in);
+    from.Fill(a);
+    const std::int32_t length = SizeOfLta(from.View());
+    const auto count = static_cast<std::size_t>(length);
+    ExpectSame(length, n * (n + 1) / 2, "SizeOfLta");
+    const bool isTurned = in.Flip();
+    const auto last = static_cast<std::ptrdiff_t>(count - 1) * stride;
+    auto* const memory = room.Of<double>(static_cast<std::size_t>(last) + 1);
+    const VectorView<double> packed(isTurned ? memory + last : memory, length,
+                                    isTurned ? -stride : stride);
+    Matrix wanted(count), square(a.size());
+    literal::SqrMtx2Lta(a.data(), n, wanted.data());
+    literal::Lta2SqrMtx(wanted.data(), n, square.data());
+    SqrMtx2Lta(from.View(), packed);
+    for (std::int32_t i = 1; i <= length; ++i)
+        ExpectSame(packed(i), wanted[static_cast<std::size_t>(i) - 1], "SqrMtx2Lta");
+    Lta2SqrMtx(packed, back.View());
+    back.Expect(square, "Lta2SqrMtx");
+    from.Expect(a, "the matrix that was packed");
+}
+
+// Sizes alone: views of any extent, over no memory.
+void Sizes(std::int32_t extent) {
+    const std::int64_t n = std::max(extent, 0), length = n * (n + 1) / 2;
+    ExpectSame(SizeOfLta({nullptr, extent, extent}),
+               static_cast<std::int32_t>(std::min<std::int64_t>(length, INT32_MAX)), "SizeOfLta");
+    const std::int64_t order = SizeOfSqrMtx({nullptr, extent});
+    Expect(order * (order + 1) / 2 <= n && n < (order + 1) * (order + 2) / 2, "SizeOfSqrMtx");
+}
+
+}  // namespace matrices
+
+void Matrices(Choices in) {
+    using namespace matrices;
+    const std::size_t kind = in.Below(8);
+    const std::uint8_t size = in.Byte();
+    const std::int32_t n = 1 + (size < 250 ? size % 8 : size < 255 ? size % 24 : in.Byte() % 70);
+    if (kind < 2) return Solve(in, n, kind == 0);
+    if (kind < 4) return Invert(in, n, kind == 2);
+    if (kind < 6) return CopyOblong(in, n, kind == 4);
+    if (kind == 6) return Pack(in, n);
+    Sizes(in.Int32());
+}
+
+}  // namespace corvale::fuzz

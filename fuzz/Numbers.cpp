@@ -1,0 +1,99 @@
+// Numbers and yes/no words in fields and input lines, in every rounding mode, against a reader that
+// goes one character at a time and converts with the C library.
+#include "Targets.hpp"
+
+#include "literal/LiteralText.hpp"
+#include "text/NumberEnvironment.hpp"
+
+#include <corvale/text/NumericFields.hpp>
+
+namespace corvale::fuzz {
+namespace numbers {
+
+using namespace StrFunctions;
+using namespace test;
+using namespace std::literals;
+
+constexpr std::string_view kPieces[] = {
+    "0",    "00000000", "1",    "99999999", "12345678",   ".",           "e",
+    "E",    "d",        "D",    "-",        "+",          " ",           "    ",
+    "=",    "yes",      "ON",   "true",     "no",         "off",         "2147483648",
+    ",",    "/",        "e308", "e-324",    "e-308",      "7",           "9007199254740993",
+    "5e-1", "E+03",     "D-02", "\0"sv,     "1797693134", "86231570814", "2.4703282292062327"};
+
+// Pieces, or the decimals of a double, so many that they may end at the middle between two.
+std::string_view AnyField(Choices& in, std::span<char> room) {
+    if (in.Byte() % 4 != 0) return in.Text(kPieces, room);
+    const int blanks = in.Byte() % 8, decimals = in.Byte() % 90;
+    const double value = in.Flip() ? in.Real() : in.Raw<double>();
+    const auto middle = (static_cast<long double>(value) + std::nextafter(value, 1e308)) / 2;
+    const int size =
+        in.Flip()
+            ? std::snprintf(room.data(), room.size(), "%*s%.*e", blanks, "", decimals, value)
+            : std::snprintf(room.data(), room.size(), "%*s%.*Le", blanks, "", decimals, middle);
+    return {room.data(), static_cast<std::size_t>(size)};
+}
+
+void TwoReals(std::string_view text, int mode) {
+    double first = -1.0, second = -1.0;
+    {
+        const RoundingModeScope scope(mode);
+        StrTo2Reals(text, first, second);
+    }
+    constexpr std::string_view kCharacters = "+-.0123456789";
+    const auto [run, rest] = TakeRun(text, kCharacters);
+    ExpectSame(first, LiteralStrToReal(run), "StrTo2Reals, first");
+    ExpectSame(second, LiteralStrToReal(TakeRun(rest, kCharacters).first), "StrTo2Reals, second");
+}
+
+void TwoInts(std::string_view text) {
+    std::int32_t first = -1, second = -1;
+    StrTo2Ints(text, first, second);
+    const auto [run, rest] = TakeRun(text, "+-0123456789");
+    ExpectSame(first, LiteralStrToInt(run), "StrTo2Ints, first");
+    ExpectSame(second, LiteralStrToInt(rest), "StrTo2Ints, second");
+}
+
+void OneReal(std::string_view text, int mode, bool isLine) {
+    double got;
+    {
+        const RoundingModeScope scope(mode);
+        got = isLine ? InputStrToReal(text) : StrToReal(text);
+    }
+    const bool hasValue = !isLine || text.find('=') != std::string_view::npos;
+    const double wanted = hasValue ? LiteralStrToReal(isLine ? ValueOf(text) : text) : 0.0;
+    ExpectSame(got, wanted, isLine ? "InputStrToReal" : "StrToReal");
+}
+
+}  // namespace numbers
+
+void Numbers(Choices in) {
+    using namespace numbers;
+    static Room<1024> room;
+    std::array<char, 512> built;
+    const std::size_t procedure = in.Below(16);
+    const int mode = procedure < 8 ? FE_TONEAREST : kRoundingModes[procedure % 4];
+    const std::size_t kind = in.Below(7);
+    const std::string_view text = room.HoldView(AnyField(in, built));
+    const bool hasValue = text.find('=') != std::string_view::npos;
+    switch (kind) {
+        case 0:
+            return OneReal(text, mode, false);
+        case 1:
+            return OneReal(text, mode, true);
+        case 2:
+            return TwoReals(text, mode);
+        case 3:
+            return ExpectSame(StrToInt(text), LiteralStrToInt(text), "StrToInt");
+        case 4:
+            return TwoInts(text);
+        case 5:
+            return ExpectSame(InputStrToInt(text), hasValue ? LiteralInputStrToInt(text) : 0,
+                              "InputStrToInt");
+        default:
+            return ExpectSame(OnOff2Int(text), Capitals(text).starts_with("ON") ? 1 : 0,
+                              "OnOff2Int");
+    }
+}
+
+}  // namespace corvale::fuzz

@@ -1,0 +1,40 @@
+// The fuzz targets: each runs one input and ends the program where the library is wrong.
+#pragma once
+
+#include "Shapes.hpp"
+
+namespace corvale::fuzz {
+
+void Cards(Choices in);
+void Numbers(Choices in);
+void FreeForm(Choices in);
+void NumberText(Choices in);
+void Csv(Choices in);
+void Text(Choices in);
+void Keys(Choices in);
+void Lists(Choices in);
+void Angles(Choices in);
+void Matrices(Choices in);
+void Sort(Choices in);
+void Log(Choices in);
+void Interface(Choices in);
+
+struct NamedTarget {
+    const char* name;
+    void (*run)(Choices in);
+};
+inline constexpr NamedTarget kTargets[] = {{"Cards", Cards},
+                                           {"Numbers", Numbers},
+                                           {"FreeForm", FreeForm},
+                                           {"NumberText", NumberText},
+                                           {"Csv", Csv},
+                                           {"Text", Text},
+                                           {"Keys", Keys},
+                                           {"Lists", Lists},
+                                           {"Angles", Angles},
+                                           {"Matrices", Matrices},
+                                           {"Sort", Sort},
+                                           {"Log", Log},
+                                           {"Interface", Interface}};
+
+}  // namespace corvale::fuzz
