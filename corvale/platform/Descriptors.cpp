@@ -112,16 +112,17 @@ bool MakeBlocking(int descriptor) noexcept {
     return flags != -1 && fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != -1;
 }
 
-// True when the last byte of a file that is not empty is no line end.
+// True when the last byte of a file that is not empty is no line end, or is not to be known: rather
+// an empty line than two lines in one.
 bool EndsInsideLine(const char* path, const struct stat& status) noexcept {
     if (!S_ISREG(status.st_mode) || status.st_size == 0) return false;
     const int reader = OpenPath(path, FileAccess::Read);
-    if (reader < 0) return true;  // not to be known: rather an empty line than two lines in one
+    if (reader < 0) return true;
     char last = '\n';
     const auto count =
         RetryInterrupted([&] { return pread(reader, &last, 1, status.st_size - 1); });
     close(reader);
-    return count == 1 && last != '\n';
+    return count != 1 || last != '\n';
 }
 
 // A file-size limit turns a write into SIGXFSZ, a pipe without readers into SIGPIPE.
