@@ -32,7 +32,7 @@ const std::vector<Way> kWrites = {{ENOSPC}, {EIO},   {EFBIG},  {EDQUOT}, {EBADF}
 const Failures kFailures[] = {
     {CallOf("open"), {{EMFILE}, {ENFILE}, {ENOMEM}, {ENOSPC}, {EACCES}, {EIO}, {EINTR}}},
     {CallOf("close"), {{EIO}, {EINTR}}},
-    {CallOf("read"), {{EIO}, {EBADF}, {ENOMEM}, {EINTR}, {EAGAIN}, {0}}},
+    {CallOf("read"), {{EIO}, {EBADF}, {ENOMEM}, {EINTR}, {EAGAIN}, {0}, {EIO, true}}},
     {CallOf("pread"), {{EIO}, {EINTR}}},
     {CallOf("write"), kWrites},
     {CallOf("writev"), kWrites},

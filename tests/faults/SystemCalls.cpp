@@ -35,7 +35,7 @@ State& Shared() noexcept {
     return state;
 }
 
-constexpr std::size_t kPartOfRead = 7;  // no divisor of any buffer
+constexpr std::size_t kPartOfRead = 9;  // not a line, but something that looks like one
 constexpr Clock::duration kTick = std::chrono::microseconds(100);
 
 bool IsDisturbed() noexcept {
