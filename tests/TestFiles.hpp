@@ -3,9 +3,12 @@
 
 #include <corvale/core/FileIO.hpp>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -80,6 +83,34 @@ inline std::string Padded(std::string_view text, std::size_t width) {
     padded.resize(width, ' ');
     return padded;
 }
+
+/// A named pipe with a reader, who can leave and come back.
+class NamedPipe {
+  public:
+    explicit NamedPipe(const std::string& path) : path_(path) {
+        mkfifo(path.c_str(), 0600);
+        Come();
+    }
+    ~NamedPipe() {
+        Leave();
+        unlink(path_.c_str());
+    }
+    NamedPipe(const NamedPipe&) = delete;
+    NamedPipe& operator=(const NamedPipe&) = delete;
+
+    void Come() { reader_ = open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC); }
+    void Leave() { close(reader_); }
+    [[nodiscard]] std::string Content() const {
+        std::string content(1 << 16, '\0');
+        const ssize_t count = read(reader_, content.data(), content.size());
+        content.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        return content;
+    }
+
+  private:
+    std::string path_;
+    int reader_ = -1;
+};
 
 inline std::string Stored(const FileIO::MessageStore& store) {
     std::array<char, 128> text;

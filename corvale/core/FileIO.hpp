@@ -6,10 +6,11 @@
 // and closed by the C functions OpenLogFile and CloseLogFile; while it is open each message is also
 // one line in it: "Error-" and the message for an error, the message alone otherwise, in full
 // length, trailing blanks included. When TraceLogError and TraceLogInfo return, the line has been
-// handed to the system: a process that is killed loses none. A line that the system does not take
-// (disk full, nobody reads the pipe) is lost without an error; later ones are written again once
-// they can be. A file-size limit is such a case; only a process that sets one while the log is open,
-// at or below the log's size, should ignore SIGXFSZ.
+// handed to the system: a process that is killed loses none. One that was still being written then
+// may be cut, as the last of the log. A line that the system does not take (disk full, nobody reads
+// the pipe) is lost without an error; later ones are written again once they can be. A file-size
+// limit is such a case; only a process that sets one while the log is open, at or below the log's
+// size, should ignore SIGXFSZ.
 //
 // Message  LastLoggedErrMsg  LogLastInfoMsg  TraceLogError  TraceLogInfo  LogFileUnit
 // Open     FileOpen  FileOpenMT

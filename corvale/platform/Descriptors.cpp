@@ -25,6 +25,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds kWriterWait{2000};  // how long a named pipe waits for its writer
 constexpr milliseconds kWriterStep{50};    // how often it asks whether one has come
 constexpr milliseconds kRoomWait{1000};    // how long a full pipe may take to make room for a line
+constexpr int kMostRefusals = 100;  // how often it may refuse a line although it says it has room
 constexpr int kFirstOwnDescriptor = 3;
 constexpr mode_t kNewFileMode = 0666;  // less what the process masks out
 
@@ -112,16 +113,17 @@ bool MakeBlocking(int descriptor) noexcept {
     return flags != -1 && fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != -1;
 }
 
-// True when the last byte of a file that is not empty is no line end.
+// True when the last byte of a file that is not empty is no line end, or is not to be known: rather
+// an empty line than two lines in one.
 bool EndsInsideLine(const char* path, const struct stat& status) noexcept {
     if (!S_ISREG(status.st_mode) || status.st_size == 0) return false;
     const int reader = OpenPath(path, FileAccess::Read);
-    if (reader < 0) return true;  // not to be known: rather an empty line than two lines in one
+    if (reader < 0) return true;
     char last = '\n';
     const auto count =
         RetryInterrupted([&] { return pread(reader, &last, 1, status.st_size - 1); });
     close(reader);
-    return count == 1 && last != '\n';
+    return count != 1 || last != '\n';
 }
 
 // A file-size limit turns a write into SIGXFSZ, a pipe without readers into SIGPIPE.
@@ -160,8 +162,9 @@ std::span<iovec> Advance(std::span<iovec> parts, std::size_t count) noexcept {
 }
 
 // A reader that has stopped is waited for once, not again for every line.
-bool WaitForRoom(TextFile& file) noexcept {
-    if (!file.isStuck) file.isStuck = !IsReady(file.descriptor, POLLOUT, kRoomWait);
+bool WaitForRoom(TextFile& file, int refusals) noexcept {
+    if (!file.isStuck)
+        file.isStuck = refusals > kMostRefusals || !IsReady(file.descriptor, POLLOUT, kRoomWait);
     return !file.isStuck;
 }
 
@@ -201,11 +204,13 @@ std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept {
 
 bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
     parts = Advance(parts, 0);
+    int refusals = 0;
     while (!parts.empty()) {
         const std::ptrdiff_t written = WriteQuietly(file, parts);
-        if (written < 0 && errno == EAGAIN && WaitForRoom(file)) continue;
+        if (written < 0 && errno == EAGAIN && WaitForRoom(file, ++refusals)) continue;
         if (written <= 0) return false;
         file.isStuck = false;
+        refusals = 0;
         parts = Advance(parts, static_cast<std::size_t>(written));
         file.lacksLineEnd = !parts.empty();
         // A limit that was set after opening mostly shows as a short write first.

@@ -9,15 +9,9 @@
 #include <TestFiles.hpp>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <algorithm>
-#include <atomic>
-#include <csignal>
 #include <cstdio>
-#include <map>
 #include <optional>
-#include <thread>
 
 namespace corvale::FileIO {
 namespace {
@@ -143,47 +137,6 @@ TEST_F(Log, WhatCannotBeOpenedLeavesAStateWithoutAFile) {
     EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks);
 }
 
-bool LimitFileSize(rlim_t size) {
-    rlimit limit = {};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    limit.rlim_cur = size;
-    return setrlimit(RLIMIT_FSIZE, &limit) == 0;
-}
-
-TEST_F(Log, GoesOnWhenThereIsSpaceAgain) {
-    const std::string line(99, 'x');
-    const std::string split = std::string(1100, 'y') + std::string(200, '\n');
-    const struct {
-        rlim_t limit;
-        bool isSetBefore;
-        std::string message;
-        const char* why;
-    } cases[] = {
-        {0, true, line, "no space at all"},
-        {300, true, line, "full at the end of a line"},
-        {350, true, line, "full inside a line"},
-        {350, false, line, "full inside a line, the limit set while the log is open"},
-        {0, true, split, "a message of many parts, none of which is taken"},
-        {1500, true, split, "one of which only some are taken"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_TRUE(test::HoldsInChild([&] {
-            if (c.isSetBefore) LimitFileSize(c.limit);
-            const bool isOpen = Open();
-            LimitFileSize(c.limit);
-            for (int i = 0; i < 10; ++i) TraceLogInfo(c.message);
-            return isOpen && LimitFileSize(RLIM_INFINITY) && (TraceLogInfo("again"), true);
-        })) << c.why
-            << ": SIGXFSZ would have ended the child";
-        std::string content = test::ReadFile(folder / "log");
-        EXPECT_TRUE(content.ends_with("again\n")) << c.why;
-        content.resize(content.size() - "again\n"sv.size());
-        const bool isCut = c.limit % (c.message.size() + 1) != 0;
-        EXPECT_EQ(content.size(), c.limit + (isCut ? 1 : 0)) << c.why;
-        EXPECT_TRUE(content.empty() || content.ends_with('\n')) << c.why;
-    }
-}
-
 // Ends the process; 0 where everything held.
 [[noreturn]] void CheckAFreshProcess() {
     bool isGood = Stored(LastLoggedErrMsg) == kBlanks && Stored(LogLastInfoMsg) == kBlanks &&
@@ -210,89 +163,6 @@ TEST_F(Log, GoesOnWhenThereIsSpaceAgain) {
 TEST(LogDeathTest, Unit6IsStandardOutputUntilTheLogIsOpened) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process of its own
     EXPECT_EXIT(CheckAFreshProcess(), testing::ExitedWithCode(0), "");
-}
-
-TEST_F(Log, AProcessThatIsKilledHasLostNoLine) {
-    const int count = test::Times(100000);
-    const pid_t child = test::StartChild([&] {
-        const bool isOpen = Open();
-        for (int i = 0; isOpen && i < count; ++i) TraceLogInfo(std::to_string(i));
-        return kill(getpid(), SIGKILL) == 0;
-    });
-    EXPECT_TRUE(WIFSIGNALED(test::WaitFor(child)));
-    const std::vector<std::string> lines = Lines();
-    ASSERT_EQ(lines.size(), static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
-        ASSERT_EQ(lines[static_cast<std::size_t>(i)], std::to_string(i));
-}
-
-// The n-th message of a writer. Takes no memory: in a child of a fork the allocator may be locked.
-class Message {
-  public:
-    Message(const std::string& writer, int n) {
-        const int size =
-            std::snprintf(text_.data(), text_.size(), "%s %d %060d", writer.c_str(), n, 0);
-        size_ = static_cast<std::size_t>(size);
-    }
-    [[nodiscard]] std::string_view Text() const { return {text_.data(), size_}; }
-
-  private:
-    std::array<char, 128> text_;
-    std::size_t size_;
-};
-
-// Logs the n-th message of a writer as an error and as information, and reads an error that may
-// be a mix of several.
-void LogTwice(const std::string& writer, int n) {
-    const Message message(writer, n);
-    TraceLogError(message.Text());
-    TraceLogInfo(message.Text());
-    std::array<char, 128> mixed;
-    LastLoggedErrMsg.Load(mixed);
-}
-
-// Expects the lines of each writer whole and in order, as many as are counted, and no others.
-void ExpectWholeLines(const std::vector<std::string>& lines,
-                      const std::map<std::string, int>& counts) {
-    std::map<std::string, int> seen;
-    for (const std::string& line : lines) {
-        const std::string writer = line.substr(0, line.find(' '));
-        ASSERT_EQ(line, Message(writer, seen[writer]++).Text());
-    }
-    EXPECT_EQ(seen, counts);
-}
-
-TEST_F(Log, ThreadsAndChildrenLogWholeLines) {
-    ASSERT_TRUE(Open());
-    constexpr int children = 40, linesOfAChild = 50;
-    const int least = test::Times(20000);
-    std::atomic<bool> isOver = false;
-    std::array<int, 8> written = {};
-    std::vector<std::thread> writers;
-    for (std::size_t thread = 0; thread < written.size(); ++thread)
-        writers.emplace_back([&, thread] {
-            const std::string name = "t" + std::to_string(thread);
-            for (int& i = written[thread]; i < least || !isOver; ++i) LogTwice(name, i);
-        });
-    std::map<std::string, int> counts;
-    for (int child = 0; child < children && !HasFailure(); ++child) {
-        const std::string name = "child" + std::to_string(child);
-        counts["Error-" + name] = counts[name] = linesOfAChild;
-        const std::string path = folder / name;
-        EXPECT_TRUE(test::HoldsInChild([&] {
-            for (int i = 0; i < linesOfAChild; ++i) LogTwice(name, i);
-            std::int32_t unit = 0;
-            return FileOpenMT(path, 0, unit) == 0 && TextUnits::WriteLine(unit, "x");
-        })) << name
-            << " hangs where a lock stayed locked";
-    }
-    isOver = true;
-    for (std::size_t thread = 0; thread < written.size(); ++thread) {
-        writers[thread].join();
-        const std::string name = "t" + std::to_string(thread);
-        counts["Error-" + name] = counts[name] = written[thread];
-    }
-    ExpectWholeLines(Lines(), counts);
 }
 
 }  // namespace
