@@ -85,7 +85,8 @@ check_analyzer() {
 memcheck() {
     local program=$1
     shift
-    quietly "$program" valgrind -q --error-exitcode=9 --leak-check=full "$release/$program" "$@"
+    quietly "$program" valgrind -q --error-exitcode=9 --leak-check=full \
+        --show-leak-kinds=definite --errors-for-leak-kinds=definite "$release/$program" "$@"
     echo "valgrind $program: no invalid or uninitialised read, no leak"
 }
 
