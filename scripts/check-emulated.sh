@@ -18,14 +18,12 @@ cross() {
         -DCMAKE_BUILD_TYPE=Release "$@"
 }
 
-# The library and the named programs, in build/TARGET. GoogleTest is built where tests are.
+# The library and the named programs, in build/TARGET.
 build_for() {
     local target=$1 folder="$top/build/$1"
     shift
-    if [[ " $* " == *_tests* ]]; then
-        cross "$target" -S "$googletest" -B "$folder/googletest" -DCMAKE_CXX_FLAGS=-w
-        cmake --build "$folder/googletest" -- -j 2
-    fi
+    cross "$target" -S "$googletest" -B "$folder/googletest" -DCMAKE_CXX_FLAGS=-w
+    cmake --build "$folder/googletest" -- -j 2
     cross "$target" -S "$top" -B "$folder" -DCORVALE_INSTALL=OFF \
         -DGTEST_INCLUDE_DIR="$googletest/include" \
         -DGTEST_LIBRARY="$folder/googletest/lib/libgtest.a" \

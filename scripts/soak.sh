@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # soak.sh: the exhaustive and long runs, each against the C library or a plain version of the rules.
 #
-#     scripts/soak.sh                        all but the floats: some minutes, a line each
+#     scripts/soak.sh                        all but the floats: some minutes, a line each,
+#                                            the shared things once more with ThreadSanitizer
 #     scripts/soak.sh floats [FIRST LAST]    all 2^32 single-precision values, or the slices FIRST to
 #                                            LAST of 0 to 255: slice, values, differences, checksum
 #     scripts/soak.sh all                    both
@@ -14,10 +15,11 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 soaks="$top/build/release/tests"
 
+# build_soaks PRESET PROGRAM...
 build_soaks() {
     need "${build_packages[@]}" libgtest-dev
-    (cd "$top" && cmake --preset release -DCORVALE_BUILD_TESTS=ON &&
-        cmake --build --preset release --target "$@") >"$top/build/soak.log" 2>&1 ||
+    (cd "$top" && cmake --preset "$1" -DCORVALE_BUILD_TESTS=ON &&
+        cmake --build --preset "$1" --target "${@:2}") >"$top/build/soak.log" 2>&1 ||
         { cat "$top/build/soak.log"; return 1; }
 }
 
@@ -32,7 +34,7 @@ print_total() {
 soak_floats() {
     local state
     state="$top/build/soak-floats-$(git -C "$top" rev-parse --short HEAD:corvale).txt"
-    build_soaks float_soak
+    build_soaks release float_soak
     touch "$state"
     seq "${1:-0}" "${2:-255}" | { grep -vxFf <(cut -d ' ' -f 1 "$state") || true; } |
         nice -n 19 xargs -r -P 2 -n 1 "$soaks/float_soak" | tee -a "$state" || true
@@ -44,15 +46,19 @@ soak() {
     local name=$1 output start=$SECONDS
     shift
     output=$("$soaks/$name" "$@") || { echo "$name: $output"; return 1; }
-    echo "$name: ${output##*$'\n'} ($((SECONDS - start)) s)"
+    echo "$name $*: ${output##*$'\n'} ($((SECONDS - start)) s)"
 }
 
 soak_others() {
-    build_soaks numeric_soak text_soak sort_soak matrix_difference
-    soak numeric_soak
-    soak text_soak 1000000
+    build_soaks release numeric_soak text_soak sort_soak matrix_difference log_soak share_soak
+    soak numeric_soak  # all satellite numbers, every tenth of an arc second
+    soak text_soak 2000000
     soak sort_soak 2000
     soak matrix_difference 70 130 200
+    soak log_soak 100000
+    soak share_soak 64
+    build_soaks tsan share_soak
+    soaks="$top/build/tsan/tests" soak share_soak 4
 }
 
 mkdir -p "$top/build"

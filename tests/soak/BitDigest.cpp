@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
         std::ifstream file(argv[1]);
         if (!file) return 2;
         for (std::string line; std::getline(file, line);)
-            if (line.front() != '#')
+            if (!line.empty() && line[0] != '#')
                 expected[line.substr(0, line.find(' '))] = line.substr(line.rfind(' ') + 1);
     }
     int differences = 0;
@@ -29,5 +29,7 @@ int main(int argc, char** argv) {
         std::printf("%-18.*s %s%s\n", static_cast<int>(family.name.size()), family.name.data(),
                     digest, differs ? " differs" : "");
     }
+    std::printf("%zu families, %zu digests expected: %d differences\n",
+                corvale::soak::Families().size(), expected.size(), differences);
     return differences == 0 ? 0 : 1;
 }

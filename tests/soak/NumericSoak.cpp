@@ -67,6 +67,7 @@ int main(int argc, char** argv) {
     SoakNumbers();
     SoakCodes();
     SoakAngles(stride);
-    std::printf("%ld differences\n", differences);
+    std::printf("1001000 numbers, 248832 codes, 25920001 angles in steps of %d: %ld differences\n",
+                stride, differences);
     return differences == 0 ? 0 : 1;
 }
