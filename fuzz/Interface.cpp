@@ -36,7 +36,7 @@ Room<512> gInRoom, gOutRoom;
 
 // The arguments of a self-test one behind the other, at addresses that fit none of them: char,
 // int32, int64, real, then 3 and 6 of each.
-using Block = std::array<char, 213>;
+using Block = std::array<char, 201>;
 constexpr std::size_t kI = 1, kL = 5, kD = 13, kI3 = 21, kL3 = 33, kD3 = 57, kI6 = 81, kL6 = 105,
                       kD6 = 153;
 
