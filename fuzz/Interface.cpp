@@ -1,5 +1,5 @@
-// The C face as a caller in another language meets it: arrays at any address, in place or missing,
-// texts that end with their buffer or with a terminator, messages without a log.
+// The C face as a caller in another language meets it: arrays at any address, one in place, texts that
+// end with their buffer or with a terminator, messages without a log.
 #include "Targets.hpp"
 
 #include <corvale/Corvale.h>
@@ -34,112 +34,100 @@ std::string LeftAdjusted(const std::string& text) {
 
 Room<512> gInRoom, gOutRoom;
 
-// The arguments of a self-test one behind the other, at addresses that fit none of them.
-class Arguments {
-  public:
-    explicit Arguments(Choices& in) : bytes_(in.Raw<std::array<char, 213>>()) {}
+// The arguments of a self-test one behind the other, at addresses that fit none of them: char,
+// int32, int64, real, then 3 and 6 of each.
+using Block = std::array<char, 201>;
+constexpr std::size_t kI = 1, kL = 5, kD = 13, kI3 = 21, kL3 = 33, kD3 = 57, kI6 = 81, kL6 = 105,
+                      kD6 = 153;
 
-    [[nodiscard]] char* C() { return &bytes_[0]; }
-    [[nodiscard]] std::int32_t* I() { return At<std::int32_t>(1); }
-    [[nodiscard]] std::int64_t* L() { return At<std::int64_t>(5); }
-    [[nodiscard]] double* D() { return At<double>(13); }
-    [[nodiscard]] std::int32_t* I3() { return At<std::int32_t>(21); }
-    [[nodiscard]] std::int64_t* L3() { return At<std::int64_t>(33); }
-    [[nodiscard]] double* D3() { return At<double>(57); }
-    [[nodiscard]] std::int32_t* I6() { return At<std::int32_t>(81); }
-    [[nodiscard]] std::int64_t* L6() { return At<std::int64_t>(105); }
-    [[nodiscard]] double* D6() { return At<double>(153); }
+template <class Element>
+Element* At(Block& block, std::size_t place) {
+    return reinterpret_cast<Element*>(block.data() + place);
+}
 
-    bool operator==(const Arguments&) const = default;
+template <class Element>
+Element ValueAt(const Block& block, std::size_t place) {
+    Element value;
+    std::memcpy(&value, block.data() + place, sizeof value);
+    return value;
+}
 
-    // Replaces `count` elements by what `change` makes of them.
-    template <class Element, class Change>
-    static void ForEach(Element* elements, int count, Change change) {
-        char* at = reinterpret_cast<char*>(elements);
-        for (; count > 0; --count, at += sizeof(Element)) {
-            Element element;
-            std::memcpy(&element, at, sizeof element);
-            element = static_cast<Element>(change(element));
-            std::memcpy(at, &element, sizeof element);
-        }
+// Replaces `count` elements by what `change` makes of them.
+template <class Element, class Change>
+void ForEach(Block& block, std::size_t place, int count, Change change) {
+    for (; count > 0; --count, place += sizeof(Element)) {
+        const auto value = static_cast<Element>(change(ValueAt<Element>(block, place)));
+        std::memcpy(block.data() + place, &value, sizeof value);
     }
-
-  private:
-    template <class Element>
-    Element* At(std::size_t at) {
-        return reinterpret_cast<Element*>(&bytes_[at]);
-    }
-    std::array<char, 213> bytes_;
-};
+}
 
 auto Plus(std::uint64_t amount) {
     return [amount](auto value) { return static_cast<std::uint64_t>(value) + amount; };
 }
 
+auto Times(std::uint32_t factor) {
+    return [factor](std::int32_t value) { return static_cast<std::uint32_t>(value) * factor; };
+}
+
 // Where a sum is not a number its bits are anyone's: zeros in their place.
-void Add(double* values, int count, double amount) {
-    Arguments::ForEach(values, count, [amount](double value) {
-        return std::isnan(value + amount) ? 0.0 : value + amount;
-    });
+void Add(Block& block, double one, double three, double six) {
+    const auto sum = [](double amount) {
+        return [amount](double value) { return std::isnan(value + amount) ? 0.0 : value + amount; };
+    };
+    ForEach<double>(block, kD, 1, sum(one));
+    ForEach<double>(block, kD3, 3, sum(three));
+    ForEach<double>(block, kD6, 6, sum(six));
 }
 
 void Copies(Choices in) {
-    Arguments given(in), results(in);
+    auto given = in.Raw<Block>(), results = in.Raw<Block>();
+    const Block before = given;
     std::array<char, 512> built{};
     const std::string_view text = in.Text(kPieces, built);
     const std::size_t size = std::min<std::size_t>(text.size() + 1, 512);  // one zero follows
     char* const out = gOutRoom.Of(512);
-    char c;
-    std::int32_t i;
-    std::int64_t l;
-    double d;
-    std::memcpy(&c, given.C(), sizeof c);
-    std::memcpy(&i, given.I(), sizeof i);
-    std::memcpy(&l, given.L(), sizeof l);
-    std::memcpy(&d, given.D(), sizeof d);
-    const Arguments before = given;
-    TestInterface(c, results.C(), i, results.I(), l, results.L(), d, results.D(),
-                  gInRoom.Hold({built.data(), size}).data(), out, given.I3(), results.I3(),
-                  given.L3(), results.L3(), given.D3(), results.D3(), given.I6(), results.I6(),
-                  given.L6(), results.L6(), given.D6(), results.D6());
+    TestInterface(
+        given[0], results.data(), ValueAt<std::int32_t>(given, kI), At<std::int32_t>(results, kI),
+        ValueAt<std::int64_t>(given, kL), At<std::int64_t>(results, kL), ValueAt<double>(given, kD),
+        At<double>(results, kD), gInRoom.Hold({built.data(), size}).data(), out,
+        At<std::int32_t>(given, kI3), At<std::int32_t>(results, kI3), At<std::int64_t>(given, kL3),
+        At<std::int64_t>(results, kL3), At<double>(given, kD3), At<double>(results, kD3),
+        At<std::int32_t>(given, kI6), At<std::int32_t>(results, kI6), At<std::int64_t>(given, kL6),
+        At<std::int64_t>(results, kL6), At<double>(given, kD6), At<double>(results, kD6));
     ExpectSame({out, 512}, Taken(text, 512), "TestInterface, text");
-    Expect(results == given && given == before, "TestInterface");
+    Expect(results == before && given == before, "TestInterface");
 }
 
 void Changes(Choices in) {
-    Arguments got(in);
-    Arguments wanted = got;
+    auto got = in.Raw<Block>();
+    Block wanted = got;
     char* const text = gOutRoom.Of(512);
-    TestInterface2(got.C(), got.I(), got.L(), got.D(), text, got.I3(), got.L3(), got.D3(), got.I6(),
-                   got.L6(), got.D6());
+    TestInterface2(got.data(), At<std::int32_t>(got, kI), At<std::int64_t>(got, kL),
+                   At<double>(got, kD), text, At<std::int32_t>(got, kI3),
+                   At<std::int64_t>(got, kL3), At<double>(got, kD3), At<std::int32_t>(got, kI6),
+                   At<std::int64_t>(got, kL6), At<double>(got, kD6));
     ExpectSame({text, 512}, Taken("It doesn't matter what your string was.", 512),
                "TestInterface2, text");
-    *wanted.C() = 'Z';
-    Arguments::ForEach(wanted.I(), 1, Plus(1));
-    Arguments::ForEach(wanted.L(), 1, Plus(2));
-    Add(wanted.D(), 1, 42.123456);
-    Arguments::ForEach(wanted.I3(), 3, Plus(1));
-    Arguments::ForEach(wanted.L3(), 3, Plus(1234567890123456789));
-    Add(wanted.D3(), 3, 42.0);
-    Arguments::ForEach(wanted.I6(), 6, Plus(1));
-    Arguments::ForEach(wanted.L6(), 6, Plus(6));
-    Add(wanted.D6(), 6, 7.6);
-    Add(got.D(), 1, 0.0);  // nothing but the sums that are not numbers
-    Add(got.D3(), 3, 0.0);
-    Add(got.D6(), 6, 0.0);
+    wanted[0] = 'Z';
+    ForEach<std::int32_t>(wanted, kI, 1, Plus(1));
+    ForEach<std::int64_t>(wanted, kL, 1, Plus(2));
+    ForEach<std::int32_t>(wanted, kI3, 3, Plus(1));
+    ForEach<std::int64_t>(wanted, kL3, 3, Plus(1234567890123456789));
+    ForEach<std::int32_t>(wanted, kI6, 6, Plus(1));
+    ForEach<std::int64_t>(wanted, kL6, 6, Plus(6));
+    Add(wanted, 42.123456, 42.0, 7.6);
+    Add(got, 0.0, 0.0, 0.0);
     Expect(got == wanted, "TestInterface2");
 }
 
 void Multiplies(Choices in) {
-    Arguments given(in), results(in);
-    Arguments wanted = results;
-    std::memcpy(wanted.I3(), given.I3(), 3 * sizeof(std::int32_t));
-    const auto times = [](unsigned factor) {
-        return [factor](std::int32_t value) { return static_cast<std::uint32_t>(value) * factor; };
-    };
-    Arguments::ForEach(wanted.I3(), 3, times(4));
-    Arguments::ForEach(wanted.I6(), 6, times(5));
-    TestInterface3(given.I3(), results.I3(), results.I6(), results.I6());
+    auto given = in.Raw<Block>(), results = in.Raw<Block>();
+    Block wanted = results;
+    std::copy_n(given.data() + kI3, 3 * sizeof(std::int32_t), wanted.data() + kI3);
+    ForEach<std::int32_t>(wanted, kI3, 3, Times(4));
+    ForEach<std::int32_t>(wanted, kI6, 6, Times(5));
+    TestInterface3(At<std::int32_t>(given, kI3), At<std::int32_t>(results, kI3),
+                   At<std::int32_t>(results, kI6), At<std::int32_t>(results, kI6));
     Expect(results == wanted, "TestInterface3, one array in place");
 }
 

@@ -32,8 +32,8 @@ tally() {
             /ERROR: libFuzzer|ERROR: AddressSanitizer|runtime error/ { found = 1 }
             END { print target, runs + 0, ft + 0, found + 0 }' "$file"
     done | awk '{ runs[$1] += $2; if ($3 > ft[$1]) ft[$1] = $3; found[$1] += $4 }
-        END { for (t in runs) { printf "%-12s %12d %6d %3d\n", t, runs[t], ft[t], found[t]; all += runs[t] }
-              printf "%-12s %12d\n", "all", all }' | sort
+        END { for (t in runs) { printf "| %s | %d | %d | %d |\n", t, runs[t], ft[t], found[t]; all += runs[t] }
+              printf "| all | %d | | |\n", all }' | sort
 }
 
 case ${1:-} in
@@ -42,7 +42,7 @@ list) targets ;;
 --merge)
     build_target "$2"
     mkdir -p "$top/fuzz/corpus/$2"
-    "$top/build/$preset/fuzz/fuzz_$2" -merge=1 "$top/fuzz/corpus/$2" "$top/build/fuzz-work/$2" 2>&1 | tail -n 1
+    "$top/build/$preset/fuzz/fuzz_$2" -merge=1 -use_counters=0 "$top/fuzz/corpus/$2" "$top/build/fuzz-work/$2" 2>&1 | tail -n 1
     ;;
 *)
     [ $# -ge 2 ] || { sed -n '2,9s/^# //p' "${BASH_SOURCE[0]}"; exit 2; }
@@ -56,7 +56,7 @@ list) targets ;;
         -max_total_time="$seconds" -max_len=128 -len_control=0 -reload=0 -print_final_stats=1 \
         -artifact_prefix="$top/build/fuzz-work/$target-" "$@" >"$log" 2>&1 || status=$?
     grep -aE '^(differs|==[0-9]+==|stat::number)|, not |runtime error|Test unit written' "$log" || true
-    echo "target, executions, features, findings:"
+    echo "| target | executions | features | runs that stopped |"
     tally "$logs"
     exit $status
     ;;
