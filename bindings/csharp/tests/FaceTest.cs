@@ -149,7 +149,7 @@ internal static class FaceTest
     {
         Values given = Distinct(), wanted = Distinct();
         var got = library.TestInterface(given);
-        Expect(Shown(got), Shown(given));
+        Expect(Shown(got), Shown(Distinct())); // given may have been written to
         wanted.Ch = 90;
         wanted.Text = "It doesn't matter what your string was.";
         unchecked

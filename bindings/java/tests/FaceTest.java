@@ -148,7 +148,7 @@ final class FaceTest {
         Values given = distinct();
         Values wanted = distinct();
         Values got = corvale.testInterface(given);
-        expect(shown(got), shown(given));
+        expect(shown(got), shown(distinct())); // given may have been written to
         wanted.ch = 'Z';
         wanted.i += 1;
         wanted.l += 2;
@@ -165,7 +165,7 @@ final class FaceTest {
         wanted = new Values();
         Arrays.setAll(wanted.i3, k -> given.i3[k] * 4);
         Arrays.setAll(wanted.i6, k -> given.i6[k] * 5);
-        expect(shown(corvale.testInterface3(given)), shown(wanted));
+        expect(shown(corvale.testInterface3(distinct())), shown(wanted));
     }
 
     private static void refusals() {
