@@ -140,21 +140,20 @@ func TestSelfTests(t *testing.T) {
 	expect(t, values, given)
 	expect(t, math.Signbit(values.D3[0]), true)
 	expect(t, TestInterface2(&values), nil)
-	want := Values{Ch: 'Z', I: -maxInt - 1, L: -maxLong, D: given.D + 42.123456,
-		Text: "It doesn't matter what your string was."}
-	var i3 [3]int32
-	var i6 [6]int32
-	for k := 0; k < 3; k++ {
-		want.I3[k], want.L3[k], want.D3[k] = given.I3[k]+1, given.L3[k]+1234567890123456789, given.D3[k]+42
-		i3[k] = given.I3[k] * 4
+	d3, d6 := given.D3, given.D6
+	for k := range d3 {
+		d3[k] += 42
 	}
-	for k := 0; k < 6; k++ {
-		want.I6[k], want.L6[k], want.D6[k] = given.I6[k]+1, given.L6[k]+6, given.D6[k]+7.6
-		i6[k] = given.I6[k] * 5
+	for k := range d6 {
+		d6[k] += 7.6
 	}
-	expect(t, values, want)
+	const step = 1234567890123456789
+	expect(t, values, Values{'Z', -maxInt - 1, -maxLong, given.D + 42.123456, "It doesn't matter what your string was.",
+		[3]int32{-maxInt - 1, 3, -2}, [3]int64{step - maxLong - 2, step + 5, step - 6}, d3,
+		[6]int32{-maxInt, 9, 10, 11, 12, -maxInt - 1}, [6]int64{5 - maxLong, 20, 21, 22, 23, 4 - maxLong}, d6})
 	i3Out, i6Out := TestInterface3(given.I3, given.I6)
-	expect(t, []any{i3Out, i6Out}, []any{i3, i6})
+	expect(t, i3Out, [3]int32{-4, 8, -12})
+	expect(t, i6Out, [6]int32{-maxInt - 1, 40, 45, 50, 55, maxInt - 4})
 	called = append(called, "TestInterface", "TestInterface2", "TestInterface3")
 }
 

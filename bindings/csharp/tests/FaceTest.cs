@@ -114,24 +114,23 @@ internal static class FaceTest
         Expect(library.MoicData(129).SequenceEqual(new double[129]), true);
     }
 
+    private const int IMax = int.MaxValue, IMin = int.MinValue;
+    private const long LMax = long.MaxValue, LMin = long.MinValue, Step = 1234567890123456789;
+
+    private static Values Make(byte ch, int i, long l, double d, string text, params Array[] arrays)
+    {
+        var v = new Values {Ch = ch, I = i, L = l, D = d, Text = text};
+        var targets = new Array[] {v.I3, v.L3, v.D3, v.I6, v.L6, v.D6};
+        for (var k = 0; k < arrays.Length; ++k) arrays[k].CopyTo(targets[k], 0);
+        return v;
+    }
+
     private static Values Distinct()
     {
-        var v = new Values {Ch = 65, I = int.MaxValue, L = long.MaxValue, D = 0.1, Text = "  text"};
-        for (var k = 0; k < 3; ++k)
-        {
-            v.I3[k] = int.MaxValue - k;
-            v.L3[k] = long.MaxValue - 10 - k;
-            v.D3[k] = 1.5 + k;
-        }
-        for (var k = 0; k < 6; ++k)
-        {
-            v.I6[k] = int.MinValue + k;
-            v.L6[k] = long.MaxValue - k;
-            v.D6[k] = 0.2 + k;
-        }
-        v.D3[0] = -0.0;
-        v.D3[1] = double.Epsilon;
-        return v;
+        return Make(65, IMax, LMax, 0.1, "  text",
+                    new[] {IMax, 2, -3}, new[] {LMax, 5, -6}, new[] {-0.0, double.Epsilon, 1e308},
+                    new[] {IMin, 8, 9, 10, 11, IMax}, new[] {LMin, 14, 15, 16, 17, LMax},
+                    new[] {0.2, 0.3, 0.4, 0.5, 0.6, 0.7});
     }
 
     private static string Bits(IEnumerable<double> reals)
@@ -147,34 +146,17 @@ internal static class FaceTest
 
     private static void SelfTests()
     {
-        Values given = Distinct(), wanted = Distinct();
+        var given = Distinct();
         var got = library.TestInterface(given);
-        Expect(Shown(got), Shown(given));
-        wanted.Ch = 90;
-        wanted.Text = "It doesn't matter what your string was.";
-        unchecked
-        {
-            wanted.I += 1;
-            wanted.L += 2;
-            wanted.D += 42.123456;
-            for (var k = 0; k < 3; ++k)
-            {
-                wanted.I3[k] += 1;
-                wanted.L3[k] += 1234567890123456789;
-                wanted.D3[k] += 42.0;
-            }
-            for (var k = 0; k < 6; ++k)
-            {
-                wanted.I6[k] += 1;
-                wanted.L6[k] += 6;
-                wanted.D6[k] += 7.6;
-            }
-        }
+        Expect(Shown(got), Shown(Distinct())); // given may have been written to
         library.TestInterface2(got);
-        Expect(Shown(got), Shown(wanted));
-        got = library.TestInterface3(given);
-        for (var k = 0; k < 3; ++k) Expect(got.I3[k], unchecked(given.I3[k] * 4));
-        for (var k = 0; k < 6; ++k) Expect(got.I6[k], unchecked(given.I6[k] * 5));
+        Expect(Shown(got), Shown(Make(
+            90, IMin, LMin + 1, given.D + 42.123456, "It doesn't matter what your string was.", new[] {IMin, 3, -2},
+            new[] {LMin + Step - 1, Step + 5, Step - 6}, given.D3.Select(d => d + 42.0).ToArray(),
+            new[] {IMin + 1, 9, 10, 11, 12, IMin},
+            new[] {LMin + 6, 20, 21, 22, 23, LMin + 5}, given.D6.Select(d => d + 7.6).ToArray())));
+        got = library.TestInterface3(Distinct());
+        Expect(string.Join(" ", got.I3.Concat(got.I6)), $"-4 8 -12 {IMin} 40 45 50 55 {IMax - 4}");
     }
 
     private static void Refusals()

@@ -44,11 +44,20 @@ public final class Corvale {
      *     there
      */
     public Corvale(String path) {
-        face = Native.load(path, Face.class, LOCAL);
+        this(load(path));
+    }
+
+    Corvale(Face face) {
+        this.face = face;
+    }
+
+    static Face load(String path) {
+        Face face = Native.load(path, Face.class, LOCAL);
         NativeLibrary library = NativeLibrary.getInstance(path, LOCAL);
         for (Method function : Face.class.getDeclaredMethods()) {
             library.getFunction(function.getName());
         }
+        return face;
     }
 
     /** CorvaleInit. Does nothing: the library is ready once it is loaded. */
