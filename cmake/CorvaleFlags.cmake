@@ -1,20 +1,39 @@
 # The flags of everything that is built here. Results must be the same to the last bit everywhere:
 # no flag that lets a compiler change floating-point arithmetic may reach the library.
 
+# Asked for by who builds Corvale, it is a mistake worth telling. What a project around this one wants
+# for its own code is overruled below.
 get_cmake_property(all_variables VARIABLES)
 list(FILTER all_variables INCLUDE REGEX "^CMAKE_(C|CXX|EXE_LINKER|SHARED_LINKER)_FLAGS")
+if(NOT PROJECT_IS_TOP_LEVEL)
+  set(all_variables)
+endif()
 foreach(flags IN LISTS all_variables)
-  if("${${flags}}" MATCHES "-ffast-math|-Ofast|-funsafe-math-optimizations|-ffinite-math-only|-fassociative-math|-freciprocal-math")
+  if("${${flags}}" MATCHES "-ffast-math|-Ofast|-funsafe-math-optimizations|-ffinite-math-only|-fassociative-math|-freciprocal-math|-fsingle-precision-constant|-mdaz-ftz")
     message(FATAL_ERROR "Corvale: ${flags} asks for inexact arithmetic (${${flags}}); results would differ")
   endif()
 endforeach()
 
+# They come last on every command line, so that they win. -fno-fast-math takes back all parts of
+# -ffast-math; what it leaves alone follows it.
+set(exact_arithmetic -ffp-contract=off -fno-fast-math -fno-rounding-math
+  $<$<CXX_COMPILER_ID:GNU>:-fno-single-precision-constant>)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|amd64|AMD64|i.86)$")
+  list(APPEND exact_arithmetic -mfpmath=sse
+    $<IF:$<CXX_COMPILER_ID:GNU>,-mno-recip,-mrecip=none>)
+endif()
+
+# A folder's name is nobody's business and must not make two builds differ.
+set(without_folders "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=."
+  "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build")
+
 add_library(corvale_flags INTERFACE)
 target_compile_features(corvale_flags INTERFACE cxx_std_20 c_std_99)
-target_compile_options(corvale_flags INTERFACE -ffp-contract=off -fno-fast-math
+target_compile_options(corvale_flags INTERFACE ${exact_arithmetic} ${without_folders}
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow
   $<$<BOOL:${CORVALE_WARNINGS_AS_ERRORS}>:-Werror>)
-target_link_options(corvale_flags INTERFACE -fno-fast-math)
+# With one of these, or -Ofast, a compiler links code that flushes subnormals in the whole process.
+target_link_options(corvale_flags INTERFACE -O2 -fno-fast-math -fno-unsafe-math-optimizations)
 
 if(CORVALE_SANITIZE)
   # GCC warns of uninitialised values that are none once it has instrumented the code.

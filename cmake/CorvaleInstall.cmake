@@ -3,12 +3,16 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-install(TARGETS Corvale EXPORT CorvaleTargets FILE_SET HEADERS)
+get_target_property(header_sets Corvale HEADER_SETS)
+list(TRANSFORM header_sets PREPEND "FILE_SET;" OUTPUT_VARIABLE header_sets)
+install(TARGETS Corvale EXPORT CorvaleTargets ${header_sets})
 if(CORVALE_BUILD_TOOLS)
   install(TARGETS corvale_program)
   file(RELATIVE_PATH library_from_program
     "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-  set_target_properties(corvale_program PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_program}")
+  set(here $<IF:$<PLATFORM_ID:Darwin>,@loader_path,$ORIGIN>)
+  set_target_properties(corvale_program PROPERTIES BUILD_RPATH_USE_ORIGIN ON
+    INSTALL_RPATH "${here}/${library_from_program}")
   if(CORVALE_PAGES)
     install(FILES "${CORVALE_PAGES}/man/corvale.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
     install(FILES "${CORVALE_PAGES}/bash/corvale"
@@ -18,6 +22,19 @@ if(CORVALE_BUILD_TOOLS)
     install(FILES "${CORVALE_PAGES}/fish/corvale.fish"
       DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
   endif()
+endif()
+
+# What a C compiler has to be told when it links the static library: the C++ runtime.
+set(CORVALE_RUNTIME ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
+list(REMOVE_ITEM CORVALE_RUNTIME c ${CMAKE_C_IMPLICIT_LINK_LIBRARIES})
+list(TRANSFORM CORVALE_RUNTIME PREPEND "-l")
+list(JOIN CORVALE_RUNTIME " " CORVALE_LIBS_PRIVATE)
+if(NOT BUILD_SHARED_LIBS)
+  set(CORVALE_LIBS " ${CORVALE_LIBS_PRIVATE}")
+endif()
+get_target_property(CORVALE_FILE_NAME Corvale OUTPUT_NAME)
+if(NOT CORVALE_FILE_NAME)
+  set(CORVALE_FILE_NAME Corvale)
 endif()
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Corvale")

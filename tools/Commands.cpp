@@ -34,7 +34,7 @@ std::string LibraryName(const std::string& file) {
 
 // The log is emptied when it is opened. The library takes backslashes of the input's name as slashes.
 bool IsSameFile(const std::string& log, std::string input) {
-    std::ranges::replace(input, '\\', '/');
+    std::replace(input.begin(), input.end(), '\\', '/');
     std::error_code notThere;
     if (log != input && !std::filesystem::equivalent(log, input, notThere)) return false;
     std::cerr << "corvale: the log \"" << log

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iomanip>
 #include <iostream>
 #include <limits>
-#include <span>
 #include <string>
 
 namespace corvale::tool {
@@ -23,8 +23,7 @@ class Outcomes {
 
     template <class Value>
     void Row(const char* argument, const Value& got, const Value& wanted) {
-        const bool isRight = std::ranges::equal(std::as_bytes(std::span(&got, 1)),
-                                                std::as_bytes(std::span(&wanted, 1)));
+        const bool isRight = std::memcmp(&got, &wanted, sizeof got) == 0;
         allRight_ = allRight_ && isRight;
         std::cout << "  " << std::setw(2) << std::right << ++number_ << ' ' << std::setw(8)
                   << std::left << argument << (isRight ? "ok" : "WRONG") << std::right << '\n';

@@ -24,8 +24,9 @@ constexpr std::int32_t kLogUnit = 6;
 using Pieces = std::span<const std::string_view>;
 
 bool IsBlank(Pieces pieces) noexcept {
-    return std::ranges::all_of(
-        pieces, [](std::string_view piece) { return StrFunctions::IsBlankOrNull(piece) == 1; });
+    return std::all_of(pieces.begin(), pieces.end(), [](std::string_view piece) {
+        return StrFunctions::IsBlankOrNull(piece) == 1;
+    });
 }
 
 void StorePieces(Pieces pieces, MessageStore& store) noexcept {

@@ -3,17 +3,20 @@
 #include <corvale/platform/SignalHold.hpp>
 
 #include <fcntl.h>
-#include <linux/magic.h>
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/statfs.h>
 #include <unistd.h>
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <climits>
+
+#ifdef __linux__
+#include <linux/magic.h>
+#include <sys/statfs.h>
+#endif
 
 namespace corvale::internal {
 
@@ -87,11 +90,19 @@ bool IsText(int descriptor, const struct stat& status, FileAccess access) noexce
     return access != FileAccess::Read || isatty(descriptor) == 1 || IsNullDevice(status);
 }
 
+// Linux counts one link of an unnamed pipe, as if it had a name; elsewhere it has none.
+bool IsUnnamed([[maybe_unused]] int descriptor, [[maybe_unused]] const struct stat& pipe) noexcept {
+#ifdef __linux__
+    struct statfs system = {};
+    return fstatfs(descriptor, &system) == 0 && system.f_type == PIPEFS_MAGIC;
+#else
+    return pipe.st_nlink == 0;
+#endif
+}
+
 // An unnamed pipe, reached through a name like /dev/stdin, had its writer from the beginning.
 bool IsNamedPipe(int descriptor, const struct stat& status) noexcept {
-    struct statfs system = {};
-    return S_ISFIFO(status.st_mode) &&
-           !(fstatfs(descriptor, &system) == 0 && system.f_type == PIPEFS_MAGIC);
+    return S_ISFIFO(status.st_mode) && !IsUnnamed(descriptor, status);
 }
 
 // A named pipe opens before its writer has come, and then reads as ended; once a writer is there it

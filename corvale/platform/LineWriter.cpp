@@ -74,12 +74,12 @@ class LongLine {
 bool WriteLong(TextFile& file, std::span<const std::string_view> pieces) noexcept {
     LongLine line(file);
     for (std::string_view piece : pieces) {
-        auto inside = std::ranges::find_if(piece, IsLineEnd);
+        auto inside = std::find_if(piece.begin(), piece.end(), IsLineEnd);
         while (inside != piece.end()) {
             line.Add({piece.begin(), inside});
             line.Add(kBlankForLineEnd);
             piece = {inside + 1, piece.end()};
-            inside = std::ranges::find_if(piece, IsLineEnd);
+            inside = std::find_if(piece.begin(), piece.end(), IsLineEnd);
         }
         line.Add(piece);
     }

@@ -1,6 +1,7 @@
 #include <corvale/platform/NamedLocks.hpp>
 
 #include <corvale/platform/ForkSafety.hpp>
+#include <corvale/platform/NeverDestroyed.hpp>
 
 #include <atomic>
 #include <cstring>
@@ -17,11 +18,11 @@ struct Entry {
     std::mutex lock = {};
 };
 
-constinit Entry infoMessage{InfoMessageLock};
-constinit Entry errorMessage{ErrorMessageLock, &infoMessage};
+CORVALE_NEVER_DESTROYED constinit Entry infoMessage{InfoMessageLock};
+CORVALE_NEVER_DESTROYED constinit Entry errorMessage{ErrorMessageLock, &infoMessage};
 constinit std::atomic<Entry*> firstEntry{&errorMessage};
-constinit std::mutex insertion;
-constinit std::mutex sharedForLackOfMemory;
+CORVALE_NEVER_DESTROYED constinit std::mutex insertion;
+CORVALE_NEVER_DESTROYED constinit std::mutex sharedForLackOfMemory;
 
 Entry* Find(std::string_view name) noexcept {
     Entry* entry = firstEntry.load(std::memory_order_acquire);

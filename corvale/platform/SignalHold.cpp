@@ -1,10 +1,30 @@
 #include <corvale/platform/SignalHold.hpp>
 
 #include <pthread.h>
+#include <unistd.h>
 #include <cerrno>
 #include <initializer_list>
 
 namespace corvale::internal {
+
+namespace {
+
+// Takes a signal that is pending. Does not wait: one that was sent to the whole process may have
+// gone to another thread meanwhile.
+void Take(int signal) noexcept {
+    sigset_t raised;
+    sigemptyset(&raised);
+    sigaddset(&raised, signal);
+#if defined(_POSIX_REALTIME_SIGNALS) && _POSIX_REALTIME_SIGNALS > 0
+    constexpr timespec now = {};
+    while (sigtimedwait(&raised, nullptr, &now) == -1 && errno == EINTR) {}
+#else
+    // A write raises these two for its own thread alone, which keeps them until this call.
+    sigwait(&raised, &signal);
+#endif
+}
+
+}  // namespace
 
 SignalHold::SignalHold() noexcept {
     sigemptyset(&ofWriting_);
@@ -21,12 +41,7 @@ SignalHold::~SignalHold() {
     for (const int signal : {SIGPIPE, SIGXFSZ}) {
         if (sigismember(&pending, signal) == 0 || sigismember(&hostsPending_, signal) != 0)
             continue;
-        sigset_t raised;
-        sigemptyset(&raised);
-        sigaddset(&raised, signal);
-        // Does not wait: a signal of the whole process may have gone to another thread meanwhile.
-        constexpr timespec now = {};
-        while (sigtimedwait(&raised, nullptr, &now) == -1 && errno == EINTR) {}
+        Take(signal);
     }
     pthread_sigmask(SIG_SETMASK, &hostsMask_, nullptr);
     errno = errorOfWriting;

@@ -2,6 +2,7 @@
 
 #include <corvale/platform/ForkSafety.hpp>
 #include <corvale/platform/LineWriter.hpp>
+#include <corvale/platform/NeverDestroyed.hpp>
 #include <corvale/platform/UnitFiles.hpp>
 
 #include <unistd.h>
@@ -43,15 +44,15 @@ constexpr Key KeyOf(std::int32_t unit) noexcept {
 // A place is found by its key without a lock, as far as `usedPlaces` tells; a free one is taken,
 // and given a number, under `opening`.
 constinit std::array<std::atomic<Key>, kMostUnits> keys{};
-constinit std::array<Unit, kMostUnits> units{};
+CORVALE_NEVER_DESTROYED constinit std::array<Unit, kMostUnits> units{};
 constinit std::array<ReadBuffer, kMostUnits> readBuffers{};
 constinit std::atomic<std::size_t> usedPlaces{0};
-constinit std::mutex opening;
+CORVALE_NEVER_DESTROYED constinit std::mutex opening;
 
 // Standard output, as long as it is connected to unit 6.
 constinit std::atomic<Key> standardOutputKey{KeyOf(kStandardOutputUnit)};
-constinit Unit standardOutput{{}, TextFile{STDOUT_FILENO, FileAccess::Replace, true}, 0, false, 0,
-                              0};
+CORVALE_NEVER_DESTROYED constinit Unit standardOutput{
+    {}, TextFile{STDOUT_FILENO, FileAccess::Replace, true}, 0, false, 0, 0};
 
 // A unit that was found open. Its key says whether it still is.
 struct Place {

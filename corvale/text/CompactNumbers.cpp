@@ -33,7 +33,7 @@ void PutCut(std::string_view rendering, std::string_view overflow, std::int32_t 
 
 void Fx0ToSignAx(double value, std::int32_t n, std::span<char> out) noexcept {
     if (n < 1) {
-        std::ranges::fill(out, kBlank);
+        internal::FillWithBlanks(out);
         return;
     }
     internal::RenderingRoom room;

@@ -33,8 +33,9 @@ class WholeNumber {
     }
 
     [[nodiscard]] std::strong_ordering operator<=>(const WholeNumber& other) const noexcept {
-        return std::lexicographical_compare_three_way(words_.rbegin(), words_.rend(),
-                                                      other.words_.rbegin(), other.words_.rend());
+        const auto [ours, theirs] =
+            std::mismatch(words_.rbegin(), words_.rend(), other.words_.rbegin());
+        return ours == words_.rend() ? std::strong_ordering::equal : *ours <=> *theirs;
     }
 
   private:

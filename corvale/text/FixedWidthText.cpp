@@ -75,7 +75,7 @@ void ChangeInPlace(std::span<char> text, Change change) noexcept {
 template <class Change>
 void PutChanged(std::string_view text, std::span<char> result, Change change) noexcept {
     const std::size_t count = std::min(text.size(), result.size());
-    std::ranges::fill(result.subspan(count), kBlank);
+    internal::FillWithBlanks(result.subspan(count));
     if (text.data() == result.data()) return ChangeInPlace(result.first(count), change);
     OnBestPath<CopyLoop<Change>>(text.data(), result.data(), count, change);
 }
@@ -121,7 +121,7 @@ void ReplaceOccurrences(std::string_view text, std::string_view pattern,
         text.remove_prefix(match + pattern.size());
         result = Append(replacement, result);
     }
-    std::ranges::fill(result, kBlank);
+    internal::FillWithBlanks(result);
 }
 
 }  // namespace
@@ -141,13 +141,13 @@ void ReplaceString(std::string_view text, std::string_view pattern, std::string_
                    std::span<char> result) noexcept {
     assert(result.empty() || text.data() != result.data() || replacement.size() <= pattern.size());
     if (pattern.empty()) {
-        std::ranges::fill(result, kBlank);
+        internal::FillWithBlanks(result);
     } else if (pattern.size() == 1 && replacement.size() == 1) {
         PutChanged(text, result, Replaced{pattern[0], replacement[0]});
     } else {
         ReplaceOccurrences(text, pattern, replacement,
                            result.first(std::min(text.size(), result.size())));
-        if (result.size() > text.size()) std::ranges::fill(result.subspan(text.size()), kBlank);
+        if (result.size() > text.size()) internal::FillWithBlanks(result.subspan(text.size()));
     }
 }
 
@@ -170,7 +170,7 @@ void BlankToZeroChar(std::span<char> text) noexcept {
 
 void RemSpaceSlashChars(std::string_view input, std::span<char> output) noexcept {
     const std::size_t count = internal::KeepDigitsAndPoints(input, output);
-    std::ranges::fill(output.subspan(count), kBlank);
+    internal::FillWithBlanks(output.subspan(count));
 }
 
 void ToLowerCase(std::string_view text, std::span<char> result) noexcept {

@@ -123,7 +123,7 @@ ItemKind FreeFormReader::QuotedWord(std::span<char> word) noexcept {
         word[width++] = record_[at];
         if (record_[at] == delimiter) ++at;
     }
-    std::ranges::fill(word.subspan(width), kBlank);
+    FillWithBlanks(word.subspan(width));
     return Finish(end + 1, ItemKind::Value);
 }
 

@@ -44,7 +44,7 @@ constexpr CharacterSet kIntegerCharacters("+-0123456789");
 
 // Takes the next run of members out of `text`; empty where there is none.
 std::string_view TakeRun(std::string_view& text, const CharacterSet& members) noexcept {
-    const auto first = std::ranges::find_if(text, members);
+    const auto first = std::find_if(text.begin(), text.end(), members);
     const auto last = std::find_if_not(first, text.end(), members);
     const std::string_view run(first, last);
     text = {last, text.end()};
@@ -91,11 +91,10 @@ std::string_view ValueOf(std::string_view line) noexcept {
 
 // `word` is in capitals; `text` may have any case.
 bool BeginsWith(std::string_view text, std::string_view word) noexcept {
-    const auto isSame = [](char c, char capital) {
+    const auto isSame = [](char capital, char c) {
         return c == capital || c == capital + ('a' - 'A');
     };
-    return text.size() >= word.size() &&
-           std::ranges::equal(text.substr(0, word.size()), word, isSame);
+    return text.size() >= word.size() && std::equal(word.begin(), word.end(), text.begin(), isSame);
 }
 
 struct YesNoWord {
@@ -168,12 +167,12 @@ std::int32_t InputStrToInt(std::string_view line) noexcept {
 
 void InputStrToNumStr(std::string_view line, double& number, std::span<char> word) noexcept {
     number = 0.0;
-    std::ranges::fill(word, kBlank);
+    internal::FillWithBlanks(word);
     if (ReadNumberAndWord(ValueOf(line), number, word)) {
         internal::PutText(internal::WithoutLeadingBlanks({word.data(), word.size()}), word);
     } else {
         number = 0.0;
-        std::ranges::fill(word, kBlank);
+        internal::FillWithBlanks(word);
     }
 }
 

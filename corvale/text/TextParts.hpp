@@ -1,6 +1,6 @@
 // Internal to the library: not installed, may change in any commit.
 //
-// The three steps that every fixed-width text goes through.
+// The steps that every fixed-width text goes through.
 #pragma once
 
 #include <algorithm>
@@ -23,11 +23,16 @@ constexpr char kBlank = ' ';
     return text.substr(0, text.find_last_not_of(kBlank) + 1);
 }
 
+/// Makes all of `target` blank.
+inline void FillWithBlanks(std::span<char> target) noexcept {
+    if (!target.empty()) std::memset(target.data(), kBlank, target.size());
+}
+
 /// Writes `text` to `target`, cut or blank-filled. They may overlap.
 inline void PutText(std::string_view text, std::span<char> target) noexcept {
     const std::size_t count = std::min(text.size(), target.size());
     if (count > 0) std::memmove(target.data(), text.data(), count);
-    if (count < target.size()) std::memset(target.data() + count, kBlank, target.size() - count);
+    FillWithBlanks(target.subspan(count));
 }
 
 }  // namespace corvale::internal

@@ -1,29 +1,39 @@
 #!/usr/bin/env bash
 # Installs a build, moves what was installed, and lets a C99 and a C++20 program find, build and run
-# with it: by find_package and by pkg-config, without a warning.
+# with it: by find_package and by pkg-config, shared and static, and as a part of their own project,
+# which asks for inexact arithmetic. Every C++ program prints the same bits. Without a warning.
 #
-#     consumer.sh SOURCE BUILD C-COMPILER C++-COMPILER [SANITIZERS]
+#     consumer.sh SOURCE BUILD C-COMPILER C++-COMPILER [FLAGS]
 set -euo pipefail
-source=$1 build=$2 cc=$3 cxx=$4 sanitize=${5:+-fsanitize=$5}
+source=$1 build=$2 cc=$3 cxx=$4 flags=${5:-}
+version=$(sed -n 's/^  VERSION \([0-9.]*\)$/\1/p' "$source/CMakeLists.txt")
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 fail() { printf 'consumer.sh: %s\n' "$*" >&2; exit 1; }
 quietly() { "$@" >"$scratch/output" 2>&1 || { cat "$scratch/output" >&2; fail "failed: $*"; }; }
-for tool in cmake pkg-config "$cc" "$cxx"; do
+for tool in cmake ninja pkg-config nm "$cc" "$cxx"; do
   command -v "$tool" >/dev/null || fail "$tool is missing"
 done
+export CC=$cc CXX=$cxx CFLAGS='' CXXFLAGS=$flags SOURCE_DATE_EPOCH=1700000000
+unset PKG_CONFIG_PATH DESTDIR
 
-quietly cmake --install "$build" --prefix "$scratch/first"
-mkdir "$scratch/else where"
-mv "$scratch/first" "$scratch/else where/moved"
-prefix="$scratch/else where/moved"
-libraries=$(dirname "$(find "$prefix" -name 'libCorvale.*' | head -1)")
+# install KIND BUILD: into a prefix that is then moved to another place, with a blank in its name.
+install() {
+  quietly cmake --install "$2" --prefix "$scratch/first"
+  mkdir -p "$scratch/else where"
+  mv "$scratch/first" "$scratch/else where/$1"
+}
+install shared "$build"
+quietly cmake -G Ninja -S "$source" -B "$scratch/static" -DCMAKE_BUILD_TYPE=Debug \
+  -DBUILD_SHARED_LIBS=OFF -DCORVALE_BASELINE_ONLY=ON -DCORVALE_BUILD_{TESTS,TOOLS,EXAMPLES}=OFF
+quietly cmake --build "$scratch/static" -j 2
+install static "$scratch/static"
 
-cd "$prefix/include/corvale"
-diff <(python3 "$source/tests/house/check_house.py" --headers "$source" | sort) \
-  <(find . -type f -printf '%P\n' | sort) || fail "installed headers differ from the list"
-"$prefix/bin/corvale" info | grep -q '^Arvenit Corvale' || fail "the installed program does not run"
+cd "$scratch/else where/shared/include/corvale"
+headers=$(python3 "$source/tests/house/check_house.py" --headers "$source")
+diff <(sort <<<"$headers") <(find . -type f -printf '%P\n' | sort) ||
+  fail "installed headers differ from the list"
 
 mkdir "$scratch/consumer"
 cd "$scratch/consumer"
@@ -33,54 +43,150 @@ cat >c.c <<'END'
 int main(void) {
     char info[CORVALE_MESSAGE_WIDTH + 1] = {0};
     CorvaleGetInfo(info);
-    return puts(info) < 0 || CorvaleInit() != CORVALE_OK;
+    return printf("%s %s\n", CORVALE_VERSION, info) < 0 || CorvaleInit() != CORVALE_OK;
 }
 END
 {
-  python3 "$source/tests/house/check_house.py" --headers "$source" | sed 's/.*/#include <corvale\/&>/'
+  sed 's/.*/#include <corvale\/&>/' <<<"$headers"
   cat <<'END'
-#include <iostream>
+#include <cstdio>
+using namespace corvale::GenFunctions;
 int main() {
-    std::array<char, 128> info;
-    corvale::GenFunctions::GetSoftwareInfo("Consumer", info, "v1");
-    std::cout.write(info.data(), info.size()) << '\n';
-    return corvale::GenFunctions::NextSatKey(0) == 10000000000 ? 0 : 1;
+    constexpr int n = 23;
+    double a[n * n], inverse[n * n], b[n], x[n];
+    for (int i = 0; i < n; ++i) {
+        b[i] = 0.1 * i;
+        for (int j = 0; j < n; ++j) a[n * i + j] = i == j ? 40.3 : 1.0 / (i + j + 0.7);
+    }
+    Cholesky(a, b, n, inverse, x);
+    MtxInv({a, n, n}, {a, n, n});
+    for (const double value : inverse) std::printf("%a ", value);
+    for (const double value : a) std::printf("%a ", value);
+    for (const double value : x) std::printf("%a ", value);
+    for (const char* text : {"6378.135", "1e-310", "4.9e-324", "1.7976931348623159e308"})
+        std::printf("%a ", corvale::StrFunctions::StrToReal(text));
+    std::printf("%a\n", Mag(Cross({0.1, 0.2, 0.3}, {0.7, 1.1, 1.3})));
 }
 END
 } >cxx.cpp
 cat >CMakeLists.txt <<'END'
 cmake_minimum_required(VERSION 3.23)
-project(Consumer C CXX)
+project(Consumer LANGUAGES ${LANGUAGE})
 set(CMAKE_C_STANDARD 99)
 set(CMAKE_C_EXTENSIONS OFF)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_NO_SYSTEM_FROM_IMPORTED ON)  # warnings in the headers count
 find_package(Corvale ${WANTED} REQUIRED CONFIG)
-add_executable(c c.c)
-add_executable(cxx cxx.cpp)
-foreach(program IN ITEMS c cxx)
-  target_compile_options(${program} PRIVATE -Wall -Wextra -Wpedantic -Werror)
-  target_link_libraries(${program} PRIVATE Corvale::Corvale)
+if(NOT Corvale_VERSION VERSION_EQUAL VERSION)
+  message(FATAL_ERROR "version ${Corvale_VERSION}, not ${VERSION}")
+endif()
+add_executable(program ${FILE})
+target_compile_options(program PRIVATE -Wall -Wextra -Wpedantic -Werror)
+target_link_libraries(program PRIVATE Corvale::Corvale)
+END
+
+# row LANGUAGE FINDER KIND PROGRAM: runs the program and prints its row of the table.
+declare -A expected=()
+row() {
+  local got
+  got=$("$4") || fail "$1, $2, $3: the program does not run"
+  # The information line of the shared and the static library differ in nothing but their dates.
+  [[ $1 == C ]] && got=$(sed 's/ - Build: [^-]* - / - /' <<<"$got")
+  : "${expected[$1]:=$got}"
+  [[ $got == "${expected[$1]}" ]] || fail "$1, $2, $3 prints $got instead of ${expected[$1]}"
+  printf '%-8s  %-4s  %-16s  %-7s  %-5s  passed\n' "$(basename "$cc")" "$1" "$2" "$3" "${5:-moved}"
+}
+
+by_cmake() {  # KIND LANGUAGE FILE
+  quietly cmake -G Ninja -S . -B "cmake_$1_$2" -DLANGUAGE="$2" -DFILE="$3" -DVERSION="$version" \
+    -DWANTED="${version%%.*}" -DCMAKE_PREFIX_PATH="$scratch/else where/$1"
+  quietly cmake --build "cmake_$1_$2"
+  row "${2/CXX/C++}" find_package "$1" "./cmake_$1_$2/program"
+}
+
+by_pkg_config() {  # KIND LANGUAGE FILE COMPILER STANDARD [STATIC]
+  local libraries
+  libraries=$(dirname "$(find "$scratch/else where/$1" -name 'libCorvale.*' | head -1)")
+  export PKG_CONFIG_PATH="$libraries/pkgconfig" LD_LIBRARY_PATH="$libraries"
+  pkg-config --exact-version="$version" Corvale || fail "pkg-config does not find $version"
+  eval "set -- $(printf '%q ' "$@") $(pkg-config ${6:-} --cflags --libs Corvale)"
+  # shellcheck disable=SC2086 # the flags are words
+  quietly "$4" "$5" $flags -Wall -Wextra -Wpedantic -Werror "$3" "${@:6}" -o "pkg_$1_$2"
+  row "$2" pkg-config "$1" "./pkg_$1_$2"
+  unset PKG_CONFIG_PATH LD_LIBRARY_PATH
+}
+
+printf '%-8s  %-4s  %-16s  %-7s  %-5s\n' compiler lang finder library prefix
+for kind in shared static; do
+  by_cmake $kind C c.c
+  by_cmake $kind CXX cxx.cpp
+  static=$([[ $kind == shared ]] || echo --static)
+  by_pkg_config $kind C c.c "$cc" -std=c99 $static
+  by_pkg_config $kind C++ cxx.cpp "$cxx" -std=c++20 $static
+done
+
+# Versions: the header's (the first word of the C program) is CMake's and pkg-config's, and the
+# information line has its first two numbers; so have the program and its --version.
+[[ ${expected[C]} == "$version Arvenit Corvale - Version: v${version%.*} - Platform: "* ]] ||
+  fail "the header or the information line have another version: ${expected[C]}"
+program="$scratch/else where/shared/bin/corvale"
+"$program" info | grep -q "Corvale - Version: v${version%.*} " ||
+  fail "the installed program does not run or tells another version"
+[[ $("$program" --version) == *"$version" ]] || fail "the program's --version differs"
+for wanted in 8 10 9.5; do
+  if cmake -G Ninja -S . -B refused -DLANGUAGE=NONE -DWANTED=$wanted -DVERSION="$version" \
+    -DCMAKE_PREFIX_PATH="$scratch/else where/shared" >"$scratch/output" 2>&1; then
+    fail "version $wanted was found"
+  fi
+  grep -q 'version: '"$version" "$scratch/output" || fail "version $wanted was not even considered"
+done
+
+# As a part of a project that asks for inexact arithmetic. Neither tests nor install rules nor flags
+# come along, and the flags of the project change no bit.
+inexact='-march=native -Ofast -ffast-math -funsafe-math-optimizations -ffp-contract=fast'
+mkdir "$scratch/super"
+cd "$scratch/super"
+cp "$scratch"/consumer/c{.c,xx.cpp} .
+cat >CMakeLists.txt <<'END'
+cmake_minimum_required(VERSION 3.23)
+project(Super C CXX)
+enable_testing()
+add_subdirectory("${CORVALE}" corvale)
+foreach(file IN ITEMS c.c cxx.cpp)
+  add_executable(${file}.program ${file})
+  target_link_libraries(${file}.program PRIVATE Corvale::Corvale)
 endforeach()
 END
-runs() { "./$1/c" | grep -q '^Arvenit Corvale ' && "./$1/cxx" | grep -q '^Arvenit Consumer - Version: v1 '; }
+quietly cmake -G Ninja -S . -B build -DCORVALE="$source" -DCMAKE_BUILD_TYPE=Release \
+  -DCMAKE_CXX_FLAGS="$inexact $flags" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
+quietly cmake --build build -j 2
+row C add_subdirectory shared build/c.c.program -
+row C++ add_subdirectory shared build/cxx.cpp.program -
+ctest --test-dir build -N | grep -q 'Total Tests: 0' || fail "a sub-project brings its tests along"
+quietly cmake --install build --prefix "$scratch/nothing"
+[[ ! -e $scratch/nothing ]] || fail "a sub-project installs something"
+if grep -q 'BUILD_SHARED_LIBS' build/CMakeCache.txt; then
+  fail "a sub-project decides on the libraries of the project around it"
+fi
+if ninja -C build -t commands cxx.cpp.program c.c.program |
+  grep -E -- '-c .*/super/c|-o (c.c|cxx.cpp).program' |
+  grep -E -- '-W[^l]|-ffp-contract=off|-fno-|prefix-map|-DCORVALE'; then
+  fail "a sub-project brings its flags along"
+fi
+if nm build/corvale/corvale/libCorvale.so | grep -i 'set_fast_math'; then
+  fail "loading the library flushes subnormals in the whole process"
+fi
 
-export CC=$cc CXX=$cxx CFLAGS=$sanitize CXXFLAGS=$sanitize
-configure() { cmake -G Ninja -S . -B "$1" -DWANTED="$2" -DCMAKE_PREFIX_PATH="$prefix"; }
-for version in 9 9.4.0 9.0; do
-  quietly configure by_cmake $version
-done
-quietly cmake --build by_cmake
-runs by_cmake || fail "a program built by find_package does not run"
-for version in 8 10 9.5; do
-  if configure "refused_$version" $version >/dev/null 2>&1; then fail "version $version was found"; fi
-done
-
-export PKG_CONFIG_PATH="$libraries/pkgconfig" LD_LIBRARY_PATH="$libraries"
-pkg-config --exact-version=9.4.0 Corvale || fail "pkg-config does not find version 9.4.0"
-eval "set -- $(pkg-config --cflags --libs Corvale)"
-mkdir by_pkg_config
-strict=(-Wall -Wextra -Wpedantic -Werror ${sanitize:+"$sanitize"})
-quietly "$cc" -std=c99 "${strict[@]}" c.c "$@" -o by_pkg_config/c
-quietly "$cxx" -std=c++20 "${strict[@]}" cxx.cpp "$@" -o by_pkg_config/cxx
-runs by_pkg_config || fail "a program built by pkg-config does not run"
+# Behind the flags for exact arithmetic no other flag can touch it.
+python3 - build/compile_commands.json <<'END' || fail "flags are not in the order that keeps bits"
+import json, re, sys
+harmless = r"-(W|M|D|I|std=|ffile-prefix-map=|O[0-3]$|o$|c$|stdlib=)|[^-]"
+commands = [c["command"].split() for c in json.load(open(sys.argv[1])) if "/corvale/" in c["file"]]
+for words in commands:
+    last = words.index("-ffp-contract=off"), words.index("-fno-fast-math")
+    behind = [w for w in words[max(last) + 1:] if not re.match(harmless, w)]
+    exact = ("-fno-rounding-math", "-fno-single-precision-constant", "-mfpmath=sse", "-mno-recip", "-mrecip=none")
+    if "-Ofast" not in words[:min(last)] or not set(behind) <= set(exact):
+        sys.exit(f"{words[-1]}: {behind}")
+sys.exit(0 if len(commands) > 30 else f"only {len(commands)} sources")
+END

@@ -98,7 +98,8 @@ TEST(TextUnits, AnyNumberNamesAUnit) {
         EXPECT_EQ(FileOpen(unit, folder / std::to_string(unit), kWrite), 0) << unit;
     std::int32_t fresh = 0;
     EXPECT_EQ(FileOpenMT(folder / "fresh", kWrite, fresh), 0);
-    EXPECT_EQ(std::ranges::count(units, fresh), 0) << "a number in use is not given out";
+    EXPECT_EQ(std::count(std::begin(units), std::end(units), fresh), 0)
+        << "a number in use is not given out";
     for (const std::int32_t unit : units) EXPECT_TRUE(WriteLine(unit, std::to_string(unit)));
     for (const std::int32_t unit : units) {
         Close(unit);
