@@ -38,6 +38,16 @@ def build_wheel(wheel_directory: str, config_settings: Settings = None,
     return _write_wheel(pathlib.Path(wheel_directory), files)
 
 
+def prepare_metadata_for_build_wheel(metadata_directory: str,
+                                     config_settings: Settings = None) -> str:
+    """Writes the metadata without building anything; returns the folder's name."""
+    folder = pathlib.Path(metadata_directory) / f"corvale-{_version()}.dist-info"
+    folder.mkdir()
+    for name, text in _metadata().items():
+        (folder / name).write_bytes(text)
+    return folder.name
+
+
 def build_sdist(sdist_directory: str, config_settings: Settings = None) -> str:
     """Packs the files under version control; returns the file name."""
     stem = f"corvale-{_version()}"
@@ -70,13 +80,19 @@ def _compiled() -> pathlib.Path:
     return build
 
 
-def _metadata(tag: str) -> Dict[str, bytes]:
+def _tag() -> str:
+    """The interpreter and platform that the wheel is for."""
+    python = f"cp{sys.version_info[0]}{sys.version_info[1]}"
+    return f"{python}-{python}-{re.sub('[^0-9A-Za-z]', '_', sysconfig.get_platform())}"
+
+
+def _metadata() -> Dict[str, bytes]:
     """What the folder .dist-info holds, but for the list of files."""
     package = ("Metadata-Version: 2.1", "Name: corvale", f"Version: {_version()}",
                "Summary: Foundation library for orbital analysis, over arrays",
                "Requires-Python: >=3.9", "Provides-Extra: arrays",
                'Requires-Dist: numpy; extra == "arrays"')
-    wheel = ("Wheel-Version: 1.0", "Generator: corvale", "Root-Is-Purelib: false", f"Tag: {tag}")
+    wheel = ("Wheel-Version: 1.0", "Generator: corvale", "Root-Is-Purelib: false", f"Tag: {_tag()}")
     return {"METADATA": _lines(package), "WHEEL": _lines(wheel)}
 
 
@@ -85,14 +101,12 @@ def _lines(lines: Any) -> bytes:
 
 
 def _write_wheel(folder: pathlib.Path, files: Dict[str, bytes]) -> str:
-    python = f"cp{sys.version_info[0]}{sys.version_info[1]}"
-    tag = f"{python}-{python}-{re.sub('[^0-9A-Za-z]', '_', sysconfig.get_platform())}"
     info = f"corvale-{_version()}.dist-info"
-    files.update({f"{info}/{name}": text for name, text in _metadata(tag).items()})
+    files.update({f"{info}/{name}": text for name, text in _metadata().items()})
     record = [f"{name},sha256={_digest(data)},{len(data)}" for name, data in files.items()]
     files[f"{info}/RECORD"] = _lines([*record, f"{info}/RECORD,,"])
 
-    name = f"corvale-{_version()}-{tag}.whl"
+    name = f"corvale-{_version()}-{_tag()}.whl"
     with zipfile.ZipFile(folder / name, "w", zipfile.ZIP_DEFLATED) as archive:
         for path, data in files.items():
             entry = zipfile.ZipInfo(path)  # dated 1980: the same wheel every time

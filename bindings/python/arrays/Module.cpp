@@ -55,8 +55,8 @@ void Add(py::module_& module, const Procedure& procedure) {
     }
 }
 
-/// A row as Python has it: name, arguments, and of each operand its type and inner axes.
-py::tuple Row(const Procedure& procedure) {
+/// A row as Python has it, from which the stub is made; an operand is its type and inner axes.
+py::dict Row(const Procedure& procedure) {
     const Signature& signature = procedure.signature;
     py::list names, inputs, outputs;
     for (const std::string& argument : ArgumentNames(procedure)) names.append(argument);
@@ -64,8 +64,11 @@ py::tuple Row(const Procedure& procedure) {
         const Type& type = TypeOf(signature.kinds[i]);
         (i < signature.inputs ? inputs : outputs).append(py::make_tuple(type.name, type.inner));
     }
-    return py::make_tuple(procedure.name, py::tuple(names), py::tuple(inputs), py::tuple(outputs),
-                          procedure.source);
+    return py::dict(arg("name") = procedure.name, arg("source") = procedure.source,
+                    arg("arguments") = py::tuple(names), arg("inputs") = py::tuple(inputs),
+                    arg("outputs") = py::tuple(outputs),
+                    arg("most_characters") = procedure.mostCharacters,
+                    arg("free_width") = procedure.freeWidth);
 }
 
 }  // namespace
@@ -82,6 +85,6 @@ PYBIND11_MODULE(_arrays, module) {
             python::Add(module, procedure);
             rows.append(python::Row(procedure));
         }
-    module.attr("TABLE") = python::py::tuple(rows);
+    module.attr("_TABLE") = python::py::tuple(rows);
     python::AddLists(module);
 }

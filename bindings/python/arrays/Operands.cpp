@@ -8,6 +8,8 @@
 namespace corvale::python {
 namespace {
 
+constexpr int kRead = PyBUF_STRIDES | PyBUF_FORMAT, kWrite = kRead | PyBUF_WRITABLE;
+
 /// Sets the flag, which is the second operand, where a text ends with a NUL.
 void FindNul(Count count, const Lane* lanes) noexcept {
     const Count last = lanes[0].form->width - 1;
@@ -56,8 +58,8 @@ Operand Operand::Input(const py::object& object, Kind kind, const std::string& n
     const bool isScalar = IsText(kind)
                               ? operand.TakeText(object)
                               : TypeOf(kind).inner == 0 && operand.TakeNumber(object, name);
-    if (!isScalar && !operand.TakeBuffer(object, PyBUF_STRIDES | PyBUF_FORMAT) &&
-        !operand.TakeBuffer(Converted(object, kind, name), PyBUF_STRIDES | PyBUF_FORMAT))
+    if (!isScalar && !operand.TakeBuffer(object, kRead, name) &&
+        !operand.TakeBuffer(Converted(object, kind, name), kRead, name))
         ThrowType(name, kind, py::str(py::type::of(object)));
     operand.RequireInner(name);
     if (!operand.IsAligned()) operand.Detach();
@@ -99,7 +101,7 @@ bool Operand::TakeText(const py::object& object) {
     return true;
 }
 
-bool Operand::TakeBuffer(const py::object& object, int flags) {
+bool Operand::TakeBuffer(const py::object& object, int flags, const std::string& name) {
     auto buffer = std::make_unique<Py_buffer>();
     if (PyObject_GetBuffer(object.ptr(), buffer.get(), flags) != 0) {
         PyErr_Clear();
@@ -107,12 +109,13 @@ bool Operand::TakeBuffer(const py::object& object, int flags) {
     }
     buffer_.reset(buffer.release());
     const auto axes = static_cast<std::size_t>(buffer_->ndim), inner = TypeOf(kind_).inner;
-    if (!Matches(*buffer_, kind_) || axes < inner) {
-        if (axes < inner && Matches(*buffer_, kind_))
-            throw py::value_error("an array of " + std::to_string(inner) + " axes needed");
+    if (!Matches(*buffer_, kind_)) {
         buffer_.reset();
         return false;
     }
+    if (axes < inner)
+        throw py::value_error(name + ": an array with " + std::to_string(inner) +
+                              (inner == 1 ? " axis" : " axes") + " or more needed");
     owner_ = object;
     const auto outerAxes = static_cast<Count>(axes - inner);
     outer_.assign(buffer_->shape, buffer_->shape + outerAxes);
@@ -136,7 +139,7 @@ void Operand::RequireInner(const std::string& name) const {
 void Operand::Detach() {
     Operand copy(kind_);
     copy.TakeBuffer(Numpy().attr("array")(owner_, py::arg("order") = "C"),
-                    PyBUF_STRIDES | PyBUF_FORMAT);
+                    kRead, "");
     *this = std::move(copy);
 }
 
@@ -178,14 +181,14 @@ Operand Operand::NewOutput(Kind kind, const std::vector<Count>& outer, const For
         return operand;
     }
     operand.TakeBuffer(NewArray(shape, kind, form.width),
-                       PyBUF_STRIDES | PyBUF_FORMAT | PyBUF_WRITABLE);
+                       kWrite, "");
     return operand;
 }
 
 Operand Operand::GivenOutput(const py::object& object, Kind kind, const std::vector<Count>& outer,
                              const Form& form) {
     Operand operand(kind);
-    if (!operand.TakeBuffer(object, PyBUF_STRIDES | PyBUF_FORMAT | PyBUF_WRITABLE))
+    if (!operand.TakeBuffer(object, kWrite, "out"))
         throw py::type_error(std::string("out: a writable array of ") + TypeOf(kind).name +
                              " needed");
     const std::vector<Count> shape = WholeShape(kind, outer, form);

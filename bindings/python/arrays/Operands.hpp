@@ -57,7 +57,7 @@ class Operand {
     explicit Operand(Kind kind) noexcept : kind_(kind) { form_.width = TypeOf(kind).width; }
     bool TakeNumber(const py::object& object, const std::string& name);
     bool TakeText(const py::object& object);
-    bool TakeBuffer(const py::object& object, int flags);
+    bool TakeBuffer(const py::object& object, int flags, const std::string& name);
     void RequireInner(const std::string& name) const;
     void Fill();
     [[nodiscard]] bool EndsWithNul();

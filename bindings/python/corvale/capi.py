@@ -17,6 +17,7 @@ import ctypes
 import functools
 import operator
 import os
+import pathlib
 import threading
 from typing import Any, Final, NamedTuple, Union
 
@@ -93,6 +94,14 @@ def arguments(function: str) -> tuple[Argument, ...]:
     return tuple(Argument(*row.split()) for row in rows)
 
 
+def library_path() -> str:
+    """The library to load where none is given: what the environment variable CORVALE_LIBRARY names,
+    or else libCorvale.so.9 beside this file, or else from where the system looks."""
+    beside = pathlib.Path(__file__).with_name("libCorvale.so.9")
+    own = str(beside) if beside.exists() else beside.name
+    return os.environ.get("CORVALE_LIBRARY") or own
+
+
 class Values(NamedTuple):
     """One of every kind of argument, for the self-tests; `ch` is one character of code 0 to 255."""
 
@@ -119,9 +128,8 @@ class Corvale:
     """
 
     def __init__(self, library: StrPath | None = None) -> None:
-        """Loads `library`, or what the environment variable CORVALE_LIBRARY names, or else
-        libCorvale.so.9 from where the system looks. OSError says why it cannot be loaded."""
-        path = os.fspath(library or os.environ.get("CORVALE_LIBRARY") or "libCorvale.so.9")
+        """Loads `library`, or what `library_path` says. OSError says why it cannot be loaded."""
+        path = os.fspath(library or library_path())
         loaded = ctypes.CDLL(path, mode=ctypes.RTLD_LOCAL)
         try:
             self._functions = {name: _declared(loaded[name], name) for name in FACE}
