@@ -17,6 +17,7 @@ import ctypes
 import functools
 import operator
 import os
+import pathlib
 import threading
 from typing import Any, Final, NamedTuple, Union
 
@@ -93,6 +94,14 @@ def arguments(function: str) -> tuple[Argument, ...]:
     return tuple(Argument(*row.split()) for row in rows)
 
 
+def library_path() -> str:
+    """The library to load where none is given: what the environment variable CORVALE_LIBRARY names,
+    or else libCorvale.so.9 beside this file, or else from where the system looks."""
+    beside = pathlib.Path(__file__).with_name("libCorvale.so.9")
+    own = str(beside) if beside.exists() else beside.name
+    return os.environ.get("CORVALE_LIBRARY") or own
+
+
 class Values(NamedTuple):
     """One of every kind of argument, for the self-tests; `ch` is one character of code 0 to 255."""
 
@@ -119,10 +128,8 @@ class Corvale:
     """
 
     def __init__(self, library: StrPath | None = None) -> None:
-        """Loads `library`, or what the environment variable CORVALE_LIBRARY names, or else
-        libCorvale.so.9: the one of the installed package, or from where the system looks. OSError
-        says why it cannot be loaded."""
-        path = os.fspath(library or os.environ.get("CORVALE_LIBRARY") or _usual_library())
+        """Loads `library`, or what `library_path` says. OSError says why it cannot be loaded."""
+        path = os.fspath(library or library_path())
         loaded = ctypes.CDLL(path, mode=ctypes.RTLD_LOCAL)
         try:
             self._functions = {name: _declared(loaded[name], name) for name in FACE}
@@ -263,11 +270,6 @@ os.register_at_fork(
     after_in_parent=_one_at_a_time.release,
     after_in_child=_one_at_a_time.release,
 )
-
-
-def _usual_library() -> str:
-    own = os.path.join(os.path.dirname(os.path.abspath(__file__)), "libCorvale.so.9")
-    return own if os.path.exists(own) else "libCorvale.so.9"
 
 
 def _by_value(argument: Argument) -> bool:

@@ -1,0 +1,35 @@
+"""Corvale in Python: the library's procedures over arrays, and its C face in `corvale.capi`.
+
+    import corvale
+    corvale.num_to_alpha5(100000)                    # b'A0000'
+    corvale.alpha5_to_num(records["satellite"])      # a million codes, int32
+    inverse, x = corvale.cholesky(covariances, residuals)
+
+What holds for every procedure:
+
+Operands  Scalars, arrays, and what NumPy makes an array of. They are broadcast together as NumPy
+          does; all scalars give a scalar. An array of the procedure's own type is walked where it
+          lies, whatever its strides; another is converted first. Shapes are written (...) for any
+          axes; those of a vector or matrix come last.
+Texts     bytes, or str in ASCII; arrays have the type S<width>. An element is a text of that width,
+          filled with blanks: the NULs with which NumPy fills it count as blanks. Results are bytes
+          as wide as the text given, blank-filled. Positions count from 1.
+out       Arrays of the type and shape of the results, a tuple where there are several, to be
+          written instead of new ones. An operand may be written over.
+Errors    TypeError for an operand of another kind, OverflowError for an integer that does not fit
+          the type, ValueError for shapes that do not fit and characters outside ASCII. Values
+          never raise: the docstrings say what they give.
+Threads   The interpreter's lock is free while arrays are worked on. Any number of threads at once.
+NumPy     Needed for arrays and lists, not for scalars.
+
+Exact: results are the same to the last bit as those of the C++ procedures that the docstrings name.
+"""
+
+import ctypes
+
+from corvale import capi as capi
+
+# One library for both parts: what is loaded first, by whatever path, serves the compiled module too.
+ctypes.CDLL(capi.library_path(), mode=ctypes.RTLD_LOCAL)
+
+from corvale._arrays import *  # noqa: E402,F403
