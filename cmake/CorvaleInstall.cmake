@@ -1,5 +1,5 @@
 # What `cmake --install` puts in place: headers, library, package description for CMake and
-# pkg-config (both relocatable), and the program.
+# pkg-config (both relocatable), and the program with its man page and completions.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -9,6 +9,15 @@ if(CORVALE_BUILD_TOOLS)
   file(RELATIVE_PATH library_from_program
     "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
   set_target_properties(corvale_program PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_program}")
+  if(CORVALE_PAGES)
+    install(FILES "${CORVALE_PAGES}/man/corvale.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+    install(FILES "${CORVALE_PAGES}/bash/corvale"
+      DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
+    install(FILES "${CORVALE_PAGES}/zsh/_corvale"
+      DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
+    install(FILES "${CORVALE_PAGES}/fish/corvale.fish"
+      DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
+  endif()
 endif()
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Corvale")

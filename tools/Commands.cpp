@@ -1,5 +1,7 @@
 #include "Commands.hpp"
 
+#include "Joined.hpp"
+#include "Terminal.hpp"
 #include "Texts.hpp"
 
 #include <corvale/Corvale.h>
@@ -25,6 +27,11 @@ bool IsRefused(const std::string& name) {
     return why.has_value();
 }
 
+// Names as the library is to open them.
+std::string LibraryName(const std::string& file) {
+    return file == "-" ? "/dev/stdin" : file;
+}
+
 // The log is emptied when it is opened. The library takes backslashes of the input's name as slashes.
 bool IsSameFile(const std::string& log, std::string input) {
     std::ranges::replace(input, '\\', '/');
@@ -33,6 +40,14 @@ bool IsSameFile(const std::string& log, std::string input) {
     std::cerr << "corvale: the log \"" << log
               << "\" is refused: it is the same file as the input\n";
     return true;
+}
+
+bool IsAnyRefused(const LoadOptions& options) {
+    if (std::ranges::any_of(options.files, IsRefused)) return true;
+    if (options.log.empty()) return false;
+    return IsRefused(options.log) || std::ranges::any_of(options.files, [&](const auto& file) {
+               return IsSameFile(options.log, LibraryName(file));
+           });
 }
 
 int Fail() {
@@ -81,11 +96,27 @@ void PrintTable() {
 }
 
 // Says what came of a call with `status`: the values, or why there are none.
-int Report(int status, bool asJson) {
-    if (asJson) PrintJson(status);
+int Report(int status, const LoadOptions& options) {
+    if (options.asJson && !options.isQuiet) PrintJson(status);
     if (status != CORVALE_OK) return Fail();
-    if (!asJson) PrintTable();
+    if (!options.asJson && !options.isQuiet) PrintTable();
     return kExitOk;
+}
+
+int LoadFile(const std::string& file, const LoadOptions& options) {
+    const std::string name = LibraryName(file);
+    if (!options.log.empty()) LogMessage(Joined("corvale load ", file).c_str());
+    ProgressBar bar(file, RegularFileSize(name),
+                    ShowProgress(options.isQuiet, options.showsProgress));
+    const ReadingWatch watch(name, bar);
+    return CorvaleLoadFile(name.c_str());
+}
+
+// Up to the first file that cannot be read.
+int LoadFiles(const LoadOptions& options) {
+    for (const std::string& file : options.files)
+        if (const int status = LoadFile(file, options); status != CORVALE_OK) return status;
+    return CORVALE_OK;
 }
 
 }  // namespace
@@ -96,16 +127,12 @@ int Info() {
 }
 
 int Load(const LoadOptions& options) {
-    if (IsRefused(options.file)) return kExitFailed;
-    if (options.log.empty()) return Report(CorvaleLoadFile(options.file.c_str()), options.asJson);
+    if (IsAnyRefused(options)) return kExitFailed;
+    if (options.log.empty()) return Report(LoadFiles(options), options);
 
-    if (IsRefused(options.log) || IsSameFile(options.log, options.file)) return kExitFailed;
     int status = OpenLogFile(options.log.c_str());
-    if (status == CORVALE_OK) {
-        LogMessage(("corvale load " + options.file).c_str());
-        status = CorvaleLoadFile(options.file.c_str());
-    }
-    const int exitStatus = Report(status, options.asJson);
+    if (status == CORVALE_OK) status = LoadFiles(options);
+    const int exitStatus = Report(status, options);
     CloseLogFile();  // blanks the message, so that it comes last
     return exitStatus;
 }

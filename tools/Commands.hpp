@@ -1,25 +1,39 @@
-// The commands of the program corvale. Each returns the exit status: 0, or 2 after saying on
-// standard error what failed.
+// The commands of the program corvale. Each returns the exit status.
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace corvale::tool {
 
 inline constexpr int kExitOk = 0;
-inline constexpr int kExitFailed = 2;
+inline constexpr int kExitFindings = 1;  // there is something to mend, and it has been said
+inline constexpr int kExitFailed = 2;    // after saying on standard error what failed
 
 struct LoadOptions {
-    std::string file;
+    std::vector<std::string> files;
     std::string log;  // empty: none
     bool asJson = false;
+    bool isQuiet = false;
+    bool showsProgress = false;  // at once, not only when it takes long
+};
+
+struct CheckOptions {
+    std::vector<std::string> files;
+    bool asJson = false;
+    bool isQuiet = false;
+    bool showsAll = false;
+    bool showsProgress = false;
 };
 
 /// Prints the information line of the library.
 int Info();
 
-/// Loads an input file and prints the modes and the 128 values.
+/// Loads input files, one after the other, and prints the modes and the 128 values.
 int Load(const LoadOptions& options);
+
+/// Explains the cards of input files, and what looks like one and is none.
+int Check(const CheckOptions& options);
 
 /// Calls the three interface tests and prints the outcome of each argument.
 int SelfTest();

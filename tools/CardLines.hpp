@@ -1,0 +1,49 @@
+// The lines of an input file, explained one by one: which card a line is and what it sets, or what
+// about a line that is none suggests that it was meant to be one.
+#pragma once
+
+#include "Input.hpp"
+#include "NumberList.hpp"
+
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace corvale::tool {
+
+/// How much of a line is kept: more is not looked at, and counts as not there.
+inline constexpr std::size_t kLineKept = 0x10000;
+
+enum class LineKind : std::uint8_t { Blank, Comment, Card, Other };
+
+/// What is to be said of one line.
+struct Explained {
+    LineKind kind = LineKind::Other;
+    std::string effect = {};  ///< of a card: "QZ_DMA_ON sets the element-set key mode to 1"
+    std::vector<Finding> findings = {};
+};
+
+/// What the lines of a file so far hold and set. Modes and values are those that loading the file
+/// sets; what it leaves as it was is not set.
+struct FileContent {
+    bool setsElsetKeyMode = false;
+    bool setsAllKeyMode = false;
+    std::array<double, kElements> values{};
+    std::bitset<kElements> isSet;
+
+    std::uint64_t lines = 0, comments = 0, cards = 0, findings = 0;
+    std::uint64_t withReturn = 0;    ///< lines that end with CR LF
+    std::uint64_t innerReturns = 0;  ///< lines with a CR elsewhere
+    std::uint64_t withTabs = 0, withNuls = 0, withHighBytes = 0;
+    bool hasByteOrderMark = false;
+};
+
+/// Explains the next line of a file and adds it to `content`.
+[[nodiscard]] Explained ExplainLine(const Line& line, FileContent& content);
+
+/// The elements in `set`, counted from 1: "1 to 6, 9".
+[[nodiscard]] std::string Ranges(const std::bitset<kElements>& set);
+
+}  // namespace corvale::tool

@@ -1,0 +1,237 @@
+#include "CheckReport.hpp"
+
+#include "Joined.hpp"
+#include "RealWords.hpp"
+#include "Terminal.hpp"
+#include "Texts.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace corvale::tool {
+
+namespace {
+
+constexpr std::size_t kExcerpt = 72;  // columns of a line that are shown
+
+std::string Count(std::uint64_t count, std::string_view noun) {
+    return Joined(count, " ", noun, count == 1 ? "" : "s");
+}
+
+// One character for each byte, so that columns stay columns.
+std::string Visible(std::string_view text) {
+    std::string visible(text);
+    std::ranges::replace_if(
+        visible, [](char c) { return c < ' ' || c > '~'; }, '?');
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text[i] == '\t') visible[i] = ' ';
+    return visible;
+}
+
+// The part of a line around a finding, and the mark under it.
+void PrintExcerpt(const Line& line, const Finding& finding) {
+    const std::string number = std::to_string(line.number);
+    const std::string margin(std::max<std::size_t>(number.size(), 4), ' ');
+    const std::size_t at = finding.column - 1;
+    const std::size_t end = at + finding.length;
+    // as little of the beginning is left out as shows all of the finding
+    const std::size_t start = end <= kExcerpt ? 0 : std::min(at, end - kExcerpt + 10);
+    const std::string text =
+        Visible(std::string_view(line.text).substr(std::min(start, line.text.size()), kExcerpt));
+    const std::string_view cutFront = start > 0 ? "..." : "";
+    const std::string_view cutBack = start + kExcerpt < line.length ? "..." : "";
+    std::string mark = "^";
+    mark.append(std::min(finding.length, kExcerpt) - 1, '~');
+
+    std::cout << std::string(margin.size() - number.size(), ' ') << number << " | " << cutFront
+              << text << cutBack << '\n'
+              << margin << " | " << std::string(cutFront.size() + at - start, ' ')
+              << Coloured(Colour::Mark, mark) << '\n';
+}
+
+bool SetsAnything(const FileContent& content) {
+    return content.setsElsetKeyMode || content.setsAllKeyMode || content.isSet.any();
+}
+
+void PrintValues(const FileContent& content) {
+    const auto same = [&](std::size_t i, std::size_t j) {
+        return content.isSet[j] && std::bit_cast<std::uint64_t>(content.values[i]) ==
+                                       std::bit_cast<std::uint64_t>(content.values[j]);
+    };
+    constexpr std::size_t width = 22;
+    for (std::size_t first = 0; first < kElements; ++first) {
+        if (!content.isSet[first]) continue;
+        std::size_t last = first;
+        while (last + 1 < kElements && same(first, last + 1)) ++last;
+        std::string label = Joined("  MOIC ", first + 1);
+        if (last > first) label += Joined(" to ", last + 1);
+        label.resize(std::max(label.size() + 1, width), ' ');
+        std::cout << label << RealText(content.values[first]) << '\n';
+        first = last;
+    }
+}
+
+void PrintBytes(const FileContent& content) {
+    const struct {
+        std::uint64_t lines;
+        std::string_view what;
+    } kinds[] = {{content.withReturn, "end with CR LF"},
+                 {content.innerReturns, "hold a carriage return"},
+                 {content.withTabs, "hold tabs"},
+                 {content.withNuls, "hold a NUL"},
+                 {content.withHighBytes, "hold bytes above 127"}};
+    if (content.hasByteOrderMark) std::cout << "  the file begins with a byte order mark\n";
+    for (const auto& [lines, what] : kinds)
+        if (lines > 0) std::cout << "  lines that " << what << ": " << lines << '\n';
+}
+
+class QuietReport : public CheckReport {
+  public:
+    void BeginFile(const std::string& name) override { name_ = name; }
+    void TakeLine(const Line& /*line*/, const Explained& /*explained*/) override {}
+    void EndFile(const FileContent& /*content*/) override {}
+    void Unreadable(const std::string& why) override {
+        std::cout.flush();
+        std::cerr << "corvale: \"" << name_ << "\" cannot be read: " << why << '\n';
+    }
+    [[nodiscard]] bool Wants(const Explained& /*explained*/) const override { return false; }
+
+  protected:
+    [[nodiscard]] const std::string& FileName() const { return name_; }
+
+  private:
+    std::string name_;
+};
+
+class TextReport : public QuietReport {
+  public:
+    explicit TextReport(bool showsAll) : showsAll_(showsAll) {}
+
+    void TakeLine(const Line& line, const Explained& explained) override {
+        const std::string place = Joined(FileName(), ":", line.number, ":");
+        if (explained.kind == LineKind::Card)
+            std::cout << Coloured(Colour::Place, place) << ' ' << explained.effect << '\n';
+        for (const Finding& finding : explained.findings) {
+            std::cout << Coloured(Colour::Place, Joined(place, finding.column, ":")) << ' '
+                      << Coloured(Colour::Warning, "warning:") << ' ' << finding.message << '\n';
+            PrintExcerpt(line, finding);
+            if (!finding.help.empty()) std::cout << "     = " << finding.help << '\n';
+        }
+        if (showsAll_ && explained.kind != LineKind::Card && explained.findings.empty())
+            std::cout << place << ' ' << KindText(explained.kind) << '\n';
+    }
+    void EndFile(const FileContent& content) override {
+        std::cout << Coloured(Colour::Place, FileName() + ":") << ' '
+                  << Count(content.lines, "line") << ", " << Count(content.cards, "card") << ", "
+                  << Count(content.findings, "finding") << "; loading it "
+                  << (SetsAnything(content) ? "sets" : "sets nothing") << '\n';
+        if (content.setsElsetKeyMode) std::cout << "  element-set key mode  1\n";
+        if (content.setsAllKeyMode) std::cout << "  all-key mode          1\n";
+        PrintValues(content);
+        PrintBytes(content);
+    }
+    [[nodiscard]] bool Wants(const Explained& explained) const override {
+        return showsAll_ || explained.kind == LineKind::Card || !explained.findings.empty();
+    }
+
+  private:
+    static std::string_view KindText(LineKind kind) {
+        if (kind == LineKind::Comment) return "a comment";
+        return kind == LineKind::Blank ? "blank" : "no card of this library: passed over";
+    }
+
+    bool showsAll_;
+};
+
+nlohmann::ordered_json JsonReal(double value) {
+    if (std::isfinite(value)) return value;
+    return RealText(value);
+}
+
+nlohmann::ordered_json JsonFinding(std::uint64_t line, const Finding& finding) {
+    return {{"line", line},         {"column", finding.column},   {"length", finding.length},
+            {"code", finding.code}, {"message", finding.message}, {"help", finding.help}};
+}
+
+nlohmann::ordered_json JsonSets(const FileContent& content) {
+    nlohmann::ordered_json moic = nlohmann::ordered_json::array();
+    for (std::size_t i = 0; i < kElements; ++i)
+        moic.push_back(content.isSet[i] ? JsonReal(content.values[i]) : nullptr);
+    const auto mode = [](bool isSet) -> nlohmann::ordered_json {
+        if (isSet) return 1;
+        return nullptr;
+    };
+    return {{"elsetKeyMode", mode(content.setsElsetKeyMode)},
+            {"allKeyMode", mode(content.setsAllKeyMode)},
+            {"moic", moic}};
+}
+
+class JsonReport : public QuietReport {
+  public:
+    void BeginFile(const std::string& name) override {
+        QuietReport::BeginFile(name);
+        file_ = {{"file", name}};
+        cards_ = nlohmann::ordered_json::array();
+        findings_ = nlohmann::ordered_json::array();
+    }
+    void TakeLine(const Line& line, const Explained& explained) override {
+        if (explained.kind == LineKind::Card)
+            cards_.push_back({{"line", line.number}, {"effect", explained.effect}});
+        for (const Finding& finding : explained.findings)
+            findings_.push_back(JsonFinding(line.number, finding));
+    }
+    void EndFile(const FileContent& content) override {
+        file_["lines"] = content.lines;
+        file_["cards"] = cards_;
+        file_["findings"] = findings_;
+        file_["sets"] = JsonSets(content);
+        file_["bytes"] = {{"byteOrderMark", content.hasByteOrderMark},
+                          {"linesWithCrLf", content.withReturn},
+                          {"linesWithInnerCr", content.innerReturns},
+                          {"linesWithTabs", content.withTabs},
+                          {"linesWithNuls", content.withNuls},
+                          {"linesWithBytesAbove127", content.withHighBytes}};
+        files_.push_back(std::move(file_));
+    }
+    void Unreadable(const std::string& why) override {
+        QuietReport::Unreadable(why);
+        file_["error"] = why;
+        files_.push_back(std::move(file_));
+    }
+    void Finish() override {
+        const nlohmann::ordered_json all = {{"files", files_}};
+        std::cout << all.dump(2, ' ', true, nlohmann::ordered_json::error_handler_t::replace)
+                  << '\n';
+    }
+    [[nodiscard]] bool Wants(const Explained& explained) const override {
+        return explained.kind == LineKind::Card || !explained.findings.empty();
+    }
+
+  private:
+    nlohmann::ordered_json file_, cards_, findings_;
+    nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
+};
+
+}  // namespace
+
+std::unique_ptr<CheckReport> MakeCheckReport(CheckStyle style) {
+    switch (style) {
+        case CheckStyle::Quiet:
+            return std::make_unique<QuietReport>();
+        case CheckStyle::Json:
+            return std::make_unique<JsonReport>();
+        case CheckStyle::AllLines:
+            return std::make_unique<TextReport>(true);
+        case CheckStyle::Text:
+            break;
+    }
+    return std::make_unique<TextReport>(false);
+}
+
+}  // namespace corvale::tool

@@ -1,0 +1,242 @@
+#include "NumberList.hpp"
+
+#include "Joined.hpp"
+#include "RealWords.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace corvale::tool {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kItemEnds = " \t,/";
+
+std::string Plural(std::size_t count, std::string_view noun) {
+    return Joined(count, " ", noun, count == 1 ? "" : "s");
+}
+
+// "1 more word is", "3 more words are"
+std::string MoreWords(std::size_t count) {
+    return Plural(count, "more word") + (count == 1 ? " is" : " are");
+}
+
+std::string Elements(std::size_t first) {
+    if (first >= kElements) return "value 128 keeps what it held";
+    return Joined("values ", first, " to 128 keep what they held");
+}
+
+// How many words there are up to a slash or the end, and where the first one stands.
+struct Words {
+    std::size_t count = 0;
+    std::size_t first = std::string_view::npos;
+};
+
+Words WordsFrom(std::string_view text, std::size_t at) {
+    Words words;
+    while ((at = text.find_first_not_of(" \t,", at)) < text.size() && text[at] != '/') {
+        words.first = std::min(words.first, at);
+        ++words.count;
+        at = text.find_first_of(kItemEnds, at);
+    }
+    return words;
+}
+
+// Walks along the items of the card and says what it meets.
+class Reading {
+  public:
+    explicit Reading(std::string_view line)
+        : whole_(line), record_(line.substr(0, kColumns)), at_(kNumbersColumn - 1) {}
+
+    NumberList Read() {
+        while (element_ < kElements && Step()) {}
+        if (element_ >= kElements) LookBeyondLast();
+        LookForNothing();
+        return std::move(list_);
+    }
+
+  private:
+    // Takes the next item; false where the list ends.
+    bool Step() {
+        at_ = AfterBlanks(at_);
+        if (at_ >= record_.size()) return EndOfRecord();
+        if (record_[at_] == '/') return Slash();
+        if (record_[at_] == ',') {
+            ++at_;
+            ++element_;
+            return true;
+        }
+        const std::string_view word = WordAt(at_);
+        lastWord_ = at_;
+        const bool isCut = at_ + word.size() == kColumns && whole_.size() > kColumns &&
+                           kItemEnds.find(whole_[kColumns]) == std::string_view::npos;
+        if (!Item(word)) return Unusable(word);
+        if (isCut) CutNumber(word);
+        at_ = AfterBlanks(at_ + word.size());
+        if (at_ < record_.size() && record_[at_] == ',') ++at_;
+        return true;
+    }
+
+    // A value, n*value or n*. False where it is none of them.
+    bool Item(std::string_view word) {
+        const std::size_t star = word.find('*');
+        if (star == std::string_view::npos) {
+            if (RealLength(word, kCardExponents) != word.size()) return false;
+            Set(1, word);
+            return true;
+        }
+        const std::size_t count = RepeatCount(word.substr(0, star));
+        const std::string_view value = word.substr(star + 1);
+        if (count == 0 || RealLength(value, kCardExponents) != value.size()) return false;
+        overshoot_ = element_ + count > kElements ? element_ + count - kElements : 0;
+        if (value.empty())
+            element_ += count;
+        else
+            Set(count, value);
+        return true;
+    }
+
+    // 0 where `digits` are no repeat count; a huge one is cut.
+    static std::size_t RepeatCount(std::string_view digits) {
+        constexpr std::size_t most = 999'999'999;
+        std::size_t count = 0;
+        for (const char c : digits) {
+            if (c < '0' || c > '9') return 0;
+            count = std::min(count * 10 + static_cast<std::size_t>(c - '0'), most);
+        }
+        return count;
+    }
+
+    void Set(std::size_t count, std::string_view word) {
+        const double value = CardReal(word);
+        LookAtSize(word, value);
+        const std::size_t end = std::min(element_ + count, kElements);
+        for (; element_ < end; ++element_) {
+            list_.values[element_] = value;
+            list_.isSet.set(element_);
+        }
+    }
+
+    void Say(std::string code, std::size_t at, std::size_t length, std::string message,
+             std::string help = "") {
+        list_.findings.push_back({std::move(code), at + 1, std::max<std::size_t>(length, 1),
+                                  std::move(message), std::move(help)});
+    }
+
+    // `digits` are within `record_`.
+    void LookAtSize(std::string_view digits, double value) {
+        const auto at = static_cast<std::size_t>(digits.data() - record_.data());
+        const std::string name = ValueName(digits);
+        if (std::isinf(value))
+            Say("too-large", at, digits.size(),
+                name + ", is too large for a real and sets an infinity");
+        const std::string_view mantissa = digits.substr(0, digits.find_first_of("EeDdQq+-", 1));
+        if (value == 0.0 && mantissa.find_first_of("123456789") != std::string_view::npos)
+            Say("too-small", at, digits.size(), name + ", is too small for a real and sets 0");
+    }
+
+    [[nodiscard]] std::string ValueName(std::string_view word) const {
+        return Joined("QZ_MOIC value ", element_ + 1, ", ", Quoted(word));
+    }
+
+    bool Unusable(std::string_view word) {
+        const std::size_t more = WordsFrom(whole_, at_ + word.size()).count;
+        std::string message = ValueName(word) + ", is not a number";
+        if (const std::string why = WhyUnusable(word); !why.empty())
+            message += Joined(" (", why, ")");
+        message += Joined("; ", Elements(element_ + 1));
+        if (more > 0) message += Joined(", and ", MoreWords(more), " not read");
+        Say("not-a-number", at_, word.size(), message, AdviceBefore(at_));
+        return false;
+    }
+
+    // A word that begins with a letter is more likely a remark than a number.
+    [[nodiscard]] std::string AdviceBefore(std::size_t at) const {
+        const char lower = static_cast<char>(whole_[at] | 0x20);
+        const bool isRemark = lower >= 'a' && lower <= 'z';
+        return isRemark ? "to end the list before a remark, write a slash" : "";
+    }
+
+    static std::string WhyUnusable(std::string_view word) {
+        const std::size_t star = word.find('*');
+        if (star == std::string_view::npos) {
+            const std::string why = WhyNoReal(word, RealLength(word, kCardExponents));
+            return why.starts_with("it begins with '") ? "" : why;
+        }
+        if (RepeatCount(word.substr(0, star)) == 0)
+            return "a repeat count is a whole number above 0, without a sign";
+        if (word.find('*', star + 1) != std::string_view::npos) return "a second repeat count";
+        const std::string_view value = word.substr(star + 1);
+        return Joined("what is repeated: ", WhyNoReal(value, RealLength(value, kCardExponents)));
+    }
+
+    bool EndOfRecord() {
+        const Words lost = WordsFrom(whole_, std::min(kColumns, whole_.size()));
+        const bool goesOn = list_.findings.empty() || list_.findings.back().code != "cut-number";
+        if (lost.count > 0 && goesOn)
+            Say("cut", lost.first, 1,
+                Joined(Plural(lost.count, "word"),
+                       lost.count == 1 ? " stands beyond column 512 and is"
+                                       : " stand beyond column 512 and are",
+                       " not read"),
+                "a second card can set further elements: it begins with a repeat count, as in "
+                "QZ_MOIC 60* 1.5");
+        return false;
+    }
+
+    void CutNumber(std::string_view word) {
+        const std::size_t more = WordsFrom(whole_, whole_.find_first_of(kItemEnds, kColumns)).count;
+        Say("cut-number", at_, word.size(),
+            Joined("the line is cut at column 512, within a number: ", Quoted(word), " is read",
+                   more > 0 ? Joined(", and ", MoreWords(more), " not read") : ""));
+    }
+
+    // A slash between two digits is more likely a slip than the end of a list.
+    bool Slash() {
+        const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+        if (record_[at_ - 1] != ' ' && at_ + 1 < record_.size() && isDigit(record_[at_ - 1]) &&
+            isDigit(record_[at_ + 1]))
+            Say("slash", at_, 1,
+                Joined("the slash ends the list: it does not divide; ", Elements(element_ + 1)));
+        return false;
+    }
+
+    void LookBeyondLast() {
+        const Words extra = WordsFrom(whole_, at_);
+        const std::size_t count = overshoot_ + extra.count;
+        if (count > 0)
+            Say("beyond-last", extra.count > 0 ? extra.first : lastWord_, 1,
+                Joined(Plural(count, "value"), " after the 128th ", count == 1 ? "is" : "are",
+                       " not used"),
+                extra.count > 0 ? AdviceBefore(extra.first) : "");
+    }
+
+    void LookForNothing() {
+        if (list_.isSet.none() && list_.findings.empty())
+            Say("sets-nothing", 0, kNumbersColumn - 2, "the card sets no value");
+    }
+
+    [[nodiscard]] std::size_t AfterBlanks(std::size_t at) const {
+        return std::min(record_.find_first_not_of(kBlanks, at), record_.size());
+    }
+    [[nodiscard]] std::string_view WordAt(std::size_t at) const {
+        return record_.substr(at, record_.find_first_of(kItemEnds, at) - at);
+    }
+
+    std::string_view whole_, record_;
+    std::size_t at_;
+    std::size_t element_ = 0;    // counted from 0
+    std::size_t lastWord_ = 0;   // where the last item begins
+    std::size_t overshoot_ = 0;  // how many of its values are beyond the 128th
+    NumberList list_;
+};
+
+}  // namespace
+
+NumberList ReadNumbers(std::string_view line) {
+    return Reading(line).Read();
+}
+
+}  // namespace corvale::tool

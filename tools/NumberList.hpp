@@ -1,0 +1,38 @@
+// The numbers of a QZ_MOIC card, read a second time to explain them: what the library reads without
+// a word, told with columns and reasons. Tests compare the two on random cards.
+#pragma once
+
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvale::tool {
+
+inline constexpr std::size_t kElements = 128;
+inline constexpr std::size_t kColumns = 512;      ///< of a line; what follows is not looked at
+inline constexpr std::size_t kNumbersColumn = 9;  ///< the first one of the numbers of a card
+
+/// Something worth saying of a line, and where it stands.
+struct Finding {
+    std::string code;        ///< names the kind of finding, for programs
+    std::size_t column = 1;  ///< counted from 1
+    std::size_t length = 1;
+    std::string message;
+    std::string help = {};  ///< what to do about it; may be empty
+};
+
+/// What the numbers of one card set, and what of them was not used.
+struct NumberList {
+    std::array<double, kElements> values{};
+    std::bitset<kElements> isSet;
+    std::vector<Finding> findings;
+};
+
+/// Reads the numbers of the card `line`, of which the first 512 columns count. `line` may be longer.
+[[nodiscard]] NumberList ReadNumbers(std::string_view line);
+
+}  // namespace corvale::tool

@@ -1,0 +1,141 @@
+#include "Program.hpp"
+
+#include "Commands.hpp"
+#include "Pages.hpp"
+
+#include <corvale/Corvale.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace corvale::tool {
+
+namespace {
+
+constexpr const char* kAppFooter =
+    "Exit status:\n"
+    "  0  all is well\n"
+    "  1  check: there are findings; filters: a line could not be used\n"
+    "  2  a file or standard output failed, or the command line is wrong\n"
+    "\n"
+    "Examples:\n"
+    "  corvale load orbit.inp          what its cards set\n"
+    "  corvale check orbit.inp         each card explained, and what is wrong with it\n"
+    "  corvale COMMAND --help          all about a command";
+
+constexpr const char* kInfoFooter =
+    "Example:\n"
+    "  corvale info";
+
+constexpr const char* kLoadFooter =
+    "The library passes over bad cards without a word: `corvale check` tells of them.\n"
+    "\n"
+    "Several files are loaded one after the other, as a program would load them: modes are only\n"
+    "ever raised, and later values replace earlier ones. The first file that cannot be opened\n"
+    "ends the command. A file named - is standard input; ./- is a file of that name.\n"
+    "\n"
+    "Examples:\n"
+    "  corvale load orbit.inp\n"
+    "  corvale load common.inp night.inp --json\n"
+    "  generate-cards | corvale load -\n"
+    "  corvale load orbit.inp --log run.log";
+
+constexpr const char* kCheckFooter =
+    "What a line sets or why it sets nothing: keywords not in column 1, no blank in column 8,\n"
+    "misspelt keywords, words that are no numbers, values beyond the 128th or column 512, "
+    "carriage\n"
+    "returns, byte order marks and other characters where they matter. Cards and suspicious lines\n"
+    "are listed, then what loading the file sets in the end. Each file is checked by itself.\n"
+    "\n"
+    "Exit status:\n"
+    "  0  no findings\n"
+    "  1  findings\n"
+    "  2  a file cannot be read\n"
+    "\n"
+    "Examples:\n"
+    "  corvale check orbit.inp\n"
+    "  corvale check --quiet *.inp && run-all\n"
+    "  corvale check --json orbit.inp | jq '.files[].findings[].message'";
+
+constexpr const char* kSelfTestFooter =
+    "Example:\n"
+    "  corvale selftest";
+
+// `--log ""` is a blank name like any other, not the absence of one.
+std::string NotBlank(const std::string& name) {
+    return name.empty() ? "the name of the log file is blank" : "";
+}
+
+void AddInfo(CLI::App& app, int& status) {
+    CLI::App* info = app.add_subcommand("info", "Print the library's information line");
+    info->footer(kInfoFooter);
+    info->callback([&status] { status = Info(); });
+}
+
+void AddLoad(CLI::App& app, int& status) {
+    auto options = std::make_shared<LoadOptions>();
+    CLI::App* load = app.add_subcommand("load", "Load input files; print modes and values");
+    load->footer(kLoadFooter);
+    load->add_option("FILE", options->files, "Input files with QZ_ cards among their lines")
+        ->required()
+        ->option_text("...");
+    load->add_flag("--json", options->asJson, "Print one JSON object");
+    load->add_option("--log", options->log, "Write a log file, replacing it")
+        ->option_text("LOGFILE")
+        ->check(CLI::Validator(NotBlank, ""));
+    load->add_flag("-q,--quiet", options->isQuiet, "Print nothing but errors");
+    load->add_flag("--progress", options->showsProgress,
+                   "Show how far the reading is from the first moment on");
+    load->callback([options, &status] { status = Load(*options); });
+}
+
+void AddCheck(CLI::App& app, int& status) {
+    auto options = std::make_shared<CheckOptions>();
+    CLI::App* check = app.add_subcommand(
+        "check", "Explain the cards of input files, and what is wrong with them");
+    check->footer(kCheckFooter);
+    check->add_option("FILE", options->files, "Input files; - is standard input")
+        ->required()
+        ->option_text("...");
+    check->add_flag("--all", options->showsAll, "List every line, those without interest too");
+    check->add_flag("--json", options->asJson, "Print one JSON object");
+    check->add_flag("-q,--quiet", options->isQuiet,
+                    "Print nothing but errors: the exit status tells");
+    check->add_flag("--progress", options->showsProgress,
+                    "Show how far the reading is from the first moment on");
+    check->callback([options, &status] { status = Check(*options); });
+}
+
+void AddSelfTest(CLI::App& app, int& status) {
+    CLI::App* selfTest = app.add_subcommand("selftest", "Check how each kind of argument arrives");
+    selfTest->footer(kSelfTestFooter);
+    selfTest->callback([&status] { status = SelfTest(); });
+}
+
+// For the build: not shown by --help.
+void AddGenerate(CLI::App& app, int& status) {
+    auto page = std::make_shared<std::string>();
+    CLI::App* generate =
+        app.add_subcommand("generate", "Print the man page or a shell's completions")->group("");
+    generate->add_option("PAGE", *page, "What to print")
+        ->required()
+        ->check(CLI::IsMember({"man", "bash", "zsh", "fish"}));
+    generate->callback([page, &app, &status] { status = PrintPage(app, *page); });
+}
+
+}  // namespace
+
+void AddCommands(CLI::App& app, int& status) {
+    app.set_version_flag("--version", "corvale " CORVALE_VERSION, "Print the version and exit");
+    app.require_subcommand(1);
+    app.footer(kAppFooter);
+    AddInfo(app, status);
+    AddLoad(app, status);
+    AddCheck(app, status);
+    AddSelfTest(app, status);
+    AddFilters(app, status);
+    AddGenerate(app, status);
+}
+
+}  // namespace corvale::tool

@@ -1,0 +1,146 @@
+#include "RealWords.hpp"
+
+#include "Joined.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <system_error>
+
+namespace corvale::tool {
+
+namespace {
+
+constexpr std::string_view kDigits = "0123456789";
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool IsSign(char c) {
+    return c == '+' || c == '-';
+}
+
+std::size_t AfterDigits(std::string_view text, std::size_t at) {
+    return std::min(text.find_first_not_of(kDigits, at), text.size());
+}
+
+std::size_t AfterSign(std::string_view text, std::size_t at) {
+    return at < text.size() && IsSign(text[at]) ? at + 1 : at;
+}
+
+std::size_t AfterMantissa(std::string_view text, std::size_t at) {
+    at = AfterDigits(text, at);
+    return at < text.size() && text[at] == '.' ? AfterDigits(text, at + 1) : at;
+}
+
+bool BeginsWithWord(std::string_view text, std::string_view lowerWord) {
+    return text.size() >= lowerWord.size() &&
+           std::ranges::equal(text.substr(0, lowerWord.size()), lowerWord,
+                              [](char a, char b) { return (a | 0x20) == b; });
+}
+
+struct ByteWord {
+    char byte;
+    std::string_view name;
+};
+constexpr ByteWord kByteNames[] = {
+    {'\0', "a NUL"}, {'\t', "a tab"}, {'\r', "a carriage return"}, {'\x1a', "a control-Z"}};
+
+// The exponent of a real as written, 0 where it has no digits; beyond any double it is cut.
+std::int64_t ExponentOf(std::string_view exponent) {
+    const bool isNegative = exponent.find('-') != std::string_view::npos;
+    const std::size_t first = exponent.find_first_of(kDigits);
+    std::int64_t value = 0;
+    constexpr std::int64_t enough = 1'000'000;
+    for (std::size_t at = first; at < exponent.size(); ++at)
+        value = std::min(value * 10 + (exponent[at] - '0'), enough);
+    return isNegative ? -value : value;
+}
+
+double ToDouble(const std::string& digits, std::int64_t exponent) {
+    constexpr std::int64_t largest = 310;
+    constexpr std::int64_t smallest = -330;
+    const auto size = static_cast<std::int64_t>(digits.size());
+    const double beyond = size + exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+    if (size + exponent > largest || size + exponent < smallest) return beyond;
+    const std::string text = Joined(digits, "e", exponent);
+    double value = 0.0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    return read.ec == std::errc::result_out_of_range ? beyond : value;
+}
+
+}  // namespace
+
+std::size_t RealLength(std::string_view text, std::string_view exponentLetters) {
+    const std::size_t mantissa = AfterSign(text, 0);
+    const std::size_t end = AfterMantissa(text, mantissa);
+    if (text.substr(mantissa, end - mantissa).find_first_of(kDigits) == std::string_view::npos)
+        return 0;
+    if (end == text.size()) return end;
+    if (exponentLetters.find(text[end]) != std::string_view::npos)
+        return AfterDigits(text, AfterSign(text, end + 1));
+    return IsSign(text[end]) ? AfterDigits(text, end + 1) : end;
+}
+
+std::string WhyNoReal(std::string_view text, std::size_t length) {
+    const std::string_view unsignedText = text.substr(AfterSign(text, 0));
+    if (BeginsWithWord(unsignedText, "inf") || BeginsWithWord(unsignedText, "nan"))
+        return "words for infinity and not-a-number are not taken";
+    if (length == text.size()) return "it has no digit";
+    const char next = text[length];
+    const bool hasExponent = text.substr(0, length).find_first_of("EeDdQq+-", 1) < length;
+    if (next == '.') {
+        if (length == 0) return "it has no digit";
+        return hasExponent ? "a point in the exponent" : "a second point";
+    }
+    if (IsSign(next)) return length == 0 ? "it has no digit" : "a second sign";
+    if (next == ';') return "a semicolon does not separate values";
+    if (length > 0) return Joined("it is followed by ", ByteName(next));
+    return Joined("it begins with ", ByteName(next));
+}
+
+double CardReal(std::string_view real) {
+    const std::size_t first = AfterSign(real, 0);
+    const std::size_t end = AfterMantissa(real, first);
+    std::string digits;
+    std::int64_t exponent = ExponentOf(real.substr(end));
+    bool isFraction = false;
+    for (const char c : real.substr(first, end - first)) {
+        isFraction = isFraction || c == '.';
+        if (!IsDigit(c)) continue;
+        if (isFraction) --exponent;
+        if (c != '0' || !digits.empty()) digits += c;
+    }
+    const double magnitude = digits.empty() ? 0.0 : ToDouble(digits, exponent);
+    return real.front() == '-' ? -magnitude : magnitude;
+}
+
+std::string Shown(std::string_view text) {
+    constexpr std::size_t most = 40;
+    constexpr std::string_view hex = "0123456789ABCDEF";
+    std::string shown;
+    for (const char c : text.substr(0, most)) {
+        const auto code = static_cast<unsigned char>(c);
+        if (code >= ' ' && code <= '~')
+            shown += c;
+        else
+            shown.append("\\x").append(1, hex[code >> 4U]).append(1, hex[code & 15U]);
+    }
+    return text.size() > most ? shown + "..." : shown;
+}
+
+std::string Quoted(std::string_view text) {
+    return Joined("\"", Shown(text), "\"");
+}
+
+std::string ByteName(char c) {
+    for (const auto& [byte, name] : kByteNames)
+        if (c == byte) return std::string(name);
+    if (c >= ' ' && c <= '~') return Joined("'", std::string_view(&c, 1), "'");
+    return Joined("the byte 0x", Shown({&c, 1}).substr(2));
+}
+
+}  // namespace corvale::tool

@@ -1,0 +1,36 @@
+// Reals as the library writes their grammar, followed character by character so that the place and
+// the reason of a fault can be told. An optional sign, digits with at most one point, and an
+// optional exponent: a letter, an optional sign and digits; or a sign directly after the mantissa
+// and digits. An exponent without digits counts as 0.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvale::tool {
+
+inline constexpr std::string_view kFieldExponents = "EeDd";
+inline constexpr std::string_view kCardExponents = "EeDdQq";
+
+/// The number of characters of the real that begins `text`; 0 where none begins, a mantissa without
+/// a digit included.
+[[nodiscard]] std::size_t RealLength(std::string_view text, std::string_view exponentLetters);
+
+/// Why `text`, of which `length` characters are a real, is no real as a whole: "a second point".
+/// Not for a text that is one.
+[[nodiscard]] std::string WhyNoReal(std::string_view text, std::size_t length);
+
+/// The nearest double to a real of a card, all of whose digits count: the library's readers of
+/// fields look at 80 characters only. An infinity or a zero where it is too large or too small.
+[[nodiscard]] double CardReal(std::string_view real);
+
+/// Printable ASCII as it is, any other byte as \xNN, a long text cut: safe to print anywhere.
+[[nodiscard]] std::string Shown(std::string_view text);
+
+/// The same between quotation marks.
+[[nodiscard]] std::string Quoted(std::string_view text);
+
+/// "a tab", "a NUL", "the byte 0xA0", or the character between apostrophes.
+[[nodiscard]] std::string ByteName(char c);
+
+}  // namespace corvale::tool
