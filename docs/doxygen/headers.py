@@ -44,6 +44,8 @@ def blocks(lines):
     found, after_blank = [], True
     for line in lines:
         label = LABEL.fullmatch(line)
+        if label and label[1].count('"') % 2:  # two blanks inside quotes
+            label = None
         if not line.strip():
             after_blank = True
             continue
