@@ -199,15 +199,19 @@ int LowerCaseLines() {
     });
 }
 
-// The result is made as wide as it needs to be, so that nothing is cut.
+// The library's result is as wide as the text, which is therefore made wide enough first. It is
+// filled with NULs: no argument of a command line holds one, so that the pattern is not found there.
 int ReplaceInLines(const std::string& pattern, const std::string& replacement) {
     return RunFilter("replace", {}, [&](std::string_view line) -> Converted {
         std::size_t width = line.size();
         for (std::size_t at = line.find(pattern); at < line.size();
              at = line.find(pattern, at + pattern.size()))
             width = width + replacement.size() - pattern.size();
-        std::string result(width, ' ');
-        StrFunctions::ReplaceString(line, pattern, replacement, result);
+        std::string text(line);
+        text.resize(std::max(width, line.size()), '\0');
+        std::string result(text.size(), ' ');
+        StrFunctions::ReplaceString(text, pattern, replacement, result);
+        result.resize(width);
         return result;
     });
 }

@@ -33,21 +33,22 @@ std::string Escaped(std::string_view text) {
     return escaped.starts_with('.') ? Joined("\\&", escaped) : escaped;
 }
 
-// Paragraphs, lists and examples as they are in --help, line for line. A line that is not indented
-// and ends in a colon heads what follows it.
+// What stands below the options in --help. Indented lines stay as they are, all others are filled;
+// one that ends in a colon heads what follows it.
 void PrintFooter(const std::string& footer) {
-    if (footer.empty()) return;
-    std::cout << ".PP\n.nf\n";
+    std::cout << ".PP\n";
+    bool isFilled = true;
     std::istringstream lines(footer);
     for (std::string line; std::getline(lines, line);) {
+        const bool isIndented = line.starts_with(' ');
+        if (isIndented == isFilled) std::cout << (isIndented ? ".nf\n" : ".fi\n");
+        isFilled = !isIndented;
         if (line.empty())
             std::cout << ".PP\n";
-        else if (line.front() != ' ' && line.back() == ':')
-            std::cout << ".B " << Escaped(line) << '\n';
         else
-            std::cout << Escaped(line) << '\n';
+            std::cout << (line.ends_with(':') ? ".B " : "") << Escaped(line) << '\n';
     }
-    std::cout << ".fi\n";
+    if (!isFilled) std::cout << ".fi\n";
 }
 
 std::string ValueName(const CLI::Option& option) {

@@ -74,7 +74,9 @@ ProgressBar::ProgressBar(std::string title, std::uint64_t size, Show show)
     : title_(std::move(title)),
       size_(size),
       isWanted_(size > 0 && show != Show::Never && IsTerminal(STDERR_FILENO)),
-      next_(begun_ + (show == Show::AtOnce ? 0ms : kLong)) {}
+      next_(begun_ + (show == Show::AtOnce ? 0ms : kLong)) {
+    if (show == Show::AtOnce) Update(0);
+}
 
 void ProgressBar::Update(std::uint64_t done) {
     if (!isWanted_) return;

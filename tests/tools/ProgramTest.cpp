@@ -1,9 +1,7 @@
 #include <corvale/Corvale.h>
 
 #include "Bits.hpp"
-#include "TestFiles.hpp"
-
-#include <sys/wait.h>
+#include "tools/ProgramRuns.hpp"
 
 #include <gtest/gtest.h>
 #include <array>
@@ -13,37 +11,15 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace corvale {
 namespace {
 
+using test::Outcome;
+using test::ProgramRuns;
+using test::Quoted;
 using test::ReadFile;
 using test::WriteFile;
-
-struct Outcome {
-    int exitCode;
-    std::string out, err;
-};
-
-std::string Quoted(const std::string& argument) {
-    return "'" + argument + "'";
-}
-
-// Each test has an empty folder of its own, in which the programs run.
-class Program : public testing::Test {
-  protected:
-    static Outcome Run(const std::string& command) {
-        const int status = std::system((command + " >out 2>err").c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile("out"), ReadFile("err")};
-    }
-    static Outcome Corvale(const std::string& arguments) {
-        return Run(Quoted(CORVALE_PROGRAM) + " " + arguments);
-    }
-
-  private:
-    test::WorkingFolder folder_;
-};
 
 std::string InfoLine() {
     std::string line(CORVALE_MESSAGE_WIDTH, ' ');
@@ -63,7 +39,7 @@ void ExpectHardValue(double value, std::size_t i) {
     EXPECT_EQ(test::Bits(value), test::Bits(i < std::size(values) ? values[i] : 0.0)) << i + 1;
 }
 
-TEST_F(Program, SaysWhatItIs) {
+TEST_F(ProgramRuns, SaysWhatItIs) {
     EXPECT_EQ(Corvale("info").out, InfoLine() + "\n");
     EXPECT_EQ(Corvale("--version").out, "corvale " CORVALE_VERSION "\n");
     const Outcome help = Corvale("--help");
@@ -73,7 +49,7 @@ TEST_F(Program, SaysWhatItIs) {
     EXPECT_EQ(Corvale("load --help").exitCode, 0);
 }
 
-TEST_F(Program, ChecksEveryArgument) {
+TEST_F(ProgramRuns, ChecksEveryArgument) {
     const Outcome selfTest = Corvale("selftest");
     EXPECT_EQ(selfTest.exitCode, 0) << selfTest.out;
     EXPECT_EQ(selfTest.out.find("WRONG"), std::string::npos) << selfTest.out;
@@ -81,7 +57,7 @@ TEST_F(Program, ChecksEveryArgument) {
         EXPECT_NE(selfTest.out.find(argument), std::string::npos) << argument;
 }
 
-TEST_F(Program, PrintsRowsThatReadBack) {
+TEST_F(ProgramRuns, PrintsRowsThatReadBack) {
     WriteFile("hard.inp", kHardValues);
     const Outcome load = Corvale("load hard.inp");
     EXPECT_EQ(load.exitCode, 0) << load.err;
@@ -102,7 +78,7 @@ TEST_F(Program, PrintsRowsThatReadBack) {
     }
 }
 
-TEST_F(Program, PrintsOneJsonObjectThatReadsBack) {
+TEST_F(ProgramRuns, PrintsOneJsonObjectThatReadsBack) {
     WriteFile("hard.inp", kHardValues);
     const Outcome load = Corvale("load hard.inp --json");
     EXPECT_EQ(load.exitCode, 0) << load.err;
@@ -121,7 +97,7 @@ TEST_F(Program, PrintsOneJsonObjectThatReadsBack) {
     }
 }
 
-TEST_F(Program, PrintsTheStoredMessageOfAFailure) {
+TEST_F(ProgramRuns, PrintsTheStoredMessageOfAFailure) {
     const std::string message = "FileOpen: Unable to open file \"missing.inp\" for reading.";
     const Outcome rows = Corvale("load missing.inp");
     EXPECT_EQ(rows.exitCode, 2);
@@ -140,7 +116,7 @@ TEST_F(Program, PrintsTheStoredMessageOfAFailure) {
     EXPECT_EQ(log.err, "OpenLogFile: log file failed to open.\n");
 }
 
-TEST_F(Program, RefusesWhatItCouldNotDoWhole) {
+TEST_F(ProgramRuns, RefusesWhatItCouldNotDoWhole) {
     WriteFile("good.inp", "QZ_DMA_ON\n");
     WriteFile("precious.log", "kept");
     const struct {
@@ -174,7 +150,7 @@ TEST_F(Program, RefusesWhatItCouldNotDoWhole) {
     EXPECT_EQ(ReadFile("good.inp"), "QZ_DMA_ON\n");
 }
 
-TEST_F(Program, ExamplesPrintWhatTheCardsSet) {
+TEST_F(ProgramRuns, ExamplesPrintWhatTheCardsSet) {
     std::string wanted = "element-set key mode 1, all-key mode 1\n";
     constexpr std::pair<int, double> set[] = {
         {1, 6378.135},    {2, 398600.8},     {3, 1.0826158e-3}, {4, -.00253881e-3},

@@ -1,0 +1,136 @@
+#include "tools/ProgramRuns.hpp"
+
+#include <algorithm>
+#include <string>
+
+namespace corvale {
+namespace {
+
+using test::Outcome;
+using test::ProgramRuns;
+using test::ReadFile;
+using test::WriteFile;
+
+class Filters : public ProgramRuns {};
+
+struct LineCase {
+    const char *arguments, *in, *out, *why;
+};
+const LineCase kLines[] = {
+    {"alpha5", "0\n99999\n100000\n +339999 \n", "00000\n99999\nA0000\nZ9999\n", "all forms"},
+    {"alpha5 --decode", "J1234\n 00000\n007\nA 1 2\n", "181234\n0\n7\n100012\n", "and back"},
+    {"angle", "10.5\n-0.5\n1.05D1\r\n", "0103000.000\n-003000.000\n0103000.000\r\n", "CR stays"},
+    {"angle --hours", "180\n-15\n1e22\n", "1200000\n2300000\n1840000\n", "any angle has hours"},
+    {"angle --decode", "0103000.000\n-003000.001\n", "10.5\n-0.5000002777777778\n", "one rounding"},
+    {"angle --hours --decode", "1200000\n0000001\n", "180\n0.0004166666666666667\n", "tenths"},
+    {"compress", " 1.500000000000000E+003, 0.000000000000000E+000 , 12.50\n\n", "1.5E+3,,12.5\n\n",
+     "a row"},
+    {"number", "1.5-3\n 1D3 \n-0\n0.1", "0.0015\n1000\n-0\n0.1\n", "a last line without its end"},
+    {"number --integer", "-2147483648\n007\n0\n", "-2147483648\n7\n0\n", "32 bits"},
+    {"number --value", "A = 1.5 \n=2\n", "1.5\n2\n", "behind the ="},
+    {"number --value --integer", "A = 15\n", "15\n", "both"},
+    {"upper", "a\xc3\xa9z{ i\xc4\xb1\n", "A\xc3\xa9Z{ I\xc4\xb1\n", "ASCII only"},
+    {"lower", "AZ[ I\xc4\xb0\n", "az[ i\xc4\xb0\n", "ASCII only"},
+    {"replace a bcd", "aaa x\n\n", "bcdbcdbcd x\n\n", "a result of any width"},
+    {"replace aa ''", "aaab  \n", "ab  \n", "trailing blanks stay"},
+};
+
+TEST_F(Filters, TakeALineAtATime) {
+    for (const auto& [arguments, in, out, why] : kLines) {
+        WriteFile("in", in);
+        const Outcome outcome = Corvale(std::string(arguments) + " <in");
+        EXPECT_EQ(outcome.exitCode, 0) << arguments << ": " << outcome.err;
+        EXPECT_EQ(outcome.out, out) << arguments << ": " << why;
+    }
+}
+
+struct UnusableCase {
+    const char *arguments, *in, *place;
+};
+const UnusableCase kUnusable[] = {
+    {"alpha5", "1\n340000\n2\n", "line 2, column 1: "},
+    {"alpha5", "1\n -1\n2\n", "line 2, column 2: "},
+    {"alpha5", "1\n12x4\n2\n", "line 2, column 3: "},
+    {"alpha5", "1\n\n2\n", "line 2, column 1: "},
+    {"alpha5 --decode", "1\nI0000\n2\n", "line 2, column 1: "},
+    {"alpha5 --decode", "1\n  A00000\n2\n", "line 2, column 8: "},
+    {"alpha5 --decode", "1\n+\n2\n", "line 2, column 1: "},
+    {"angle", "0\n100\n0\n", "line 2, column 1: "},
+    {"angle", "0\n1e999\n0\n", "line 2, column 1: "},
+    {"angle", "0\n 1.2.3\n0\n", "line 2, column 5: "},
+    {"angle --decode", "0000000.000\n0006000.000\n0000000.000\n", "line 2, column 1: "},
+    {"angle --decode", "0000000.000\n00000000000\n0000000.000\n", "line 2, column 8: "},
+    {"angle --hours --decode", "0000000\n2400000\n0000000\n", "line 2, column 1: "},
+    {"angle --hours --decode", "0000000\n00000000\n0000000\n", "line 2, column 8: "},
+    {"compress", "1\n1.5E+00,2\n2\n", "line 2, column 4: "},
+    {"number", "1\n1,5\n2\n", "line 2, column 2: "},
+    {"number", "1\ninf\n2\n", "line 2, column 1: "},
+    {"number --value", "a=1\nb 1\na=2\n", "line 2, column 1: "},
+    {"number --value", "a=1\nb=2=3\na=2\n", "line 2, column 4: "},
+    {"number --value", "a=1\nb =\na=2\n", "line 2, column 4: "},
+    {"number --integer", "1\n2147483648\n2\n", "line 2, column 1: "},
+    {"number --integer", "1\n12-3\n2\n", "line 2, column 3: "},
+};
+
+TEST_F(Filters, NameWhatTheyCannotUseAndStopOrGoOn) {
+    for (const auto& [arguments, in, place] : kUnusable) {
+        WriteFile("in", in);
+        const Outcome strict = Corvale(std::string(arguments) + " <in");
+        const Outcome goesOn = Corvale(std::string(arguments) + " --keep-going <in");
+        EXPECT_EQ(strict.exitCode, 1) << arguments << " <<< " << in;
+        EXPECT_EQ(goesOn.exitCode, 1) << arguments << " <<< " << in;
+        EXPECT_NE(strict.err.find(place), std::string::npos) << strict.err << place;
+        EXPECT_EQ(strict.err, goesOn.err);
+        EXPECT_EQ(std::ranges::count(strict.out, '\n'), 1) << strict.out;
+        EXPECT_EQ(std::ranges::count(goesOn.out, '\n'), 3) << goesOn.out;
+        EXPECT_NE(goesOn.out.find("\n\n"), std::string::npos) << "an empty line in its place";
+    }
+}
+
+// A key of 32 characters and the integer behind it.
+std::string KeyLine(const std::string& key, const std::string& number) {
+    return test::Padded(key, 32) + std::string(21 - number.size(), ' ') + number + "\n";
+}
+
+TEST_F(Filters, SortKeysWithTheirIntegers) {
+    WriteFile("in", KeyLine("b", "-5") + test::Padded("a", 32) + " 9223372036854775807\n" +
+                        KeyLine("\xc3", "2") + KeyLine("", "+3") + KeyLine("B", "4"));
+    const std::string sorted = KeyLine("", "3") + KeyLine("B", "4") +
+                               KeyLine("a", "9223372036854775807") + KeyLine("b", "-5") +
+                               KeyLine("\xc3", "2");
+    EXPECT_EQ(Corvale("sort <in").out, sorted);
+    EXPECT_EQ(Corvale("sort </dev/null").out, "");
+
+    WriteFile("in", "b\na\n");
+    EXPECT_EQ(Corvale("sort --number <in").out, KeyLine("a", "2") + KeyLine("b", "1"));
+    WriteFile("in", KeyLine("b", "1") + "a\n" + KeyLine("a", "x") + KeyLine("a", "2"));
+    const Outcome strict = Corvale("sort <in");
+    EXPECT_EQ(strict.exitCode, 1);
+    EXPECT_EQ(strict.out, "") << "nothing is sorted";
+    const Outcome goesOn = Corvale("sort --keep-going <in");
+    EXPECT_EQ(goesOn.exitCode, 1);
+    EXPECT_EQ(goesOn.out, KeyLine("a", "2") + KeyLine("b", "1"));
+    EXPECT_NE(goesOn.err.find("line 3, column 53: "), std::string::npos) << goesOn.err;
+}
+
+TEST_F(Filters, TakeEverySatelliteNumberThereAndBack) {
+    EXPECT_EQ(
+        Run(std::string("seq 0 339999 >numbers.txt; ") + CORVALE_PROGRAM +
+            " alpha5 <numbers.txt | " + CORVALE_PROGRAM + " alpha5 --decode | cmp - numbers.txt")
+            .exitCode,
+        0);
+}
+
+TEST_F(Filters, RefuseWrongArguments) {
+    WriteFile("in", "a\n");
+    for (const char* arguments : {"replace '' x", "replace a", "alpha5 --strict --keep-going",
+                                  "angle --degrees --hours", "upper in"}) {
+        const Outcome outcome = Corvale(std::string(arguments) + " <in");
+        EXPECT_EQ(outcome.exitCode, 2) << arguments;
+        EXPECT_NE(outcome.err, "") << arguments;
+        EXPECT_EQ(outcome.out, "") << arguments;
+    }
+}
+
+}  // namespace
+}  // namespace corvale
