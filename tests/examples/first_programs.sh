@@ -12,10 +12,10 @@ export PYTHONDONTWRITEBYTECODE=1
 source "$checkout/examples/first_install.sh" >"$scratch/install.log" 2>&1 ||
     { cat "$scratch/install.log" >&2; exit 1; }
 export checkout prefix
-for name in first_c first_cpp first_cmake first_python first_fortran filters; do
+for name in first_own first_c first_cpp first_cmake first_python first_fortran filters; do
     folder=$scratch/$name
     mkdir "$folder"
-    cp -r "$checkout"/examples/{load_file.c,load_file.cpp,orbit.inp,own_program} \
+    cp -r "$checkout"/examples/{own.c,own.cpp,load_file.c,load_file.cpp,orbit.inp,own_program} \
         "$checkout"/bindings/{python/examples/load_file.py,fortran/examples/load_file.f90} "$folder"
     cp "$checkout/examples/load_file.c" "$folder/own_program"
     (cd "$folder" && bash -euo pipefail "$checkout/examples/$name.sh") >"$folder/printed" || status=1
