@@ -28,5 +28,5 @@ version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' CMakeLists.txt)
     python3 -B tests/house/check_house.py --headers . | sed 's|^|INPUT += corvale/|'
 } | doxygen - >build/doxygen.log 2>&1 || { cat build/doxygen.log >&2; exit 1; }
 if [ -s build/doxygen.log ]; then cat build/doxygen.log >&2; exit 1; fi
-python3 -B docs/doxygen/mend_tree.py build/site
+python3 -B docs/doxygen/mend_site.py build/site
 python3 -B docs/doxygen/check_links.py build/site
