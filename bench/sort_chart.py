@@ -17,6 +17,7 @@ LOW, HIGH = 0.5, 200.0  # nanoseconds a key
 COLOURS = ["#d9480f", "#2b8a3e", "#1c7ed6", "#ae3ec9", "#e8590c", "#0ca678",
            "#4263eb", "#c2255c", "#868e96", "#f08c00", "#1098ad", "#7048e8"]
 STYLE = """
+  :root { color-scheme: light dark; }
   text { font: 12px sans-serif; fill: #333; }
   .title { font-size: 14px; font-weight: bold; }
   .grid { stroke: #888; stroke-opacity: 0.3; }

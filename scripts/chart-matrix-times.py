@@ -72,7 +72,7 @@ def chart(times):
     yield (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" '
            'font-family="sans-serif" font-size="12" role="img">')
     yield "<title>CPU time of the matrix procedures against the order, beside their peers</title>"
-    yield ("<style>text{fill:#222}.grid{stroke:#8884;fill:none}"
+    yield ("<style>:root{color-scheme:light dark}text{fill:#222}.grid{stroke:#8884;fill:none}"
            "@media (prefers-color-scheme:dark){text{fill:#ddd}}</style>")
     for index, (topic, title) in enumerate(TITLES.items()):
         left, top = MARGIN + index * (WIDTH + MARGIN + GAP), 40

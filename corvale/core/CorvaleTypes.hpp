@@ -13,7 +13,7 @@
 
 namespace corvale::CorvaleTypes {
 
-inline constexpr std::int32_t StatusOk = 0;
+inline constexpr std::int32_t StatusOk = 0;      ///< done
 inline constexpr std::int32_t StatusFailed = 2;  ///< the reason is in the last-error store
 
 inline constexpr std::int32_t NameWidth = 512;     ///< file names and general text
@@ -31,7 +31,7 @@ extern CORVALE_API std::atomic<std::int32_t> gUseAllKeyMode;
 /// A DMA element set: six 8-byte words whose meaning belongs to the libraries that use them. A new
 /// one is all zeros; copying copies all 48 bytes. This library makes, reads and keeps none.
 struct EltDma {
-    std::array<std::int64_t, 6> words{};
+    std::array<std::int64_t, 6> words{};  ///< in the order in which they lie in memory
 };
 static_assert(sizeof(EltDma) == 48);
 

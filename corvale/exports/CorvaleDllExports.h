@@ -26,16 +26,16 @@
 
 #include <stdint.h>
 
-#define CORVALE_VERSION_MAJOR 9
-#define CORVALE_VERSION_MINOR 4
-#define CORVALE_VERSION_PATCH 0
-#define CORVALE_VERSION "9.4.0"
+#define CORVALE_VERSION_MAJOR 9 /* rises when a caller has to be compiled anew */
+#define CORVALE_VERSION_MINOR 4 /* rises with what is new */
+#define CORVALE_VERSION_PATCH 0 /* rises with what is mended */
+#define CORVALE_VERSION "9.4.0" /* the three as a text */
 
-#define CORVALE_OK 0
-#define CORVALE_FAILED 2
-#define CORVALE_NAME_WIDTH 512
-#define CORVALE_MESSAGE_WIDTH 128
-#define CORVALE_MOIC_COUNT 128
+#define CORVALE_OK 0              /* done */
+#define CORVALE_FAILED 2          /* not done: the reason is in GetLastErrMsg */
+#define CORVALE_NAME_WIDTH 512    /* characters of a file name or general text */
+#define CORVALE_MESSAGE_WIDTH 128 /* characters of a message and of the information line */
+#define CORVALE_MOIC_COUNT 128    /* reals that QZ_MOIC cards fill */
 
 #ifdef __cplusplus
 extern "C" {

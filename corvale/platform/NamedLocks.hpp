@@ -12,7 +12,9 @@
 
 namespace corvale::NamedLocks {
 
+/// Held while an error message is stored and its log line written.
 inline constexpr std::string_view ErrorMessageLock = "cs_logerrormessage";
+/// Held while an informational message is stored and its log line written.
 inline constexpr std::string_view InfoMessageLock = "cs_loginfomessage";
 
 /// The lock of that name, compared byte for byte: the same object for every caller in the process,

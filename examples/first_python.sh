@@ -1,0 +1,4 @@
+# [build]
+export PYTHONPATH=$checkout/bindings/python
+python3 load_file.py orbit.inp
+# [build]
