@@ -57,5 +57,6 @@ def check_readme(text):
 for page in sorted((SOURCE / "docs/guide").glob("*.md")):
     check_page(page)
 check_readme((SOURCE / "README.md").read_text())
-print("\n".join(faults))
+if faults:
+    print("\n".join(faults))
 sys.exit(1 if faults else 0)

@@ -26,5 +26,6 @@ if is_written:
     expected.write_text(run.stdout)
 difference = list(difflib.unified_diff(expected.read_text().splitlines(), run.stdout.splitlines(),
                                        str(expected), "what it prints", lineterm=""))
-print("\n".join(difference))
+if difference:
+    print("\n".join(difference))
 sys.exit(1 if difference else 0)
