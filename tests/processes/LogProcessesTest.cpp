@@ -115,9 +115,10 @@ TEST_F(Processes, KilledAtAnyInstantTheyHaveLostNoLine) {
         EXPECT_TRUE(next[0].Text().starts_with(rest) || next[1].Text().starts_with(rest)) << rest;
         unfinished += rest.empty() ? 0 : 1;
     }
+    if (HasFailure()) return;
     std::printf("%d kills: %d lines had returned, none lost or torn; %d unfinished at the end\n",
                 times, lines, unfinished);
-    munmap(&returned, sizeof(Returned));
+    std::fflush(stdout);
 }
 
 // What a child does while threads of its parent log: none of this may hang or fail.
@@ -170,7 +171,9 @@ TEST_F(Processes, ChildrenWorkWhateverThreadsDidAtTheFork) {
     const std::string content = test::ReadFile(folder / "log");
     EXPECT_EQ(CountLines(content, rest), counts);
     EXPECT_EQ(rest, "");
+    if (HasFailure()) return;
     std::printf("%d children of a process whose threads log: all worked\n", children);
+    std::fflush(stdout);
 }
 
 // ---- room
