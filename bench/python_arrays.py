@@ -80,7 +80,7 @@ def compiled(folder: str) -> ctypes.CDLL:
     return ctypes.CDLL(path)
 
 
-def loop_of(topic: Topic, loops: ctypes.CDLL, out: tuple[Any, ...]) -> Callable[[], None]:
+def loop_of(topic: Topic, loops: ctypes.CDLL, out: tuple[Any, ...]) -> Callable[[], Any]:
     """A call of the C++ loop that writes `out`."""
     arrays = [array for array in (*topic.given, *out) if isinstance(array, np.ndarray)]
     function, count = getattr(loops, topic.name), ctypes.c_int64(len(arrays[0]))

@@ -209,14 +209,13 @@ class Process(unittest.TestCase):
         numbers = np.random.default_rng(3).permutation(2000000).astype(np.int32)
         for work in (lambda: corvale.mtx_inv(matrices), lambda: corvale.quick_sort(keys),
                      lambda: corvale.isort(numbers)):
-            done = threading.Event()
-            worker = threading.Thread(target=lambda: (work(), done.set()))
+            worker = threading.Thread(target=work)
             interval = sys.getswitchinterval()
             sys.setswitchinterval(10.0)  # this thread runs only if the other lets it
             try:
                 worker.start()
                 turns = 0
-                while not done.is_set():
+                while worker.is_alive():
                     time.sleep(0.0005)
                     turns += 1
             finally:

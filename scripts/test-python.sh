@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# test-python.sh: installs the Python package into a fresh virtual environment, without a package
+# index, and runs its tests, the type checker and the Dask example on two processes.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+echo "test-python.sh: installs the package corvale and tests it"
+need "${build_packages[@]}" python3-dev python3-venv pybind11-dev python3-numpy mypy python3-distributed
+venv=$top/build/python-venv
+python=$venv/bin/python
+log=$top/build/python.log
+mkdir -p "$top/build"
+
+# quiet COMMAND...: prints what the command said only if it fails.
+quiet() { "$@" >"$log" 2>&1 || { cat "$log"; return 1; }; }
+
+echo "== pip install ."
+quiet /usr/bin/python3 -m venv --clear --system-site-packages "$venv"
+export PIP_NO_INDEX=1 PIP_DISABLE_PIP_VERSION_CHECK=1 CXXFLAGS=-Werror
+quiet "$python" -m pip install "$top"
+
+# Not in the folder of the sources, where the package would be found without its compiled part.
+cd "$top/build"
+echo "== tests"
+"$python" -W error::ResourceWarning -m unittest discover -s "$top/bindings/python/tests" -t "$top/bindings/python/tests" \
+    -p 'test_[av]*.py'
+CORVALE_INTERFACE=$top/bindings/interface.txt CORVALE_INPUT=$top/examples/orbit.inp \
+    "$python" "$top/bindings/python/tests/test_capi.py"
+
+echo "== types"
+types=("$python" -m mypy --strict --cache-dir "$top/build/mypy")
+"${types[@]}" -p corvale
+"${types[@]}" --allow-untyped-calls "$top"/bindings/python/{tests,arrays}/*.py "$top/bindings/python/build_backend.py" \
+    "$top/bench/python_arrays.py" "$top/examples/dask_catalogue.py"
+"$python" -m mypy.stubtest corvale._arrays
+
+echo "== Dask"
+logs=$(mktemp -d)
+"$python" "$top/examples/dask_catalogue.py" --files 6 --records 4000 --logs "$logs"
+[ "$(cat "$logs"/*.log | grep -c '^loaded')" -eq 12 ] || { echo "a log lacks lines"; exit 1; }
+rm -r "$logs"
+echo "== all passed"
