@@ -1,4 +1,5 @@
 # [build]
-export PYTHONPATH=$checkout/bindings/python
+mkdir corvale
+cp $checkout/bindings/python/corvale/capi.py corvale
 python3 load_file.py orbit.inp
 # [build]

@@ -21,6 +21,8 @@
 // Bad input  every mode is stored as it is; for the rest see below
 // Threads    modes are read and written whole from any thread; everything that touches MoicArr or
 //            loads a file is for its callers to serialise, in the whole process
+// Exactness  the numbers of cards are correctly rounded to nearest, ties to even, in every locale
+//            and whatever the thread's rounding mode
 #pragma once
 
 #include <corvale/base/Export.h>

@@ -16,6 +16,8 @@
  *          GetInitDllNames and the TestInterface functions: any number of threads at once. Opening
  *          and closing the log, setting modes, loading a file and GetMOICData are for the callers
  *          to serialise. None may be called from a signal handler.
+ * Exactness  the numbers of cards are correctly rounded to nearest, ties to even, in every locale
+ *          and whatever the thread's rounding mode; all other results are the same bits everywhere
  *
  * C99 and C++.
  */

@@ -22,13 +22,13 @@ def link(name, own=""):
 
 
 def prose(words, own=""):
-    """Plain words as Markdown: code stays code, names of the library become links."""
-    pieces = re.split(r"(`[^`]*`)", words)
+    """Plain words as Markdown: code stays code, names of the library become links; quotes stay as they are."""
+    pieces = re.split(r"""(`[^`]*`|"[^"]*")""", words)
     for i, piece in enumerate(pieces):
-        if i % 2:
+        if piece.startswith("`"):
             name = piece.strip("`")
             pieces[i] = link(name, own) if name in headers.declared() and name != own else piece
-        else:
+        elif not piece.startswith('"'):
             piece = re.sub(r"[\\<>*%#@~]", r"\\\g<0>", piece)
             pieces[i] = re.sub(CAMEL, lambda name: link(name[0], own), piece)
     return "".join(pieces)

@@ -5,7 +5,7 @@
 
 A page of docs/guide holds no code of its own: it shows files of the examples folders, or pieces of them
 between two lines with [NAME], by Doxygen's \\include and \\snippet. Each of those files is built, run or
-compared by a test. The C and C++ code of README.md stands in an example too.
+compared by a test. The C and C++ code and the first result in README.md do so too.
 """
 import pathlib
 import re
@@ -46,11 +46,11 @@ def check_page(page):
 
 
 def check_readme(text):
-    """Its C and C++ lines, apart from blanks, in the order of an example."""
-    examples = [re.sub(r"\s+", "", file.read_text()) for file in FOLDERS[0].glob("*.c*")]
+    """Its C and C++ lines and its first result, but for blanks and an ending "...", stand in an example."""
+    examples = [re.sub(r"\s+", "", file.read_text()) for file in FOLDERS[0].glob("*.[co]*")]
     for block in re.findall(r"(?:^(?: {4}.*)?\n)+", text, re.M):
-        code = re.sub(r"\s+", "", block)
-        if re.search(r"^ +(#include|.*;$)", block, re.M) and not any(code in file for file in examples):
+        code = re.sub(r"\s+", "", block).removesuffix("...")
+        if re.search(r"^ +(#include|MOIC$|.*;$)", block, re.M) and not any(code in file for file in examples):
             faults.append(f"README.md: no example holds:\n{block.rstrip()}")
 
 

@@ -1,0 +1,1 @@
+corvale load orbit.inp | tail -n +3 | head -n 7
