@@ -1,12 +1,18 @@
 #!/usr/bin/env bash
 # test.sh [PRESET...]: builds and tests everything: GCC, Clang, the baseline code paths, the
-# sanitizers, the format and clang-tidy. With presets named, only those are built and tested.
+# sanitizers, the format and clang-tidy, then other builds and machines, what is exported and
+# installed, the program, the documents and the bindings. With presets named, only those are built
+# and tested. The longest runs have scripts of their own: soak.sh, faults.sh --long, fuzz.sh,
+# build-deb.sh and check-deb.sh.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 echo "test.sh: builds Corvale with every preset and runs its tests"
 need "${build_packages[@]}" libgtest-dev clang clang-format clang-tidy libclang-rt-dev python3 \
     pkg-config locales
+
+# What goes beyond the tests of one build, each a script that can be run alone.
+checks=(check-builds check-abi check-reproducible check-program docs test-bindings test-python)
 
 # sources FOLDER...: the C and C++ files of those folders.
 sources() {
@@ -15,7 +21,8 @@ sources() {
 
 check_format() {
     echo "== format"
-    (cd "$top" && sources corvale tools examples tests bench | xargs clang-format --dry-run -Werror)
+    (cd "$top" && sources corvale tools examples tests bench fuzz bindings |
+        xargs clang-format --dry-run -Werror)
 }
 
 check_tidy() {
@@ -44,4 +51,8 @@ fi
 check_format
 for preset in release clang baseline asan tsan; do test_preset "$preset"; done
 check_tidy
-echo "== all passed"
+for check in "${checks[@]}"; do
+    echo "== $check"
+    "$top/scripts/$check.sh"
+done
+echo "== all passed in $((SECONDS / 60)) minutes"
