@@ -138,8 +138,7 @@ void Operand::RequireInner(const std::string& name) const {
 
 void Operand::Detach() {
     Operand copy(kind_);
-    copy.TakeBuffer(Numpy().attr("array")(owner_, py::arg("order") = "C"),
-                    kRead, "");
+    copy.TakeBuffer(Numpy().attr("array")(owner_, py::arg("order") = "C"), kRead, "");
     *this = std::move(copy);
 }
 
@@ -180,8 +179,7 @@ Operand Operand::NewOutput(Kind kind, const std::vector<Count>& outer, const For
         if (IsText(kind)) operand.owner_ = NewBytes(form.width);
         return operand;
     }
-    operand.TakeBuffer(NewArray(shape, kind, form.width),
-                       kWrite, "");
+    operand.TakeBuffer(NewArray(shape, kind, form.width), kWrite, "");
     return operand;
 }
 
