@@ -86,7 +86,7 @@ void AddCompress(CLI::App& app, int& status) {
             "after a fraction is not written as E, a sign and three digits.\n"
             "\n"
             "Example:\n"
-            "  echo ' 1.500000000000000E+003, 100, 12.50' | corvale compress    1.5E+3,100,12.5");
+            "  echo '1.500000000000000E+003, 12.50' | corvale compress    1.5E+3,12.5");
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] { status = CompressRows(*options); });
 }

@@ -21,7 +21,7 @@ constexpr const char* kAppFooter =
     "\n"
     "Examples:\n"
     "  corvale load orbit.inp          what its cards set\n"
-    "  corvale check orbit.inp         each card explained, and what is wrong with it\n"
+    "  corvale check orbit.inp         what each card does, or why not\n"
     "  corvale COMMAND --help          all about a command";
 
 constexpr const char* kInfoFooter =
