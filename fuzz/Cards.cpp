@@ -1,6 +1,8 @@
-// Whole input files, through either face, against the simplest reader: modes, array and status.
+// Whole input files, through either face and as the program explains them, against the simplest
+// reader: modes, array and status.
 #include "Targets.hpp"
 
+#include "../tools/CardLines.hpp"
 #include "literal/LiteralCards.hpp"
 
 #include <corvale/Corvale.h>
@@ -18,18 +20,52 @@ namespace cards {
 using namespace CorvaleCardReading;
 using namespace std::literals;
 
-constexpr std::string_view kPieces[] = {"QZ_MOIC ",  "\nQZ_MOIC ",  "\r\nqz_moic ",
-                                        "QZ_MOIC",   "\nQZ_DMA_ON", "\nqz_dma_all_on",
-                                        "QZ_DMA_ON", "\n",          "\r\n",
-                                        "\n* ",      "\n ",         " ",
-                                        ",",         " , ",         "/",
-                                        "\t",        "1",           "-2.5",
-                                        ".5E+3",     "7d-2",        "1.5+2",
-                                        "1Q3",       "128*0",       "126*",
-                                        "9*",        "3*4 ",        "0*1",
-                                        "X",         "1e400",       "Inf",
-                                        "123456789", "2 3 4 5 ",    "1,,3,",
-                                        "99999999*", "\0"sv,        "1;2"};
+constexpr std::string_view kBlanks =
+    "                                                                                          ";
+constexpr std::string_view kPieces[] = {"QZ_MOIC ",
+                                        "\nQZ_MOIC ",
+                                        "\r\nqz_moic ",
+                                        "QZ_MOIC",
+                                        "\nQZ_DMA_ON",
+                                        "\nqz_dma_all_on",
+                                        "QZ_DMA_ON",
+                                        "\n",
+                                        "\r\n",
+                                        "\n* ",
+                                        "\n ",
+                                        " ",
+                                        ",",
+                                        " , ",
+                                        "/",
+                                        "\t",
+                                        "1",
+                                        "-2.5",
+                                        ".5E+3",
+                                        "7d-2",
+                                        "1.5+2",
+                                        "1Q3",
+                                        "128*0",
+                                        "126*",
+                                        "9*",
+                                        "3*4 ",
+                                        "0*1",
+                                        "X",
+                                        "1e400",
+                                        "Inf",
+                                        "123456789",
+                                        "2 3 4 5 ",
+                                        "1,,3,",
+                                        "99999999*",
+                                        "\0"sv,
+                                        "1;2",
+                                        "1.5e",
+                                        "-0 ",
+                                        "NaN ",
+                                        "9007199254740993",
+                                        "2.4703282292062327208e-324",
+                                        kBlanks,
+                                        kBlanks,
+                                        "\nQZ_MOIC 100* "};
 constexpr double kOld = -77.5;  // what an element holds that no card has given a value
 
 void ResetState() {
@@ -66,8 +102,21 @@ void Load(const char* path, std::size_t face) {
     TextUnits::Close(17);
 }
 
+// What the program says that loading the file sets.
+void CompareExplained(const char* path, const test::CardOutcome& wanted) {
+    tool::FileContent said;
+    tool::InputFile input(path);
+    for (tool::Line line; input.ReadLine(line, tool::kLineKept);)
+        static_cast<void>(tool::ExplainLine(line, said));
+    Expect(!input.Failure(), "the file is explained");
+    ExpectSame(said.setsElsetKeyMode, wanted.modes.elset != 0, "explained element-set key mode");
+    ExpectSame(said.setsAllKeyMode, wanted.modes.all != 0, "explained all-key mode");
+    for (std::size_t i = 0; i < wanted.moic.size(); ++i)
+        ExpectSame(said.isSet[i] ? said.values[i] : kOld, wanted.moic[i], "explained element");
+}
+
 void CompareArray(const std::array<double, 128>& wanted, std::int32_t count) {
-    static Room<8 * 200> room;
+    static thread_local Room<8 * 200> room;
     const auto size = static_cast<std::size_t>(std::max(count, 0));
     auto* const values = room.Of<double>(size);
     GetMOICData(count, values);
@@ -80,7 +129,7 @@ void CompareArray(const std::array<double, 128>& wanted, std::int32_t count) {
 }
 
 void CompareType(std::string_view content) {
-    static Room<64> room;
+    static thread_local Room<64> room;
     const std::string_view card = room.HoldView(content.substr(0, content.size() % 32));
     std::string line(card);
     line.resize(13, ' ');
@@ -111,6 +160,7 @@ void Cards(Choices in) {
     Expect(modes == wanted.modes, "the modes after loading");
     for (std::size_t i = 0; i < wanted.moic.size(); ++i)
         ExpectSame(MoicArr[i], wanted.moic[i], "MoicArr");
+    CompareExplained(file.Path(), wanted);
     CompareArray(wanted.moic, count);
     CompareType(content);
 }

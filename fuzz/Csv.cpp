@@ -15,6 +15,9 @@ constexpr std::string_view kPieces[] = {" 1.500000000000000E+003",
                                         "0.000000000000000E+000",
                                         " 9.999999999999999E-123",
                                         "-1.000000000000000E+010",
+                                        " 1.23450",
+                                        "6700000000E",
+                                        "+012",
                                         " 0 ,",
                                         " 0 ",
                                         "12.50",
@@ -37,7 +40,7 @@ constexpr std::string_view kPieces[] = {" 1.500000000000000E+003",
 
 void Csv(Choices in) {
     using namespace csv;
-    static Room<2048> room;
+    static thread_local Room<2048> room;
     std::array<char, 1500> built;
     std::array<char, 1500> wanted;
     const std::span<char> line = room.Hold(in.Text(kPieces, built));

@@ -18,7 +18,7 @@ constexpr std::string_view kPieces[] = {"=",   " = ", "1",   "-2.5", "1.5E+2", "
 
 void FreeForm(Choices in) {
     using namespace free_form;
-    static Room<512> lineRoom, wordRoom;
+    static thread_local Room<512> lineRoom, wordRoom;
     std::array<char, 400> built;
     const std::span<char> word = wordRoom.Text(in.Below(20));
     const std::string_view line = lineRoom.HoldView(in.Text(kPieces, built));

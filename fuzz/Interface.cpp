@@ -32,7 +32,7 @@ std::string LeftAdjusted(const std::string& text) {
     return text.substr(first) + std::string(first, ' ');
 }
 
-Room<512> gInRoom, gOutRoom;
+thread_local Room<512> gInRoom, gOutRoom;
 
 // The arguments of a self-test one behind the other, at addresses that fit none of them: char,
 // int32, int64, real, then 3 and 6 of each.

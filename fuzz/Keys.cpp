@@ -97,14 +97,15 @@ void KeyModes(Choices& in) {
     ResetAllKeyMode();
     ElsetKeyModeSet(0);
     for (int calls = 0; calls < 8 && in.Left() > 0; ++calls) {
-        SetMode(in.Below(7), in.Flip() ? static_cast<std::int32_t>(in.Below(2)) : in.Int32(),
-                modes);
+        const std::size_t call = in.Below(7);
+        const bool isMode = in.Flip();
+        SetMode(call, isMode ? static_cast<std::int32_t>(in.Below(2)) : in.Int32(), modes);
         CompareModes(modes);
     }
 }
 
 void InformationLine(std::string_view name, std::string_view version, bool hasVersion) {
-    static Room<128> room;
+    static thread_local Room<128> room;
     const std::span<char, 128> info(room.Of(128), 128);
     if (hasVersion)
         GetSoftwareInfo(name, info, version);
@@ -122,7 +123,7 @@ void InformationLine(std::string_view name, std::string_view version, bool hasVe
 
 void Keys(Choices in) {
     using namespace keys;
-    static Room<256> textRoom, otherRoom;
+    static thread_local Room<256> textRoom, otherRoom;
     std::array<char, 160> built;
     const std::size_t kind = in.Below(6);
     if (kind == 0) {

@@ -65,13 +65,14 @@ class Scratch {
 // The model, and at its end the comparison of every file.
 class Model : public test::LiteralUnits {
   public:
-    explicit Model(std::string raw) {
+    explicit Model(std::string raw) : descriptors_(OpenDescriptors()) {
         std::ofstream("raw", std::ios::binary) << raw;
         files["raw"].content = std::move(raw);
     }
     ~Model() {
         CloseLogFile();
         for (const auto& [number, unit] : units) TextUnits::Close(number);
+        Expect(OpenDescriptors() == descriptors_, "a closed unit holds no descriptor");
         for (const auto& [name, file] : files) {
             std::ifstream stream(name, std::ios::binary);
             const std::string content{std::istreambuf_iterator<char>(stream), {}};
@@ -81,9 +82,15 @@ class Model : public test::LiteralUnits {
     }
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
+
+  private:
+    static std::ptrdiff_t OpenDescriptors() {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    }
+    std::ptrdiff_t descriptors_;
 };
 
-Room<1024> gRoom, gOtherRoom;
+thread_local Room<1024> gRoom, gOtherRoom;
 
 constexpr std::int32_t kUnits[] = {-1, 0, 3, 6, 7, INT32_MAX};
 

@@ -1,5 +1,5 @@
 // Packed forms, Cholesky and inversion, bit for bit against plain loops: matrices of every kind with
-// any elements changed, all orders to 8 and some to 70, strides of any sign, results in place.
+// any elements changed, all orders to 8, many to 40 and some to 140, strides of any sign, results in place.
 #include "Targets.hpp"
 
 #include "literal/LiteralMatrices.hpp"
@@ -22,8 +22,9 @@ void ExpectElements(const double* got, const Matrix& wanted, const char* what) {
 }
 
 // Memory for the largest matrix with the widest strides.
-using MatrixRoom = Room<16 * 73 * 73 * 8>;
-MatrixRoom gFromRoom, gToRoom;
+constexpr std::size_t kMost = 140;  // the largest order
+using MatrixRoom = Room<16 * (kMost + 3) * (kMost + 3) * 8>;
+thread_local MatrixRoom gFromRoom, gToRoom;
 
 // A matrix in a room with any strides, in a memory not one element larger than they need.
 class Strided {
@@ -74,8 +75,8 @@ Matrix AnyMatrix(Choices& in, std::int32_t n, const Choices& changes) {
 }
 
 void Solve(Choices& in, std::int32_t n, bool hasRoots) {
-    static Room<8 * 70 * 70> aRoom, inverseRoom;
-    static Room<8 * 70> bRoom, xRoom;
+    static thread_local Room<8 * kMost * kMost> aRoom, inverseRoom;
+    static thread_local Room<8 * kMost> bRoom, xRoom;
     const bool isInPlace = in.Flip();
     const Matrix a = AnyMatrix(in, n, in), b = test::RandomMatrix(n, 1, n);
     Matrix inverse(a.size()), x(b.size());
@@ -125,7 +126,7 @@ void CopyOblong(Choices& in, std::int32_t rows, bool pivots) {
 }
 
 void Pack(Choices& in, std::int32_t n) {
-    static Room<8 * 3 * 2500> room;
+    static thread_local Room<8 * 3 * kMost*(kMost + 1) / 2> room;
     const Strided from(gFromRoom, n, n, in), back(gToRoom, n, n, in);
     const std::ptrdiff_t stride = 1 + in.Byte() % 3;
     const Matrix a = AnyMatrix(in, n, in);
@@ -164,7 +165,9 @@ void Matrices(Choices in) {
     using namespace matrices;
     const std::size_t kind = in.Below(8);
     const std::uint8_t size = in.Byte();
-    const std::int32_t n = 1 + (size < 250 ? size % 8 : size < 255 ? size % 24 : in.Byte() % 70);
+    const std::int32_t n = 1 + (size < 192   ? size % 8
+                                : size < 252 ? size % 40
+                                             : in.Byte() % std::int32_t{kMost});
     if (kind < 2) return Solve(in, n, kind == 0);
     if (kind < 4) return Invert(in, n, kind == 2);
     if (kind < 6) return CopyOblong(in, n, kind == 4);

@@ -9,7 +9,7 @@
 namespace corvale::fuzz {
 
 void NumberText(Choices in) {
-    static Room<64> room;
+    static thread_local Room<64> room;
     const int mode = test::kRoundingModes[std::max(0, in.Byte() % 8 - 4)];
     const bool hasSign = in.Flip();
     const std::span<char> out = room.Text(in.Below(41));

@@ -25,7 +25,8 @@ constexpr std::string_view kPieces[] = {
 std::string_view AnyField(Choices& in, std::span<char> room) {
     if (in.Byte() % 4 != 0) return in.Text(kPieces, room);
     const int blanks = in.Byte() % 8, decimals = in.Byte() % 90;
-    const double value = in.Flip() ? in.Real() : in.Raw<double>();
+    double value = in.Flip() ? in.Real() : in.Raw<double>();
+    if (std::isnan(value)) value = 0.0;  // its sign in a sum is anyone's
     const auto middle = (static_cast<long double>(value) + std::nextafter(value, 1e308)) / 2;
     const int size =
         in.Flip()
@@ -69,7 +70,7 @@ void OneReal(std::string_view text, int mode, bool isLine) {
 
 void Numbers(Choices in) {
     using namespace numbers;
-    static Room<1024> room;
+    static thread_local Room<1024> room;
     std::array<char, 512> built;
     const std::size_t procedure = in.Below(16);
     const int mode = procedure < 8 ? FE_TONEAREST : kRoundingModes[procedure % 4];

@@ -1,13 +1,16 @@
 // Fuzzing help: the bytes of an input as choices, as numbers of every kind and as texts made of
-// likely pieces; memory with ends that nothing may read or write beyond; comparisons that stop.
+// likely pieces; memory with ends that nothing may read or write beyond; comparisons that stop, and
+// a digest of what they saw.
 //
 // An input is never invalid: where its bytes end, zeros follow. No call here allocates, but for the
-// first use of a `Room`.
+// first use of a `Room`. Who draws from an input does so one statement at a time, or in braces:
+// compilers evaluate arguments and operands in different orders.
 #pragma once
 
 #include "Bits.hpp"
 #include "GuardPage.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -29,13 +32,29 @@ inline void Expect(bool holds, const char* what) {
     std::abort();
 }
 
-inline void ExpectSame(double got, double wanted, const char* what) {
+/// All that the library has given on this thread, bit by bit: the same with every compiler, on every
+/// machine.
+inline thread_local std::uint64_t gDigest = 0;
+
+inline void Note(std::uint64_t bits) {
+    gDigest = std::rotl((gDigest ^ bits) * 0x9e3779b97f4a7c15U, 29);
+}
+
+/// For results whose last bit is the C library's: no part of the digest.
+inline void ExpectSameHere(double got, double wanted, const char* what) {
     if (test::Bits(got) == test::Bits(wanted)) return;
     std::fprintf(stderr, "%s: %a, not %a\n", what, got, wanted);
     std::abort();
 }
 
+inline void ExpectSame(double got, double wanted, const char* what) {
+    Note(test::Bits(got));
+    ExpectSameHere(got, wanted, what);
+}
+
 inline void ExpectSame(std::string_view got, std::string_view wanted, const char* what) {
+    Note(got.size());
+    for (const char c : got) Note(static_cast<unsigned char>(c));
     if (got == wanted) return;
     std::fprintf(stderr, "%s: [%.*s]\nnot [%.*s]\n", what, static_cast<int>(got.size()), got.data(),
                  static_cast<int>(wanted.size()), wanted.data());
@@ -44,6 +63,7 @@ inline void ExpectSame(std::string_view got, std::string_view wanted, const char
 
 template <std::integral Integer>
 void ExpectSame(Integer got, std::type_identity_t<Integer> wanted, const char* what) {
+    Note(static_cast<std::uint64_t>(got));
     if (got == wanted) return;
     std::fprintf(stderr, "%s: %lld, not %lld\n", what, static_cast<long long>(got),
                  static_cast<long long>(wanted));
@@ -91,6 +111,10 @@ class Choices {
         std::memcpy(&value, next_, size);
         next_ += size;
         left_ -= size;
+        if constexpr (std::is_arithmetic_v<Value> && std::endian::native == std::endian::big) {
+            auto* const bytes = reinterpret_cast<char*>(&value);
+            std::reverse(bytes, bytes + sizeof value);
+        }
         return value;
     }
     std::size_t Below(std::size_t limit) {

@@ -13,11 +13,11 @@ namespace sort {
 using namespace Sorting;
 using test::IsPlainlyLess;
 
-constexpr std::size_t kMost = 2048;
+constexpr std::size_t kMost = 4096;
 
-std::array<Key, kMost> gBefore;
-Room<kMost * sizeof(Key)> gKeyRoom;
-Room<kMost * 8> gCompanionRoom;
+thread_local std::array<Key, kMost> gBefore;
+thread_local Room<kMost * sizeof(Key)> gKeyRoom;
+thread_local Room<kMost * 8> gCompanionRoom;
 
 // Keys that share their beginnings: two places of each are taken from the input, or from the bytes
 // before where it has ended.
@@ -35,16 +35,20 @@ void MakeKeys(Choices& in, std::size_t n) {
 
 std::size_t AnyKeys(Choices& in) {
     const std::uint8_t kind = in.Byte();
-    if (kind < 255) {
+    if (kind < 253) {
         const std::size_t n = kind < 250 ? kind % 40 : in.Below(400);
         MakeKeys(in, n);
         return n;
     }
     std::mt19937_64 random(in.Raw<std::uint16_t>());
-    const auto pattern = static_cast<test::Pattern>(in.Below(test::kPatterns));
-    const std::vector<Key> keys = test::MakeKeys(pattern, in.Below(kMost), random);
-    std::copy(keys.begin(), keys.end(), gBefore.begin());
-    return keys.size();
+    std::size_t n = 0;
+    for (std::size_t stretches = 1 + in.Below(6); stretches > 0; --stretches) {
+        const auto pattern = static_cast<test::Pattern>(in.Below(test::kPatterns));
+        const std::vector<Key> keys = test::MakeKeys(pattern, in.Below((kMost - n) / 2), random);
+        std::copy(keys.begin(), keys.end(), &gBefore[n]);
+        n += keys.size();
+    }
+    return n;
 }
 
 void ExpectSorted(const Key* keys, const std::int64_t* companion, std::size_t n) {
@@ -53,6 +57,7 @@ void ExpectSorted(const Key* keys, const std::int64_t* companion, std::size_t n)
         const auto from = static_cast<std::size_t>(companion[i]);
         Expect(from < n && keys[i] == gBefore[from], "a companion stays beside its key");
         Expect(i == 0 || !IsPlainlyLess(keys[i], keys[i - 1]), "keys ascend");
+        Note(from);
         isThere[from] = true;
     }
     Expect(isThere.count() == n, "every key is there");

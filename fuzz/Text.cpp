@@ -28,7 +28,7 @@ const Operation kOperations[] = {
     {GetInputFileName, LiteralValue},
     {RemSpaceSlashChars, LiteralDigits}};
 
-Room<1024> gTextRoom, gPatternRoom, gReplacementRoom, gResultRoom;
+thread_local Room<1024> gTextRoom, gPatternRoom, gReplacementRoom, gResultRoom;
 
 void InPlace(std::size_t kind, const std::string& given) {
     const std::span<char> text = gTextRoom.Hold(given);

@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # check-emulated.sh [TARGET...]: builds for other processors and runs there, under emulation, what
-# has to give the same bits: aarch64, and s390x, whose bytes stand in the other order. The digests of
-# all families and the matrix procedures against plain loops on each; on s390x the tests of text and
-# numbers too.
+# has to give the same bits: aarch64, and s390x, whose bytes stand in the other order. The fuzz targets
+# on random input, with their digests, on each; on s390x the tests of text and numbers too.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -35,22 +34,21 @@ build_for() {
 run() {
     local target=$1 program=$2 output
     shift 2
-    output=$("qemu-$target-static" -L "/usr/$target-linux-gnu" "$top/build/$target/tests/$program" \
+    output=$("qemu-$target-static" -L "/usr/$target-linux-gnu" "$top/build/$target/$program" \
         "$@" 2>&1) || { echo "$target $program: $output"; return 1; }
     echo "$target $program: ${output##*$'\n'}"
 }
 
 check_target() {
-    local target=$1 log="$top/build/$1.log" programs=(bit_digest matrix_difference)
+    local target=$1 log="$top/build/$1.log" programs=(fuzz_replay)
     [ "$target" = s390x ] && programs+=(text_tests numeric_tests)
     need "g++-$target-linux-gnu"
     build_for "$target" "${programs[@]}" >"$log" 2>&1 || { cat "$log"; return 1; }
-    run "$target" bit_digest "$top/tests/cases/digests.txt"
-    run "$target" matrix_difference 40 65
+    run "$target" fuzz/fuzz_replay --digests "$top/tests/cases/digests.txt"
     [ "$target" = s390x ] || return 0
     # The C library's compiled locales are those of the machine that made them.
-    run "$target" text_tests --gtest_brief=1 --gtest_filter=-*DecimalPointIsAComma
-    run "$target" numeric_tests --gtest_brief=1
+    run "$target" tests/text_tests --gtest_brief=1 --gtest_filter=-*DecimalPointIsAComma
+    run "$target" tests/numeric_tests --gtest_brief=1
 }
 
 mkdir -p "$top/build"

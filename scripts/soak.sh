@@ -13,7 +13,7 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-soaks="$top/build/release/tests"
+soaks="$top/build/release"
 
 # build_soaks PRESET PROGRAM...
 build_soaks() {
@@ -37,7 +37,7 @@ soak_floats() {
     build_soaks release float_soak
     touch "$state"
     seq "${1:-0}" "${2:-255}" | { grep -vxFf <(cut -d ' ' -f 1 "$state") || true; } |
-        nice -n 19 xargs -r -P 2 -n 1 "$soaks/float_soak" | tee -a "$state" || true
+        nice -n 19 xargs -r -P 2 -n 1 "$soaks/tests/float_soak" | tee -a "$state" || true
     if [ "$(wc -l <"$state")" -eq 256 ]; then print_total "$state"; fi
 }
 
@@ -50,15 +50,16 @@ soak() {
 }
 
 soak_others() {
-    build_soaks release numeric_soak text_soak sort_soak matrix_difference log_soak share_soak
-    soak numeric_soak  # all satellite numbers, every tenth of an arc second
-    soak text_soak 2000000
-    soak sort_soak 2000
-    soak matrix_difference 70 130 200
-    soak log_soak 100000
-    soak share_soak 64
+    local target
+    build_soaks release numeric_soak fuzz_replay share_soak
+    soak tests/numeric_soak  # all satellite numbers, every tenth of an arc second
+    for target in Numbers NumberText FreeForm Csv Text Lists Angles Sort Matrices; do
+        soak fuzz/fuzz_replay --random 1000000 "$target"
+    done
+    for target in Cards Log; do soak fuzz/fuzz_replay --random 30000 "$target"; done
+    soak tests/share_soak 64
     build_soaks tsan share_soak
-    soaks="$top/build/tsan/tests" soak share_soak 4
+    soaks="$top/build/tsan" soak tests/share_soak 4
 }
 
 mkdir -p "$top/build"

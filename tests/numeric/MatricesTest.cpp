@@ -1,8 +1,10 @@
-// What the bit-for-bit comparison (MatrixDifference.cpp) does not see: sizes, small known results,
-// bad shapes, overlaps, missing memory, floating-point traps.
+// What the fuzz target, which compares with plain loops, does not see: large orders, small known
+// results, bad shapes, missing memory, floating-point traps.
 #include <corvale/numeric/GenFunctions.hpp>
 
 #include "Bits.hpp"
+#include "TestFiles.hpp"
+#include "literal/LiteralMatrices.hpp"
 #include "literal/MatrixKinds.hpp"
 
 #include <gtest/gtest.h>
@@ -175,16 +177,19 @@ TEST(Cholesky, TouchesNothingBelowOrderOne) {
     }
 }
 
-TEST(Cholesky, ResultsMayOverlapTheInput) {
-    for (const Solver solve : kSolvers)
-        for (const std::int32_t n : {3, 14, 40}) {
-            Matrix a = test::PositiveDefinite(n), b = test::RandomMatrix(n, 1, n);
-            Matrix inverse(a.size()), x(b.size());
-            solve(a.data(), b.data(), n, inverse.data(), x.data());
-            solve(a.data(), b.data(), n, a.data(), b.data());
-            ExpectSameBits(a, inverse, "inverse over the matrix");
-            ExpectSameBits(b, x, "solution over the right-hand side");
-        }
+// Beyond 256 and 512 columns another block begins.
+TEST(Matrices, AgreeWithPlainLoopsAtLargeOrders) {
+    for (const std::int32_t n : {270, test::Times(520)}) {
+        const Matrix a = test::RandomMatrix(n, n, n), spd = test::PositiveDefinite(n);
+        Matrix got(a.size()), wanted(a.size()), x(520), wantedX(520);
+        MtxInv({a.data(), n, n}, {got.data(), n, n});
+        literal::MtxInv(a.data(), n, wanted.data());
+        ExpectSameBits(got, wanted, "MtxInv");
+        Cholesky(spd.data(), a.data(), n, got.data(), x.data());
+        literal::Cholesky(spd.data(), a.data(), n, wanted.data(), wantedX.data());
+        ExpectSameBits(got, wanted, "Cholesky, inverse");
+        ExpectSameBits(x, wantedX, "Cholesky, solution");
+    }
 }
 
 TEST(Matrices, AreNaNWithoutMemory) {

@@ -1,14 +1,11 @@
 #include <corvale/numeric/SmallHelpers.hpp>
 
 #include "Bits.hpp"
-#include "literal/LiteralNumeric.hpp"
 
 #include <gtest/gtest.h>
-#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <limits>
-#include <random>
 #include <vector>
 
 namespace corvale::GenFunctions {
@@ -101,43 +98,6 @@ TEST(FindRecIdx, FindsThePlace) {
         EXPECT_EQ(FindRecIdx(c.table.data(), static_cast<std::int32_t>(c.table.size()), c.value),
                   c.index)
             << c.value << ": " << c.why;
-}
-
-// Spacings even, jittered, exponential, with equal neighbours; values on, beside, between entries.
-TEST(FindRecIdx, AgreesWithTheWalk) {
-    std::mt19937_64 random(11);
-    for (int round = 0; round < 30000; ++round) {
-        std::vector<double> table(2 + random() % 60);
-        double entry = 0;
-        for (double& place : table) {
-            const auto draw = static_cast<double>(random() % 4);
-            if (round % 3 == 0) entry += draw;
-            if (round % 3 == 1) entry = entry * 2 + draw;
-            if (round % 3 == 2) entry += 1 + draw * 1e-3;
-            place = entry;
-        }
-        const auto n = static_cast<std::int32_t>(table.size());
-        for (int query = 0; query < 20; ++query) {
-            double value = table[random() % table.size()];
-            if (query % 3 == 1) value = std::nextafter(value, query % 2 == 0 ? 1e9 : -1e9);
-            if (query % 3 == 2) value = table.back() * static_cast<double>(random() % 100) / 99;
-            ASSERT_EQ(FindRecIdx(table.data(), n, value),
-                      literal::FindRecIdx(table.data(), n, value))
-                << "round " << round << ", value " << value;
-        }
-    }
-}
-
-TEST(FindRecIdx, StaysInsideAnyTable) {
-    const double kOdd[] = {kNaN, kInfinity, -kInfinity, 0.0, 1.0, -1.0, 1e308, -1e308};
-    std::mt19937_64 random(13);
-    for (int round = 0; round < 100000; ++round) {
-        std::vector<double> table(1 + random() % 40);  // on the heap: reading beyond it is seen
-        for (double& entry : table) entry = kOdd[random() % 8];
-        const auto n = static_cast<std::int32_t>(table.size());
-        const std::int32_t index = FindRecIdx(table.data(), n, kOdd[random() % 8]);
-        ASSERT_TRUE(index >= 1 && index <= n) << index;
-    }
 }
 
 TEST(Logical, ConvertsAndJudges) {

@@ -13,7 +13,6 @@
 #include <chrono>
 #include <climits>
 #include <csignal>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <thread>
@@ -266,34 +265,6 @@ TEST(TextUnits, ALimitLosesNothing) {
         << "a full table";
     EXPECT_TRUE(test::HoldsInChild([&] { return OpensUpToALimit(folder / "in", 30, 6); }))
         << "no more descriptors";
-}
-
-TEST(TextUnits, FreshNumbersOfManyThreadsAreDistinct) {
-    const TemporaryFolder folder;
-    test::WriteFile(folder / "in", "x\n");
-    const auto before = test::OpenDescriptors();
-    std::mutex guard;
-    std::set<std::int32_t> live;
-    int faults = 0;
-    const auto openAndClose = [&] {
-        for (int i = 0; i < test::Times(10000); ++i) {
-            std::int32_t unit = 0;
-            std::string line(1, ' ');
-            const bool isRead = FileOpenMT(folder / "in", kRead, unit) == 0 &&
-                                ReadLine(unit, line) && line == "x" && unit > 6;
-            guard.lock();
-            if (!isRead || !live.insert(unit).second) ++faults;
-            guard.unlock();
-            const std::scoped_lock lock(guard);
-            live.erase(unit);
-            Close(unit);
-        }
-    };
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 16; ++i) threads.emplace_back(openAndClose);
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(faults, 0);
-    EXPECT_EQ(test::OpenDescriptors(), before);
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <climits>
 #include <cstdint>
 #include <functional>
-#include <random>
 #include <string>
 #include <string_view>
 
@@ -156,78 +155,6 @@ TEST(IsBlankOrNull, AcceptsBlanksAlone) {
         EXPECT_EQ(IsBlankOrNull(text), 0) << "a NUL at " << i;
         NullToSpace(text);
         EXPECT_EQ(IsBlankOrNull(text), 1) << "until it is made a blank";
-    }
-}
-
-// The rules once more, one character after the other.
-std::string Each(std::string_view text, const std::function<char(char)>& change) {
-    std::string result;
-    for (const char c : text) result += change(c);
-    return result;
-}
-std::string Kept(std::string_view text) {
-    std::string result;
-    for (const char c : text)
-        if (".0123456789"sv.find(c) != std::string_view::npos) result += c;
-    result.resize(text.size(), ' ');
-    return result;
-}
-std::string Replaced(std::string_view text, std::string_view pattern, std::string_view by) {
-    std::string result;
-    for (std::size_t i = 0; i < text.size();) {
-        const bool isMatch = text.substr(i, pattern.size()) == pattern;
-        result += isMatch ? by : text.substr(i, 1);
-        i += isMatch ? pattern.size() : 1;
-    }
-    result.resize(text.size(), ' ');
-    return result;
-}
-std::string ValueIn(std::string_view line) {
-    std::string value(line.substr(line.find('=') + 1));
-    value.erase(0, value.find_first_not_of(' '));
-    value.resize(line.size(), ' ');
-    return value;
-}
-
-TEST(FixedWidthText, AgreesWithCharacterLoopsAtEveryWidth) {
-    std::mt19937 random(20260312);
-    const std::string_view alphabets[] = {"ab"sv, " \0."sv, "aZ{[`@9:/. =\0\x7f\x80\xff"sv,
-                                          "0123456789."sv};
-    for (std::size_t width = 0; width <= 600; ++width) {
-        const std::string_view alphabet = alphabets[random() % std::size(alphabets)];
-        std::string text(width, ' ');
-        for (char& c : text) c = alphabet[random() % alphabet.size()];
-        const auto swap = [](char from, char to) {
-            return [=](char c) { return c == from ? to : c; };
-        };
-        const auto shift = [](char first, char last, int by) {
-            return [=](char c) { return static_cast<char>(c >= first && c <= last ? c + by : c); };
-        };
-        const std::string value = ValueIn(text);
-        ExpectResult(ToUpperCase, text, Each(text, shift('a', 'z', -32)));
-        ExpectResult(ToLowerCase, text, Each(text, shift('A', 'Z', 32)));
-        ExpectResult(RemSpaceSlashChars, text, Kept(text));
-        ExpectResult(GetInputFileName, text, value);
-        ExpectResult(GetInputStr, text, Each(value, shift('a', 'z', -32)));
-        const auto inPlace = [&](void (*change)(std::span<char>) noexcept) {
-            const GuardedBuffer buffer(text);
-            change(buffer.Span());
-            return std::string(buffer.Text());
-        };
-        EXPECT_EQ(inPlace(NullToSpace), Each(text, swap('\0', ' ')));
-        EXPECT_EQ(inPlace(BlankToZeroChar), Each(text, swap(' ', '0')));
-        EXPECT_EQ(IsBlankOrNull(GuardedBuffer(text).Text()), text == Blanks(width) ? 1 : 0);
-        for (const auto& [pattern, by] : {std::pair{"a"sv, "b"sv},
-                                          {"ab"sv, "b"sv},
-                                          {"0"sv, ""sv},
-                                          {"aab"sv, "bba"sv},
-                                          {"b"sv, "abc"sv}}) {
-            const std::string wanted = Replaced(text, pattern, by);
-            const auto replace = [&, pattern = pattern, by = by](std::span<char> out) {
-                ReplaceString(text, pattern, by, out);
-            };
-            EXPECT_EQ(Result(width, replace), wanted) << text;
-        }
     }
 }
 
