@@ -21,10 +21,11 @@ promised=$top/tests/abi/$platform ignored=$top/tests/abi/ignored.abignore
 
 # Always the same build, so that only a change of the code can make a difference.
 folder=$top/build/abi
+mkdir -p "$folder"
 (CC=gcc CXX=g++ cmake -S "$top" -B "$folder" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
     -DCORVALE_BASELINE_ONLY=ON -DCORVALE_BUILD_{TESTS,TOOLS,EXAMPLES}=OFF &&
-    cmake --build "$folder" -j 2 --target Corvale) >"$folder.log" 2>&1 ||
-    { cat "$folder.log"; fail "the library does not build"; }
+    cmake --build "$folder" -j 2 --target Corvale) >"$folder/log" 2>&1 ||
+    { cat "$folder/log"; fail "the library does not build"; }
 library=$folder/corvale/libCorvale.so
 
 # One line a symbol: kind, binding, size where it is a promise, name@@node.

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <iomanip>
 #include <iostream>
 #include <limits>
+#include <span>
 #include <string>
 
 namespace corvale::tool {
@@ -23,7 +23,9 @@ class Outcomes {
 
     template <class Value>
     void Row(const char* argument, const Value& got, const Value& wanted) {
-        const bool isRight = std::memcmp(&got, &wanted, sizeof got) == 0;
+        const auto bytes = std::as_bytes(std::span(&got, 1));
+        const auto right = std::as_bytes(std::span(&wanted, 1));
+        const bool isRight = std::equal(bytes.begin(), bytes.end(), right.begin());
         allRight_ = allRight_ && isRight;
         std::cout << "  " << std::setw(2) << std::right << ++number_ << ' ' << std::setw(8)
                   << std::left << argument << (isRight ? "ok" : "WRONG") << std::right << '\n';

@@ -9,7 +9,6 @@
 
 namespace corvale::StrFunctions {
 
-using internal::kBlank;
 using internal::RenderFixed;
 using internal::SignRule;
 

@@ -15,7 +15,6 @@ namespace corvale::StrFunctions {
 
 using internal::FreeFormReader;
 using internal::ItemKind;
-using internal::kBlank;
 using internal::ScannedReal;
 
 namespace {

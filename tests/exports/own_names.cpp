@@ -59,11 +59,11 @@ bool SortsRight() {
     constexpr std::int32_t count = 2000;
     std::vector<corvale::Sorting::Key> keys(count);
     std::vector<std::int64_t> companion(count);
-    for (std::int32_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < keys.size(); ++i) {
         const std::string name = std::to_string(100000 + i * 7919 % count);
-        std::fill(keys[i].begin(), keys[i].end(), ' ');
+        keys[i].fill(' ');
         std::copy(name.begin(), name.end(), keys[i].begin());
-        companion[i] = i;
+        companion[i] = static_cast<std::int64_t>(i);
     }
     corvale::Sorting::QuickSortIterative(count, keys.data(), companion.data());
     return std::is_sorted(keys.begin(), keys.end()) && companion[1] * 7919 % count == 1;
