@@ -21,8 +21,8 @@ class List {
     List(const py::object& array, Kind kind, Count width, const char* name)
         : operand_(Operand::GivenOutput(array, kind, {Length(array, name)}, {width, {}, {}})) {
         const Strided list = operand_.In(operand_.Outer());
-        const bool isAligned =
-            reinterpret_cast<std::uintptr_t>(list.data) % (IsText(kind) ? 1 : width) == 0;
+        const std::uintptr_t size = IsText(kind) ? 1 : static_cast<std::uintptr_t>(width);
+        const bool isAligned = reinterpret_cast<std::uintptr_t>(list.data) % size == 0;
         if (operand_.GetForm().width != width || (Size() > 1 && list.steps[0] != width) ||
             !isAligned)
             throw py::value_error(std::string(name) +

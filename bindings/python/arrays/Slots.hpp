@@ -48,6 +48,9 @@ inline std::string_view WithoutFill(const char* at, Count width) noexcept {
     return {at, static_cast<std::size_t>(width)};
 }
 
+/// From one real to the next.
+constexpr Count kReal = sizeof(double);
+
 /// Whether a double may lie there.
 inline bool IsAligned(const char* at) noexcept {
     return reinterpret_cast<std::uintptr_t>(at) % alignof(double) == 0;
@@ -107,30 +110,23 @@ struct Slot<std::span<char>> : Passed<std::span<char>, Kind::kText, true> {
         : Passed{{at, static_cast<std::size_t>(form.width)}} {}
 };
 
-/// A vector whose components are adjacent is handed on where it lies. Copied first, as others are, it
-/// would be stored in pieces and loaded whole, which made `cross` four times slower.
 template <>
-struct Slot<const Vector3&> {
-    static constexpr Kind kKind = Kind::kVector3;
-    static constexpr bool kOut = false;
+struct Slot<const Vector3&> : Passed<Vector3, Kind::kVector3, false> {
+    Slot(char* at, const Form& form) noexcept
+        : Passed{{Load<double>(at), Load<double>(at + form.steps[0]),
+                  Load<double>(at + 2 * form.steps[0])}} {}
+};
+
+/// A vector that is handed on where it lies. Copied first, as others are, it is stored in pieces and
+/// loaded whole: `cross` then takes four times as long.
+struct DenseVector {
     const Vector3* vector;
-    Vector3 copy;
-    Slot(char* at, const Form& form) noexcept : vector(&copy) {
-        if (form.steps[0] == sizeof(double) && IsAligned(at)) {
-            vector = reinterpret_cast<const Vector3*>(at);
-            return;
-        }
-        for (Count i = 0; i < 3; ++i)
-            copy[static_cast<std::size_t>(i)] = Load<double>(at + i * form.steps[0]);
-    }
-    Slot(const Slot&) = delete;
-    Slot& operator=(const Slot&) = delete;
+    DenseVector(char* at, const Form&) noexcept : vector(reinterpret_cast<const Vector3*>(at)) {}
     const Vector3& Get() const noexcept { return *vector; }
     void Put(char*, const Form&) const noexcept {}
 };
 
 /// Views and tables: their operand is aligned, and its steps are whole elements.
-constexpr Count kReal = sizeof(double);
 
 template <>
 struct Slot<std::span<const double>> : Passed<std::span<const double>, Kind::kTable, false> {
@@ -203,7 +199,11 @@ struct Described<procedure> {
     static_assert(kOperands <= kMostOperands);
 
     static void Run(Count count, const Lane* lanes) noexcept {
-        RunOver(count, lanes, std::index_sequence_for<A...>{});
+        constexpr bool hasVectors = ((Slot<A>::kKind == Kind::kVector3) || ...);
+        constexpr std::index_sequence_for<A...> places;
+        if constexpr (hasVectors)
+            if (AreDense(lanes)) return RunOver<true>(count, lanes, places);
+        RunOver<false>(count, lanes, places);
     }
 
     static constexpr Signature Describe() noexcept {
@@ -217,19 +217,34 @@ struct Described<procedure> {
     }
 
   private:
-    template <std::size_t... I>
-    static void RunOver(Count count, const Lane* lanes, std::index_sequence<I...>) noexcept {
+    template <class P, bool dense>
+    using SlotOf =
+        std::conditional_t<dense && Slot<P>::kKind == Kind::kVector3, DenseVector, Slot<P>>;
+
+    /// Whether the vectors that go in can be handed on where they lie.
+    static bool AreDense(const Lane* lanes) noexcept {
+        constexpr std::array<Kind, sizeof...(A)> kinds{Slot<A>::kKind...};
+        for (std::size_t i = 0; i < kinds.size(); ++i) {
+            const bool isDense = lanes[i].form->steps[0] == kReal && lanes[i].step % kReal == 0 &&
+                                 IsAligned(lanes[i].at);
+            if (kinds[i] == Kind::kVector3 && !isDense) return false;
+        }
+        return true;
+    }
+
+    template <bool dense, std::size_t... I>
+    static void RunOver(Count count, const Lane* lanes, std::index_sequence<I...> places) noexcept {
         std::array<char*, kOperands> at;
         for (std::size_t i = 0; i < kOperands; ++i) at[i] = lanes[i].at;
         for (; count > 0; --count) {
-            CallOnce(at, lanes, std::index_sequence<I...>{}, Slot<A>(at[I], *lanes[I].form)...);
+            CallOnce(at, lanes, places, SlotOf<A, dense>(at[I], *lanes[I].form)...);
             for (std::size_t i = 0; i < kOperands; ++i) at[i] += lanes[i].step;
         }
     }
 
-    template <std::size_t... I>
+    template <std::size_t... I, class... S>
     static void CallOnce(const std::array<char*, kOperands>& at, const Lane* lanes,
-                         std::index_sequence<I...>, Slot<A>&&... slots) noexcept {
+                         std::index_sequence<I...>, S&&... slots) noexcept {
         if constexpr (kReturns)
             Result<R>::Put(at.back(), *lanes[kOperands - 1].form, procedure(slots.Get()...));
         else
