@@ -1,10 +1,84 @@
 #!/usr/bin/env bash
-# check-program.sh: builds the program corvale and tries its man page and its completions in the
-# shells that they are for.
+# check-program.sh: builds the program corvale, installs it, and tries its man page and completions in
+# the shells that they are for: nothing to complain of, and "corvale lo" becomes load.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 echo "check-program.sh: the man page and the completions of corvale"
 need "${build_packages[@]}" libgtest-dev man-db groff-base zsh fish
 build release -DCORVALE_BUILD_TESTS=ON
-exec "$top/tests/tools/pages.sh" "$top/build/release"
+build=$top/build/release
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+fail() { printf 'check-program.sh: %s\n' "$*" >&2; exit 1; }
+
+cmake --install "$build" --prefix "$scratch" >/dev/null
+page=$scratch/share/man/man1/corvale.1
+bash_file=$scratch/share/bash-completion/completions/corvale
+zsh_file=$scratch/share/zsh/site-functions/_corvale
+fish_file=$scratch/share/fish/vendor_completions.d/corvale.fish
+commands=$("$build/tools/corvale" --help | sed -nE 's/^  ([a-z][a-z0-9]+) {5,}.*/\1/p')
+[ "$(wc -w <<<"$commands")" -eq 12 ] || fail "not 12 commands: $commands"
+
+# --- the man page
+for device in utf8 ascii; do
+    complaints=$(groff -ww -b -man -T"$device" "$page" 2>&1 >"$scratch/page.$device") || true
+    [ -z "$complaints" ] || fail "groff: $complaints"
+done
+complaints=$(MANWIDTH=80 man --warnings -l "$page" 2>&1 >/dev/null) || true
+[ -z "$complaints" ] || fail "man: $complaints"
+MANWIDTH=80 man -P cat -l "$page" | sed 's/.\x08//g' >"$scratch/text"
+for words in $commands 'no findings' 'LOGFILE' "echo 'a\\\\b\\\\c' | corvale replace '\\\\' /" 'FILE\.\.\.'; do
+    grep -q -- "$words" "$scratch/text" || fail "the man page does not hold: $words"
+done
+if awk 'length > 84' "$scratch/text" | grep .; then fail "lines of the man page are too long"; fi
+
+# --- bash
+bash -n "$bash_file"
+in_bash() {
+    bash -c 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _corvale; echo "${COMPREPLY[*]}"' \
+        - "$bash_file" "$@"
+}
+cd "$scratch"
+touch orbit.inp 'two words.inp'
+[ "$(in_bash corvale lo)" = "load lower" ] || fail "bash: lo: $(in_bash corvale lo)"
+[ "$(in_bash corvale loa)" = load ] || fail "bash: loa"
+[ "$(in_bash corvale load --js)" = --json ] || fail "bash: --js"
+[ "$(in_bash corvale load orb)" = orbit.inp ] || fail "bash: a file"
+[ "$(in_bash corvale check two)" = "two words.inp" ] || fail "bash: a file of two words"
+[ "$(in_bash corvale load --log orb)" = orbit.inp ] || fail "bash: the log file"
+[ -z "$(in_bash corvale upper orb)" ] || fail "bash: upper takes no file"
+for command in $commands; do
+    [[ " $(in_bash corvale '') " == *" $command "* ]] || fail "bash: $command is missing"
+done
+
+# --- zsh
+zsh -n "$zsh_file"
+cat >"$scratch/zsh_test" <<'ZSH'
+# Types $2 and a tab into an interactive zsh and prints what the line has become.
+zmodload zsh/zpty
+zpty shell zsh -f -i
+zpty -w shell "PS1=; fpath=($1 \$fpath); autoload -U compinit; compinit -D -u"
+zpty -w shell "show() { print -r -- \"<line>\$BUFFER</line>\"; BUFFER= }; zle -N show; bindkey '^X' show"
+zpty -w shell "print ready''now"
+zpty -r -m shell seen '*readynow*'
+zpty -w -n shell "$2"$'\t\x18'
+zpty -r -m shell seen '*</line>*'
+zpty -d shell
+seen=${seen##*'<line>'}
+print -r -- "${seen%%'</line>'*}"
+ZSH
+in_zsh() { TERM=dumb timeout 60 zsh -f "$scratch/zsh_test" "$(dirname "$zsh_file")" "$1"; }
+[ "$(in_zsh 'corvale loa')" = 'corvale load ' ] || fail "zsh: loa: $(in_zsh 'corvale loa')"
+[ "$(in_zsh 'corvale load --js')" = 'corvale load --json ' ] || fail "zsh: --js"
+[ "$(in_zsh 'corvale check orb')" = 'corvale check orbit.inp ' ] || fail "zsh: a file"
+
+# --- fish
+fish --no-execute "$fish_file"
+export HOME=$scratch XDG_CONFIG_HOME=$scratch XDG_DATA_HOME=$scratch
+in_fish() { fish --no-config -c 'source $argv[1]; complete -C "$argv[2]"' "$fish_file" "$1" | cut -f1 | xargs; }
+[ "$(in_fish 'corvale lo')" = "load lower" ] || fail "fish: lo: $(in_fish 'corvale lo')"
+[ "$(in_fish 'corvale load --js')" = --json ] || fail "fish: --js: $(in_fish 'corvale load --js')"
+[ "$(in_fish 'corvale load orb')" = orbit.inp ] || fail "fish: a file: $(in_fish 'corvale load orb')"
+[ -z "$(in_fish 'corvale upper orb')" ] || fail "fish: upper takes no file"
+echo "check-program.sh: all well"

@@ -3,14 +3,14 @@
 # with it: by find_package and by pkg-config, shared and static, and as a part of their own project,
 # which asks for inexact arithmetic. Every C++ program prints the same bits. Without a warning.
 #
-#     consumer.sh SOURCE BUILD C-COMPILER C++-COMPILER [FLAGS]
+#     check-consumers.sh SOURCE BUILD C-COMPILER C++-COMPILER [FLAGS]
 set -euo pipefail
 source=$1 build=$2 cc=$3 cxx=$4 flags=${5:-}
 version=$(sed -n 's/^  VERSION \([0-9.]*\)$/\1/p' "$source/CMakeLists.txt")
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-fail() { printf 'consumer.sh: %s\n' "$*" >&2; exit 1; }
+fail() { printf 'check-consumers.sh: %s\n' "$*" >&2; exit 1; }
 quietly() { "$@" >"$scratch/output" 2>&1 || { cat "$scratch/output" >&2; fail "failed: $*"; }; }
 for tool in cmake ninja pkg-config nm "$cc" "$cxx"; do
   command -v "$tool" >/dev/null || fail "$tool is missing"
