@@ -25,7 +25,7 @@ constexpr std::string_view kPieces[] = {
 std::string_view AnyField(Choices& in, std::span<char> room) {
     if (in.Byte() % 4 != 0) return in.Text(kPieces, room);
     const int blanks = in.Byte() % 8, decimals = in.Byte() % 90;
-    double value = in.Flip() ? in.Real() : in.Raw<double>();
+    double value = in.Flip() ? in.Real() : std::bit_cast<double>(in.Raw<std::uint64_t>());
     if (std::isnan(value)) value = 0.0;  // its sign in a sum is anyone's
     const auto middle = (static_cast<long double>(value) + std::nextafter(value, 1e308)) / 2;
     const int size =

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <concepts>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -101,20 +102,28 @@ class Choices {
     Choices(const std::uint8_t* data, std::size_t size) : next_(data), left_(size) {}
 
     [[nodiscard]] std::size_t Left() const { return left_; }
-    std::uint8_t Byte() { return Raw<std::uint8_t>(); }
+    std::uint8_t Byte() {
+        if (left_ == 0) return 0;
+        --left_;
+        return *next_++;
+    }
     bool Flip() { return Byte() % 2 != 0; }
 
-    template <class Value>
+    // Integers byte by byte: GCC 12 takes a copy of as many bytes as are left for one of at least one.
+    template <std::integral Value>
     Value Raw() {
+        std::uint64_t bits = 0;
+        for (unsigned shift = 0; shift < 8 * sizeof(Value); shift += 8)
+            bits |= std::uint64_t{Byte()} << shift;
+        return static_cast<Value>(bits);
+    }
+    template <class Value>
+    requires std::is_class_v<Value> Value Raw() {
         Value value{};
         const std::size_t size = std::min(sizeof value, left_);
         std::memcpy(&value, next_, size);
         next_ += size;
         left_ -= size;
-        if constexpr (std::is_arithmetic_v<Value> && std::endian::native == std::endian::big) {
-            auto* const bytes = reinterpret_cast<char*>(&value);
-            std::reverse(bytes, bytes + sizeof value);
-        }
         return value;
     }
     std::size_t Below(std::size_t limit) {
