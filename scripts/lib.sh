@@ -22,12 +22,17 @@ need() {
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 
-# build PRESET [CMAKE-OPTION...]: configures and builds into build/PRESET; prints only what fails.
+# build PRESET [CMAKE-OPTION...] [--target TARGET...]: configures and builds into build/PRESET, all of
+# it or those targets; prints only what fails.
 build() {
-    local preset=$1 log
+    local preset=$1 log options=()
     shift
+    while [ $# -gt 0 ] && [ "$1" != --target ]; do
+        options+=("$1")
+        shift
+    done
     log=$(mktemp)
-    (cd "$top" && cmake --preset "$preset" "$@" && cmake --build --preset "$preset") >"$log" 2>&1 ||
-        { cat "$log"; return 1; }
+    (cd "$top" && cmake --preset "$preset" "${options[@]}" &&
+        cmake --build --preset "$preset" "$@") >"$log" 2>&1 || { cat "$log"; return 1; }
     rm -f "$log"
 }

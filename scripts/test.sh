@@ -34,14 +34,36 @@ check_tidy() {
     if grep -qE 'error|warning' "$top/build/tidy.log"; then return 1; fi
 }
 
-test_preset() {
+# run_tests PRESET [REGEX]: prints the end of what ctest says, all of it where a test fails.
+run_tests() {
     local log
     log=$(mktemp)
-    echo "== $1"
-    build "$1" -DCORVALE_BUILD_TESTS=ON
-    ctest --test-dir "$top/build/$1" --output-on-failure -j 2 >"$log" 2>&1 || { cat "$log"; return 1; }
+    ctest --test-dir "$top/build/$1" --output-on-failure -j 2 -R "${2:-.}" >"$log" 2>&1 ||
+        { cat "$log"; return 1; }
     tail -n 4 "$log"
     rm -f "$log"
+}
+
+test_preset() {
+    echo "== $1"
+    build "$1" -DCORVALE_BUILD_TESTS=ON
+    run_tests "$1"
+}
+
+# test_rooms PRESET ROOM...: the tests of the rooms alone to which the preset can matter.
+test_rooms() {
+    local preset=$1 room targets=()
+    shift
+    echo "== $preset: $*"
+    for room in "$@"; do
+        case $room in
+            fuzz) targets+=(fuzz_replay) ;;
+            soak) targets+=(share_soak float_soak numeric_soak) ;;
+            *) targets+=("${room}_tests") ;;
+        esac
+    done
+    build "$preset" -DCORVALE_BUILD_TESTS=ON --target "${targets[@]}"
+    run_tests "$preset" "^($(IFS='|' && echo "$*"))/"
 }
 
 if [ $# -gt 0 ]; then
@@ -49,7 +71,9 @@ if [ $# -gt 0 ]; then
     exit
 fi
 check_format
-for preset in release clang baseline asan tsan; do test_preset "$preset"; done
+for preset in release clang asan; do test_preset "$preset"; done
+test_rooms baseline numeric text sorting core fuzz
+test_rooms tsan platform core processes soak
 check_tidy
 for check in "${checks[@]}"; do
     echo "== $check"
