@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# test.sh [PRESET...]: builds and tests everything: GCC, Clang, the baseline code paths, the
-# sanitizers, the format and clang-tidy, then other builds and machines, what is exported and
-# installed, the program, the documents and the bindings. With presets named, only those are built
-# and tested. The longest runs have scripts of their own: soak.sh, faults.sh --long, fuzz.sh,
-# build-deb.sh and check-deb.sh.
+# test.sh [all|PRESET...]: builds and tests everything: GCC, Clang, the baseline code paths, the
+# sanitizers, the format and clang-tidy, then what is exported and installed, the program, the
+# documents and the bindings. With "all" also other builds and machines, and clang-tidy on the program:
+# some ten minutes more. With presets named, only those are built and tested. The longest runs have
+# scripts of their own: soak.sh, faults.sh --long, fuzz.sh, build-deb.sh and check-deb.sh.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -12,7 +12,7 @@ need "${build_packages[@]}" libgtest-dev clang clang-format clang-tidy libclang-
     pkg-config locales
 
 # What goes beyond the tests of one build, each a script that can be run alone.
-checks=(check-builds check-packaging check-program docs test-bindings test-python)
+checks=(check-packaging check-program docs test-bindings test-python)
 
 # sources FOLDER...: the C and C++ files of those folders.
 sources() {
@@ -25,9 +25,10 @@ check_format() {
         xargs clang-format --dry-run -Werror)
 }
 
+# check_tidy FOLDER...
 check_tidy() {
-    echo "== clang-tidy"
-    (cd "$top" && sources corvale tools examples | grep 'cpp$' |
+    echo "== clang-tidy: $*"
+    (cd "$top" && sources "$@" | grep 'cpp$' |
         xargs -P 2 -n 4 clang-tidy -quiet -p build/clang 2>&1 |
         grep -vE '^[0-9]+ warnings? (generated|treated)|^Suppressed|^Use -header-filter' || true) |
         tee "$top/build/tidy.log"
@@ -59,6 +60,7 @@ test_rooms() {
         case $room in
             fuzz) targets+=(fuzz_replay) ;;
             soak) targets+=(share_soak float_soak numeric_soak) ;;
+            faults) targets+=(fault_loops) ;;
             *) targets+=("${room}_tests") ;;
         esac
     done
@@ -66,15 +68,22 @@ test_rooms() {
     run_tests "$preset" "^($(IFS='|' && echo "$*"))/"
 }
 
+rooms=(corvale examples)
+if [ "${1-}" = all ]; then
+    shift
+    rooms+=(tools)
+    checks=(check-builds "${checks[@]}")
+fi
 if [ $# -gt 0 ]; then
     for preset in "$@"; do test_preset "$preset"; done
     exit
 fi
 check_format
-for preset in release clang asan; do test_preset "$preset"; done
+for preset in release clang; do test_preset "$preset"; done
+test_rooms asan numeric text sorting core platform faults processes fuzz
 test_rooms baseline numeric text sorting core fuzz
 test_rooms tsan platform core processes soak
-check_tidy
+check_tidy "${rooms[@]}"
 for check in "${checks[@]}"; do
     echo "== $check"
     "$top/scripts/$check.sh"
