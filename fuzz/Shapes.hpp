@@ -121,7 +121,7 @@ class Choices {
     requires std::is_class_v<Value> Value Raw() {
         Value value{};
         const std::size_t size = std::min(sizeof value, left_);
-        std::memcpy(&value, next_, size);
+        if (size > 0) std::memcpy(&value, next_, size);
         next_ += size;
         left_ -= size;
         return value;
