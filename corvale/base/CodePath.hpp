@@ -17,15 +17,32 @@
 #define CORVALE_HAS_AVX2_PATH 0
 #endif
 
+#if CORVALE_HAS_AVX2_PATH
+#include <atomic>
+#include <cstdint>
+#endif
+
 #define CORVALE_LOOP [[gnu::always_inline]] inline
 
 namespace corvale::internal {
 
-/// 1 where the processor and the system run AVX2 code. Reads a word that is set before the first
-/// static constructor; where it is not set yet the answer is false, which is always safe.
+#if CORVALE_HAS_AVX2_PATH
+enum class Avx2 : std::uint8_t { Unknown, Absent, Present };
+
+/// What has been found out about this processor. Threads that ask at once find the same.
+extern constinit std::atomic<Avx2> knownAvx2;
+
+/// Asks the processor, and remembers the answer.
+[[gnu::cold]] bool FindAvx2() noexcept;
+#endif
+
+/// True where the processor and the system run AVX2 code, from the first static constructor on.
+/// The processor is asked by the first call that wants to know, not while the library is loaded: in
+/// a virtual machine each question can take as long as half of the loading (bench: Start).
 [[nodiscard]] inline bool HasAvx2() noexcept {
 #if CORVALE_HAS_AVX2_PATH
-    return __builtin_cpu_supports("avx2") != 0;
+    const Avx2 known = knownAvx2.load(std::memory_order_relaxed);
+    return known == Avx2::Present || (known == Avx2::Unknown && FindAvx2());
 #else
     return false;
 #endif
