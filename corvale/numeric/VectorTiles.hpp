@@ -63,7 +63,7 @@ auto OnWidestLanes(Args... args) noexcept {
 #if CORVALE_HAS_AVX2_PATH
     if (HasAvx2()) return WithAvx2<Loop<FourLanes>>(args...);
 #endif
-    return Loop<TwoLanes>{}(args...);
+    return WithTwoLanes<Loop<TwoLanes>>(args...);
 }
 
 /// The aligned vector at `p`.
