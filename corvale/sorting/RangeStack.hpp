@@ -8,15 +8,23 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <span>
 
 namespace corvale::internal {
 
+/// Stops the process: there are no `bytes` bytes.
+[[noreturn]] void StopForMemory(std::size_t bytes) noexcept;
+
 class RangeStack {
   public:
-    /// Takes the block for `n` keys. Stops the process where it is not to be had.
-    explicit RangeStack(std::int32_t n) noexcept;
-    ~RangeStack();
+    /// Takes the block for `n` keys, not zero-filled: each entry is written before it is read. Stops
+    /// the process where it is not to be had.
+    explicit RangeStack(std::size_t n) noexcept
+        : entries_(static_cast<std::int32_t*>(std::malloc(n * sizeof(std::int32_t)))), size_(n) {
+        if (entries_ == nullptr) StopForMemory(n * sizeof(std::int32_t));
+    }
+    ~RangeStack() { std::free(entries_); }
     RangeStack(const RangeStack&) = delete;
     RangeStack& operator=(const RangeStack&) = delete;
 

@@ -1,58 +1,36 @@
 #include <corvale/sorting/ShortRanges.hpp>
 
+#include <corvale/sorting/FewKeys.hpp>
 #include <corvale/sorting/KeyRuns.hpp>
+#include <corvale/sorting/WordRanks.hpp>
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdint>
 
 namespace corvale::internal {
 
 namespace {
 
-// A word holds seven bytes of a key and, below them, the key's place.
-constexpr std::size_t kWindow = 7;
-using Words = std::array<std::uint64_t, kShortRange>;
-
-// The bytes in which keys of the range differ lie between these, `end` excluded; both are 0 where
-// all keys are equal.
-struct Difference {
-    std::size_t first;
-    std::size_t end;
-};
-Difference FindDifference(const KeyRange& range) noexcept {
-    std::array<std::uint64_t, 4> bits{};
-    for (std::size_t i = 1; i < range.count; ++i)
-        for (std::size_t w = 0; w < 4; ++w)
-            bits[w] |= StoredWordAt(range.keys[i], 8 * w) ^ StoredWordAt(range.keys[0], 8 * w);
-    for (std::uint64_t& word : bits) word = InOrder(word);
-
-    std::size_t first = 0;
-    std::size_t last = 4;
-    while (first < 4 && bits[first] == 0) ++first;
-    if (first == 4) return {0, 0};
-    while (bits[last - 1] == 0) --last;
-    return {8 * first + static_cast<std::size_t>(std::countl_zero(bits[first])) / 8,
-            8 * last - static_cast<std::size_t>(std::countr_zero(bits[last - 1])) / 8};
-}
+// Longer than a range, for what is looked at in vain.
+using Words = std::array<std::uint64_t, kShortRange + kRanked>;
 
 void Load(const KeyRange& range, std::size_t offset, std::uint64_t* words) noexcept {
     const std::size_t inside = std::min(offset, kKeyBytes - 8);
     const std::size_t shift = 8 * (offset - inside);
     for (std::size_t i = 0; i < range.count; ++i)
-        words[i] = (WordAt(range.keys[i], inside) << shift & ~std::uint64_t{0xFF}) | i;
+        words[i] = (WordAt(range.keys[i], inside) << shift & ~kPlace) | i;
 }
 
-// Sorts a few distinct words: each goes where the count of smaller ones says. No branch depends on
-// them.
-void SortByRank(const std::uint64_t* in, std::size_t count, std::uint64_t* out) noexcept {
-    for (std::size_t i = 0; i < count; ++i) {
-        std::size_t rank = 0;
-        for (std::size_t j = 0; j < count; ++j) rank += in[j] < in[i] ? 1 : 0;
-        out[rank] = in[i];
+template <class Rank>
+struct SortByRank {
+    CORVALE_LOOP void operator()(const std::uint64_t* in, std::size_t count,
+                                 std::uint64_t* out) const noexcept {
+        std::int64_t places[kRanked];
+        Rank{}(in, count, places);
+        for (std::size_t i = 0; i < count; ++i) out[places[i]] = in[i];
     }
-}
+};
 
 // `a` where `isFirst` is 1, `b` where it is 0. Spelt in bits, for a compiler makes branches of
 // conditional expressions here.
@@ -85,11 +63,11 @@ void MergeHalves(const std::uint64_t* in, std::size_t half, std::size_t count,
 
 // Sorts distinct words by merging equal parts; returns where the result is, `words` or `other`.
 std::uint64_t* SortWords(std::uint64_t* words, std::uint64_t* other, std::size_t count) noexcept {
-    std::size_t parts = 1;
-    while (count > 16 * parts) parts *= 2;
+    std::size_t parts = 2;
+    while (count > kRanked * parts) parts *= 2;
     const auto border = [&](std::size_t i) { return i * count / parts; };
     for (std::size_t i = 0; i < parts; ++i)
-        SortByRank(words + border(i), border(i + 1) - border(i), other + border(i));
+        WithRanks<SortByRank>(words + border(i), border(i + 1) - border(i), other + border(i));
 
     for (; parts > 1; parts /= 2) {
         std::swap(words, other);
@@ -108,34 +86,16 @@ void Reorder(const KeyRange& range, const std::uint64_t* sorted) noexcept {
     std::array<Key, kShortRange> keys;
     std::array<std::int64_t, kShortRange> companion;
     const KeyRange copy{keys.data(), companion.data(), range.count};
-    for (std::size_t i = 0; i < range.count; ++i) copy.Put(i, range, sorted[i] & 0xFF);
+    for (std::size_t i = 0; i < range.count; ++i) copy.Put(i, range, sorted[i] & kPlace);
     for (std::size_t i = 0; i < range.count; ++i) range.Put(i, copy, i);
-}
-
-// Up to this many keys that agree in a window are sorted one by one.
-constexpr std::size_t kFew = 16;
-
-void InsertOneByOne(const KeyRange& range) noexcept {
-    for (std::size_t i = 1; i < range.count; ++i) {
-        if (!IsLess(range.keys[i], range.keys[i - 1])) continue;
-        const Key key = range.keys[i];
-        const std::int64_t companion = range.companion[i];
-        std::size_t place = i;
-        do {
-            range.Put(place, range, place - 1);
-            --place;
-        } while (place > 0 && IsLess(key, range.keys[place - 1]));
-        range.keys[place] = key;
-        range.companion[place] = companion;
-    }
 }
 
 void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t begin,
               RangeStack& pending) noexcept {
     std::size_t first = 0;
     for (std::size_t i = 1; i <= range.count; ++i) {
-        if (i < range.count && (sorted[i] ^ sorted[first]) <= 0xFF) continue;
-        if (i - first > kFew)
+        if (i < range.count && (sorted[i] ^ sorted[first]) <= kPlace) continue;
+        if (i - first > kRanked)
             pending.Push(begin + first, begin + i);
         else if (i - first > 1)
             InsertOneByOne(range.Part(first, i));
@@ -143,9 +103,8 @@ void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t be
     }
 }
 
-}  // namespace
-
-void SortShortRange(const KeyRange& range, std::size_t begin, RangeStack& pending) noexcept {
+[[gnu::noinline]] void SortMany(const KeyRange& range, std::size_t begin,
+                                RangeStack& pending) noexcept {
     if (SortOneRun(range)) return;
     const Difference difference = FindDifference(range);
     if (difference.end == 0) return;
@@ -156,6 +115,12 @@ void SortShortRange(const KeyRange& range, std::size_t begin, RangeStack& pendin
     const std::uint64_t* sorted = SortWords(words.data(), other.data(), range.count);
     Reorder(range, sorted);
     if (difference.first + kWindow < difference.end) SortTies(range, sorted, begin, pending);
+}
+
+}  // namespace
+
+void SortShortRange(const KeyRange& range, std::size_t begin, RangeStack& pending) noexcept {
+    range.count > kRanked ? SortMany(range, begin, pending) : SortFewKeys(range);
 }
 
 }  // namespace corvale::internal

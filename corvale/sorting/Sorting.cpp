@@ -1,5 +1,6 @@
 #include <corvale/sorting/Sorting.hpp>
 
+#include <corvale/sorting/FewKeys.hpp>
 #include <corvale/sorting/KeyBuckets.hpp>
 #include <corvale/sorting/KeyRange.hpp>
 #include <corvale/sorting/KeyRuns.hpp>
@@ -17,8 +18,9 @@ namespace corvale::Sorting {
 // NOLINTNEXTLINE(readability-non-const-parameter)
 void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noexcept {
     if (n < 2) return;
-    internal::RangeStack pending(n);
     const internal::KeyRange all{keys, companion, static_cast<std::size_t>(n)};
+    internal::RangeStack pending(all.count);
+    if (all.count <= internal::kRanked) return internal::SortFewKeys(all);
     if (all.count > internal::kShortRange && internal::SortLongRuns(all, pending.Block())) return;
 
     pending.Push(0, all.count);

@@ -1,0 +1,63 @@
+// Internal to sorting/: not installed, may change in any commit.
+//
+// A few distinct words sorted without a branch that depends on them: the place of each is the count
+// of the smaller ones.
+#pragma once
+
+#include <corvale/base/CodePath.hpp>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace corvale::internal {
+
+/// The most words that are ranked at once; more are faster merged.
+constexpr std::size_t kRanked = 16;
+
+/// One word against the others, one by one.
+struct RankOneByOne {
+    /// The places of `count` words of `in` among them, counted from 0.
+    CORVALE_LOOP void operator()(const std::uint64_t* in, std::size_t count,
+                                 std::int64_t* places) const noexcept {
+        for (std::size_t i = 0; i < count; ++i) {
+            std::int64_t place = 0;
+            for (std::size_t j = 0; j < count; ++j) place += in[j] < in[i] ? 1 : 0;
+            places[i] = place;
+        }
+    }
+};
+
+/// All words against one at once. `in` and `places` have room for kRanked words: what stands behind
+/// `count` is looked at in vain.
+struct RankSideBySide {
+    CORVALE_LOOP void operator()(const std::uint64_t* in, std::size_t count,
+                                 std::int64_t* places) const noexcept {
+        constexpr std::size_t kVectors = kRanked / 4;
+        using Lanes [[gnu::vector_size(32), gnu::aligned(8), gnu::may_alias]] = std::int64_t;
+        Lanes words[kVectors], ranks[kVectors];
+#pragma GCC unroll 4
+        for (std::size_t v = 0; v < kVectors; ++v) {
+            words[v] =
+                reinterpret_cast<const Lanes*>(in)[v] ^ INT64_MIN;  // compared with their signs
+            ranks[v] = Lanes{};
+        }
+        for (std::size_t j = 0; j < count; ++j) {
+            const Lanes word = (Lanes{} + static_cast<std::int64_t>(in[j])) ^ INT64_MIN;
+#pragma GCC unroll 4
+            for (std::size_t v = 0; v < kVectors; ++v) ranks[v] -= words[v] > word;
+        }
+#pragma GCC unroll 4
+        for (std::size_t v = 0; v < kVectors; ++v) reinterpret_cast<Lanes*>(places)[v] = ranks[v];
+    }
+};
+
+/// Runs `Loop` with the faster of the two ways to rank.
+template <template <class> class Loop, class... Args>
+[[gnu::noinline]] auto WithRanks(Args... args) noexcept {
+#if CORVALE_HAS_AVX2_PATH
+    if (HasAvx2()) return WithAvx2<Loop<RankSideBySide>>(args...);
+#endif
+    return Loop<RankOneByOne>{}(args...);
+}
+
+}  // namespace corvale::internal
