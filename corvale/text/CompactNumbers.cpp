@@ -20,12 +20,13 @@ constexpr std::string_view kOverflow = "******************************";
 static_assert(kSignOverflow.size() == 20 && kOverflow.size() == internal::kWidestRendering);
 
 // A rendering stands in a field of its own before it is cut; one that is wider than the field shows
-// as asterisks, as wide as the field.
+// as asterisks, as wide as the field. The whole field is copied, not what of it is used: the width
+// is the same from call to call, which the processor predicts.
 void PutCut(std::string_view rendering, std::string_view overflow, std::int32_t n,
             std::span<char> out) noexcept {
     const bool fits = !rendering.empty() && rendering.size() <= overflow.size();
-    const std::string_view field = fits ? rendering : overflow;
-    internal::PutText(field.substr(0, static_cast<std::size_t>(n)), out);
+    const char* const field = fits ? rendering.data() : overflow.data();
+    internal::PutText({field, std::min(static_cast<std::size_t>(n), overflow.size())}, out);
 }
 
 }  // namespace

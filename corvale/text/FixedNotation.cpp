@@ -6,6 +6,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 namespace corvale::internal {
 
@@ -21,6 +22,7 @@ constexpr auto kPowersOfTen = [] {
 
 // Where the point stands: room for 19 digits and a sign before it, in whole words.
 constexpr std::size_t kPoint = 24;
+static_assert(kPoint + 1 + kFastDecimals + kWidestRendering <= RenderingRoom{}.size());
 
 // A magnitude, cut at the point: whole + fraction / 10^decimals.
 struct Parts {
@@ -28,8 +30,24 @@ struct Parts {
     std::uint64_t fraction;
 };
 
+// What a product is above the point, and the first 64 bits below it; the last of them stands for
+// all that follow.
+struct Split {
+    std::uint64_t above;
+    std::uint64_t below;
+};
+
+// product / 2^shift, 64 <= shift < 128.
+Split Divide(Uint128 product, int shift) noexcept {
+    const auto high = static_cast<std::uint64_t>(product >> 64U);
+    const auto low = static_cast<std::uint64_t>(product);
+    if (shift == 64) return {high, low};
+    return {high >> (shift - 64), high << (128 - shift) | static_cast<std::uint64_t>(low != 0)};
+}
+
 // The double is significand / 2^shift, so its decimals are significand x 10^decimals / 2^shift: at
-// most 117 bits before the division, and the remainder tells how to round.
+// most 117 bits before the division, and what is left tells how to round. No branch on that: which
+// way it goes cannot be predicted.
 Parts RoundToDecimals(double magnitude, std::size_t decimals) noexcept {
     const auto bits = std::bit_cast<std::uint64_t>(magnitude);
     constexpr std::uint64_t kHiddenBit = std::uint64_t{1} << 52U;
@@ -40,15 +58,15 @@ Parts RoundToDecimals(double magnitude, std::size_t decimals) noexcept {
 
     if (shift <= 0) return {significand << -shift, 0};
     if (shift >= 128) return {0, 0};  // the product is below 2^117, less than half of 2^shift
-    const std::uint64_t whole = shift < 64 ? significand >> shift : 0;
-    const std::uint64_t rest = shift < 64 ? significand - (whole << shift) : significand;
+    const bool isSmall = shift >= 64;
+    const std::uint64_t whole = isSmall ? 0 : significand >> shift;
+    // The upper bits, which are whole, fall out.
+    const std::uint64_t rest = isSmall ? significand : significand << (64 - shift);
+    const Split split = Divide(Uint128{rest} * kPowersOfTen[decimals], isSmall ? shift : 64);
 
-    const Uint128 product = Uint128{rest} * kPowersOfTen[decimals];
-    const auto down = static_cast<std::uint64_t>(product >> shift);
-    const Uint128 remainder = product - (Uint128{down} << shift);
-    const Uint128 half = Uint128{1} << (shift - 1);
-    const bool isUp = remainder > half || (remainder == half && (down & 1U) != 0);
-    const std::uint64_t fraction = down + (isUp ? 1 : 0);
+    constexpr std::uint64_t kHalf = std::uint64_t{1} << 63U;
+    const bool isUp = split.below > kHalf - (split.above & 1U);  // halfway: to the even digit
+    const std::uint64_t fraction = split.above + static_cast<std::uint64_t>(isUp);
     if (fraction == kPowersOfTen[decimals]) return {whole + 1, 0};
     return {whole, fraction};
 }
@@ -59,10 +77,11 @@ std::size_t CountDigits(std::uint64_t number) noexcept {
     return atMost + (number >= kPowersOfTen[atMost] ? 1 : 0);
 }
 
+constexpr std::uint64_t kEightDigits = 100000000;
+
 // Writes `count` digits of `number` so that they end before `end`, in whole words of eight: up to
 // seven zeros before the digits are written, too.
 void PutDigits(std::uint64_t number, std::size_t count, char* end) noexcept {
-    constexpr std::uint64_t kEightDigits = 100000000;
     while (count > 8) {
         end -= 8;
         StoreEight(EightDigits(number % kEightDigits), end);
@@ -72,19 +91,30 @@ void PutDigits(std::uint64_t number, std::size_t count, char* end) noexcept {
     StoreEight(EightDigits(number), end - 8);
 }
 
+// Writes `number` before `end`, likewise, and returns how many digits it has: none for 0. Counting
+// the zeros of a short one takes no branch, where the count could not be predicted.
+std::size_t PutWhole(std::uint64_t number, char* end) noexcept {
+    if (number >= kEightDigits) {
+        const std::size_t count = CountDigits(number);
+        PutDigits(number, count, end);
+        return count;
+    }
+    const std::uint64_t digits = EightDigits(number);
+    StoreEight(digits, end - 8);
+    return 8 - static_cast<std::size_t>(std::countr_zero(DigitValues(digits))) / 8;
+}
+
 std::string_view RenderParts(Parts parts, std::size_t decimals, char sign,
                              RenderingRoom& room) noexcept {
-    const std::size_t end = kPoint + 1 + decimals;
-    PutDigits(parts.fraction, decimals, room.data() + end);
-    std::size_t first = kPoint;
-    if (parts.whole != 0) {
-        const std::size_t count = CountDigits(parts.whole);
-        PutDigits(parts.whole, count, room.data() + kPoint);
-        first -= count;
-    }
-    room[kPoint] = '.';
-    if (sign != '\0') room[--first] = sign;
-    return {room.data() + first, end - first};
+    char* const point = room.data() + kPoint;
+    char* const end = point + 1 + decimals;
+    PutDigits(parts.fraction, decimals, end);
+    std::memset(end, ' ', kWidestRendering);
+    char* first = point - PutWhole(parts.whole, point);
+    *point = '.';
+    first[-1] = sign;
+    first -= static_cast<std::ptrdiff_t>(sign != '\0');
+    return {first, static_cast<std::size_t>(end - first)};
 }
 
 // More decimals, or more digits before the point, than the words hold. The library's conversion
@@ -96,25 +126,32 @@ std::string_view RenderLong(double magnitude, std::int32_t decimals, char sign,
     const auto end = std::to_chars(digits, room.data() + room.size(), magnitude,
                                    std::chars_format::fixed, decimals)
                          .ptr;
+    std::memset(end, ' ', static_cast<std::size_t>(room.data() + room.size() - end));
     char* first = *digits == '0' ? digits + 1 : digits;
     if (sign != '\0') *--first = sign;
     return {first, static_cast<std::size_t>(end - first)};
 }
 
-std::string_view RenderInfinity(char sign) noexcept {
-    if (sign == '\0') return "Inf";
-    return sign == '+' ? "+Inf" : "-Inf";
+std::string_view RenderText(std::string_view text, RenderingRoom& room) noexcept {
+    room.fill(' ');
+    text.copy(room.data(), text.size());
+    return {room.data(), text.size()};
+}
+
+std::string_view RenderInfinity(char sign, RenderingRoom& room) noexcept {
+    if (sign == '\0') return RenderText("Inf", room);
+    return RenderText(sign == '+' ? "+Inf" : "-Inf", room);
 }
 
 }  // namespace
 
 std::string_view RenderFixed(double value, std::int32_t decimals, SignRule rule,
                              RenderingRoom& room) noexcept {
-    if (std::isnan(value)) return "NaN";
+    if (std::isnan(value)) return RenderText("NaN", room);
     const char plus = rule == SignRule::Always ? '+' : '\0';
     const char sign = std::signbit(value) ? '-' : plus;
     const double magnitude = std::fabs(value);
-    if (std::isinf(magnitude)) return RenderInfinity(sign);
+    if (std::isinf(magnitude)) return RenderInfinity(sign, room);
 
     constexpr double kFastLimit = 0x1p63;  // up to 19 digits
     if (decimals > kFastDecimals || magnitude >= kFastLimit)

@@ -1,0 +1,123 @@
+#include <corvale/text/ByteLoops.hpp>
+
+#include <corvale/base/CodePath.hpp>
+
+#include <algorithm>
+#include <cstring>
+
+#if CORVALE_HAS_AVX2_PATH
+#include <immintrin.h>
+#endif
+
+namespace corvale::internal {
+
+namespace {
+
+// Vectors by reference: how a call would pass them depends on the processor.
+template <class Bytes>
+CORVALE_LOOP void Apply(Replacement change, Bytes& bytes) noexcept {
+    const Bytes to = change.to - Bytes{};
+    bytes = bytes == change.from ? to : bytes;
+}
+
+template <class Bytes>
+CORVALE_LOOP void Apply(CaseChange change, Bytes& bytes) noexcept {
+    bytes ^= (bytes + change.toTop > change.below) & change.caseBit;
+}
+
+// Changes `Width` bytes at a time.
+template <std::size_t Width, class Change>
+struct Changer {
+    using Bytes [[gnu::vector_size(Width)]] = signed char;
+    Change change;
+
+    CORVALE_LOOP void One(const char* in, char* out) const noexcept {
+        Bytes bytes;
+        std::memcpy(&bytes, in, Width);
+        Apply(change, bytes);
+        std::memcpy(out, &bytes, Width);
+    }
+    CORVALE_LOOP void Four(const char* in, char* out) const noexcept {
+        One(in, out);
+        One(in + Width, out + Width);
+        One(in + 2 * Width, out + 2 * Width);
+        One(in + 3 * Width, out + 3 * Width);
+    }
+    // All of `n` >= Width. The last vector ends with the text and may overlap the one before it:
+    // what is changed twice there is the same as changed once.
+    CORVALE_LOOP void All(const char* in, char* out, std::size_t n) const noexcept {
+        std::size_t i = 0;
+        for (; i + 4 * Width <= n; i += 4 * Width) Four(in + i, out + i);
+        for (; i + Width <= n; i += Width) One(in + i, out + i);
+        if (i < n) One(in + n - Width, out + n - Width);
+    }
+};
+
+template <std::size_t Width, class Change>
+struct ChangeLoop {
+    CORVALE_LOOP void operator()(const char* in, char* out, std::size_t n,
+                                 const Change* change) const noexcept {
+        if (n >= Width) return Changer<Width, Change>{*change}.All(in, out, n);
+        if (n >= 8) return Changer<8, Change>{*change}.All(in, out, n);
+        for (std::size_t i = 0; i < n; ++i) Changer<1, Change>{*change}.One(in + i, out + i);
+    }
+};
+
+template <class Change>
+CORVALE_LOOP void ChangeAll(const char* in, char* out, std::size_t n,
+                            const Change& change) noexcept {
+#if CORVALE_HAS_AVX2_PATH
+    if (HasAvx2()) return WithAvx2<ChangeLoop<32, Change>>(in, out, n, &change);
+#endif
+    ChangeLoop<16, Change>{}(in, out, n, &change);
+}
+
+#if CORVALE_HAS_AVX2_PATH
+constexpr std::size_t kBlock = 256;
+
+// In what the characters of a block differ from blanks.
+[[gnu::target("avx2"), gnu::always_inline]] inline __m256i Differences(const char* block) noexcept {
+    const __m256i blanks = _mm256_set1_epi8(' ');
+    __m256i found[2] = {_mm256_setzero_si256(), _mm256_setzero_si256()};
+#pragma GCC unroll 8
+    for (std::size_t i = 0; i < kBlock / sizeof blanks; ++i) {
+        const auto* at = reinterpret_cast<const __m256i*>(block) + i;
+        const __m256i differences = _mm256_xor_si256(_mm256_loadu_si256(at), blanks);
+        found[i % 2] = _mm256_or_si256(found[i % 2], differences);
+    }
+    return _mm256_or_si256(found[0], found[1]);
+}
+
+// For `n` >= kBlock; the last block ends with the text. One look at the end: a look at each block
+// takes longer.
+[[gnu::target("avx2")]] bool AreBlocksBlank(const char* text, std::size_t n) noexcept {
+    const char* const last = text + n - kBlock;
+    __m256i found = Differences(text);
+    while (text < last) {
+        text = std::min(text + kBlock, last);
+        found = _mm256_or_si256(found, Differences(text));
+    }
+    return _mm256_testz_si256(found, found) != 0;
+}
+#endif
+
+}  // namespace
+
+void ChangeBytes(const char* in, char* out, std::size_t n, const Replacement& change) noexcept {
+    ChangeAll(in, out, n, change);
+}
+
+void ChangeBytes(const char* in, char* out, std::size_t n, const CaseChange& change) noexcept {
+    ChangeAll(in, out, n, change);
+}
+
+// All are blanks when the first one is and each equals the one before it.
+bool IsAllBlank(std::string_view text) noexcept {
+    if (text.empty() || text.front() != ' ') return text.empty();
+#if CORVALE_HAS_AVX2_PATH
+    if (text.size() >= kBlock && HasAvx2()) return AreBlocksBlank(text.data(), text.size());
+#endif
+    return std::memcmp(text.data(), text.data() + 1, text.size() - 1) == 0;
+}
+
+}  // namespace corvale::internal
