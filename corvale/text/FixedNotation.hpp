@@ -18,8 +18,9 @@ using RenderingRoom = std::array<char, 64>;
 /// The widest rendering that is made.
 constexpr std::size_t kWidestRendering = 30;
 
-/// Renders `value` with 1 or more decimals (0 are never asked for: such a text has no room), somewhere in `room` unless the text is constant. One
-/// wider than `kWidestRendering` may be returned as an empty text.
+/// Renders `value` with 1 or more decimals (0 are never asked for: such a text has no room),
+/// somewhere in `room` unless the text is constant. One wider than `kWidestRendering` may be
+/// returned as an empty text.
 ///
 /// Exactness  the exact value, rounded once to the decimals, halfway to the even digit, whatever
 ///            the thread's rounding mode
