@@ -1,17 +1,18 @@
 // CorvaleCardReading: the library's own cards in text input files, the array of 128 reals that they
 // fill, and the modes of satellite keys.
 //
-// A card is a line that begins, in column 1, with a keyword in any case. Lines are taken as 512
-// columns: shorter ones are filled with blanks, what follows column 512 is not looked at. Lines
-// that begin with "*", blank lines and the cards of other programs are passed over without a
-// message.
+// A card is a line that begins, in column 1, with a keyword in any case. Lines end with LF or CR LF
+// and are taken as 512 columns: shorter ones are filled with blanks, what follows column 512 is not
+// looked at. Lines that begin with "*", blank lines and the cards of other programs are passed over
+// without a message.
 //
 // QZ_MOIC        column 8 is a blank; columns 9 to 512 hold up to 128 numbers for MoicArr, in free
 //                form: separated by blanks, tabs or one comma; "1.5", "-.5", "2.", "1E3", "1D3",
-//                "1Q3", "1+3" (the same); n*v stands for n times v and n* for n values that keep
-//                what they held, as does nothing between two commas; a slash ends the list, and so
-//                does anything that is not a number ("X", "Inf", "1;2"). What was not reached keeps
-//                its value, the 129th value and all that follow are not used
+//                "1Q3", "1+3" (the same), "1E" (1); n*v stands for n times v and n* for n values
+//                that keep what they held, as does nothing between two commas; a slash ends the
+//                list, and so does anything that is not a number ("X", ".", "Inf", "1;2", "0*5").
+//                What was not reached keeps its value, the 129th value and all that follow are not
+//                used
 // QZ_DMA_ON      sets ElsetKeyMode to 1; compared in columns 1 to 9 only
 // QZ_DMA_ALL_ON  sets gAllKeyMode and gUseAllKeyMode to 1; compared in columns 1 to 13 only
 //

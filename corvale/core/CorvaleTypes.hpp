@@ -10,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <type_traits>
 
 namespace corvale::CorvaleTypes {
 
@@ -33,6 +34,6 @@ extern CORVALE_API std::atomic<std::int32_t> gUseAllKeyMode;
 struct EltDma {
     std::array<std::int64_t, 6> words{};  ///< in the order in which they lie in memory
 };
-static_assert(sizeof(EltDma) == 48);
+static_assert(sizeof(EltDma) == 48 && std::is_trivially_copyable_v<EltDma>);
 
 }  // namespace corvale::CorvaleTypes

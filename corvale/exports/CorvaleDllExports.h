@@ -10,8 +10,9 @@
  * Status   CORVALE_OK, or CORVALE_FAILED with the reason in GetLastErrMsg. A success does not
  *          clear an earlier message.
  * Null     A null input text counts as blank; a null output is skipped.
- * Start    Nothing has to be called first and nothing has to be released. No exception leaves and
- *          no pointer is kept. State survives unloading the library.
+ * Start    Nothing has to be called first and nothing has to be released: every call works from the
+ *          first static constructor to the last exit handler. No exception leaves and no pointer is
+ *          kept. State survives unloading the library.
  * Threads  LogMessage, the Get functions of modes and messages, CorvaleInit, CorvaleGetInfo,
  *          GetInitDllNames and the TestInterface functions: any number of threads at once. Opening
  *          and closing the log, setting modes, loading a file and GetMOICData are for the callers
@@ -19,7 +20,7 @@
  * Exactness  the numbers of cards are correctly rounded to nearest, ties to even, in every locale
  *          and whatever the thread's rounding mode; all other results are the same bits everywhere
  *
- * C99 and C++.
+ * C99, C++11 and later.
  */
 #ifndef CORVALE_EXPORTS_CORVALEDLLEXPORTS_H
 #define CORVALE_EXPORTS_CORVALEDLLEXPORTS_H
@@ -73,12 +74,13 @@ CORVALE_API void GetInitDllNames(char* names) CORVALE_NOEXCEPT;
 
 /* Opens the log file, created or emptied; a log that is open is closed first. From then on every
  * message is also a line in the file: "Error-" and the message, or the informational message alone.
+ * Other processes may log to the same file: lines stay whole, but whoever opens it empties it.
  *
  * fileName  512 characters or a shorter terminated string; leading and trailing blanks are not part
  *           of the name
  * Returns   CORVALE_FAILED with "OpenLogFile: log file failed to open." when it cannot be opened (a
  *           blank name, a directory, a named pipe that nobody reads); later lines then go nowhere
- * Threads   not while another thread logs
+ * Threads   not while another thread logs: its lines may be lost
  *
  *     if (OpenLogFile("orbit.log") != CORVALE_OK) return 1;
  *     LogMessage("run started");
@@ -88,7 +90,7 @@ CORVALE_API int32_t OpenLogFile(const char* fileName) CORVALE_NOEXCEPT;
 
 /* Closes the log file, if one is open, and blanks the last error message.
  *
- * Threads  not while another thread logs
+ * Threads  not while another thread logs: its lines may be lost
  *
  *     OpenLogFile("orbit.log");
  *     LogMessage("run ended");

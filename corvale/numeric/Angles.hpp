@@ -73,8 +73,9 @@ CORVALE_API void DegToDDMMSSS(double deg, std::int32_t& dd, std::int32_t& mm, do
 ///            the point are '*'
 [[nodiscard]] CORVALE_API std::array<char, 11> DegToDDMMSSSSS_Str(double deg) noexcept;
 
-/// Splits `deg`, reduced to one turn from 0 up (exactly, 1e300 too), into hours `hh`, minutes `mm` and seconds `ss`.
-/// Seconds from 59.95 up become 0 and carry into minutes and hours, and 24 hours into 0.
+/// Splits `deg`, reduced to one turn from 0 up (exactly, 1e300 too), into hours `hh`, minutes `mm`
+/// and seconds `ss`. Seconds from 59.95 up become 0 and carry into minutes and hours, and 24 hours
+/// into 0.
 ///
 /// A fact of the format: 1e-12 minutes are added before the split, so whole minutes come out with
 /// 6e-11 seconds (15 gives 1, 0, 6e-11). Where nothing carries the counts stay as they are: within

@@ -8,8 +8,8 @@
 //            `b` and `x` have n elements. Only the diagonal and the elements above it are read from
 //            `a`; every element of `inverse` and `x` is written
 // Bad input  nothing is tested or reported: a pivot that is zero, negative under a square root, or
-//            not finite mostly shows as infinities and NaN in the results. n < 1: nothing is touched, the
-//            pointers may be null. Without memory for the factors every result is NaN
+//            not finite mostly shows as infinities and NaN in the results. n < 1: nothing is
+//            touched, the pointers may be null. Without memory for the factors every result is NaN
 // Aliasing   `inverse` and `x` may overlap `a` and `b`: the results are those of separate arrays.
 //            Where `inverse` and `x` overlap each other, `x` is written last
 // Threads    no state: any number of threads at once. Up to n = 16 nothing is allocated

@@ -10,8 +10,8 @@
 //            written. NaN and infinities spread. Without memory for the work every element is NaN
 // Aliasing   `result` may be `a` itself or overlap it in any way: the result is that of separate
 //            arrays. `a` is changed only where they overlap
-// Threads    no state: any number of threads at once. Up to order 16, and for 64 elements of a matrix
-//            that is not square, nothing is allocated
+// Threads    no state: any number of threads at once. Up to order 16, and for 64 elements of a
+//            matrix that is not square, nothing is allocated
 // Exactness  every element is the same to the last bit on every processor, with every compiler and
 //            for every stride: one fixed order of operations each, no fused operations
 //

@@ -16,8 +16,8 @@ namespace corvale::internal {
 /// The row is a sequence of characters, each handled by the first rule that knows it. What the
 /// rules remember from one character to the next is whether a point has been seen in the current
 /// number, and which zeros at its end would be useless if the number ended now. A comma or colon
-/// makes them forget both, so a field of the wide layout can be taken whole: its outcome is known without the
-/// rules.
+/// makes them forget both, so a field of the wide layout can be taken whole: its outcome is known
+/// without the rules.
 class CsvCompressor {
   public:
     explicit CsvCompressor(std::span<char> line) noexcept;

@@ -18,9 +18,9 @@ constexpr std::size_t kWidestRendering = 30;
 /// What a rendering is made in. It is spoilt around the rendering, too.
 using RenderingRoom = std::array<char, 80>;
 
-/// Renders `value` with 1 or more decimals (0 are never asked for: such a text has no room) in `room`.
-/// Blanks follow, so that `kWidestRendering` characters can be read. A wider rendering may be
-/// returned as an empty text.
+/// Renders `value` with 1 or more decimals (0 are never asked for: such a text has no room),
+/// somewhere in `room` unless the text is constant. Blanks follow, so that `kWidestRendering`
+/// characters can be read. One wider than that may be returned as an empty text.
 ///
 /// Exactness  the exact value, rounded once to the decimals, halfway to the even digit, whatever
 ///            the thread's rounding mode

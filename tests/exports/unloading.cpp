@@ -1,5 +1,5 @@
 // A program that loads the library while it runs: it finds the library's globals, and unloading
-// neither forgets the state nor loses an open log or its descriptor.
+// neither forgets the state nor loses an open log or its descriptor. Its last exit handler logs.
 //
 //     unloading LIBRARY
 #include <dlfcn.h>
@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -32,6 +33,7 @@ std::ptrdiff_t OpenDescriptors() {
 }
 
 constexpr const char* kLog = "unloading.log";
+void (*logAtExit)(const char*) = nullptr;
 
 void LeaveState(void* library) {
     const auto mode =
@@ -50,7 +52,8 @@ void FindState(void* library) {
     Find<void (*)(std::int32_t, double*)>(library, "GetMOICData")(3, values.data());
     Check(values[2] == 0.0010826158, "MoicArr survives");
     Check(Find<std::int32_t (*)()>(library, "GetDupKeyMode")() == 1, "the mode survives");
-    Find<void (*)(const char*)>(library, "LogMessage")("behind");
+    logAtExit = Find<void (*)(const char*)>(library, "LogMessage");
+    logAtExit("behind");
     Find<void (*)()>(library, "CloseLogFile")();
 }
 
@@ -58,10 +61,12 @@ void FindState(void* library) {
 
 int main(int argc, char** argv) {
     if (argc != 2) return 2;
+    // Registered before the library is there: it runs when all of the library's own are done.
+    std::atexit([] { logAtExit("at exit"); });
     const std::ptrdiff_t descriptors = OpenDescriptors();
     for (void (*use)(void*) : {LeaveState, FindState}) {
         void* const library = dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
-        if (library == nullptr) return std::fputs(dlerror(), stderr), 1;
+        if (library == nullptr) std::fputs(dlerror(), stderr), std::abort();
         use(library);
         dlclose(library);
     }

