@@ -2,15 +2,15 @@
 
 #include <corvale/core/CorvaleTypes.hpp>
 #include <corvale/core/FileIO.hpp>
-#include <corvale/platform/NamedLocks.hpp>
+#include <corvale/platform/MessageLocks.hpp>
 #include <corvale/platform/TextUnits.hpp>
+#include <corvale/platform/ThreadLock.hpp>
 #include <corvale/platform/UnitFiles.hpp>
 #include <corvale/text/FixedWidthText.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <mutex>
 
 namespace corvale::FileIO {
 
@@ -38,8 +38,8 @@ void StorePieces(Pieces pieces, MessageStore& store) noexcept {
     store.Store({message.data(), end});
 }
 
-// A line that the system does not take is lost: there is nobody to tell.
-void WriteToLog(Pieces pieces) noexcept {
+// A line that the system does not take is lost: there is nobody to tell. Inline, as WriteWhole is.
+[[gnu::always_inline]] inline void WriteToLog(Pieces pieces) noexcept {
     const std::int32_t unit = LogFileUnit.load(std::memory_order_relaxed);
     if (unit != kNoLog) static_cast<void>(internal::WriteLine(unit, pieces));
 }
@@ -56,7 +56,7 @@ void TraceLogError(std::string_view message) noexcept {
 }
 
 void TraceLogInfo(std::string_view message) noexcept {
-    const std::scoped_lock guard(NamedLocks::NamedLock(NamedLocks::InfoMessageLock));
+    const internal::ThreadLock guard(internal::InfoMessageMutex());
     WriteToLog({&message, 1});
     LogLastInfoMsg.Store(message);
 }
@@ -68,7 +68,7 @@ namespace corvale::internal {
 using namespace FileIO;
 
 void TraceErrorLine(std::span<const std::string_view> line) noexcept {
-    const std::scoped_lock guard(NamedLocks::NamedLock(NamedLocks::ErrorMessageLock));
+    const ThreadLock guard(ErrorMessageMutex());
     const Pieces message = line.subspan(1);
     if (!IsBlank(message)) WriteToLog(line);
     StorePieces(message, LastLoggedErrMsg);

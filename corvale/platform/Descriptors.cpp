@@ -194,6 +194,22 @@ std::ptrdiff_t WriteQuietly(const TextFile& file, std::span<iovec> parts) noexce
     return WriteSome(file.descriptor, parts);
 }
 
+// Writes what the first call, which returned `written`, has left of `parts`.
+bool GoOnWriting(TextFile& file, std::span<iovec> parts, std::ptrdiff_t written) noexcept {
+    for (int refusals = 0;; written = WriteQuietly(file, parts)) {
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0 && errno == EAGAIN && WaitForRoom(file, ++refusals)) continue;
+        if (written <= 0) return false;
+        file.isStuck = false;
+        refusals = 0;
+        parts = Advance(parts, static_cast<std::size_t>(written));
+        file.lacksLineEnd = !parts.empty();
+        if (parts.empty()) return true;
+        // A limit that was set after opening mostly shows as a short write first.
+        file.mayRaiseSignals = true;
+    }
+}
+
 }  // namespace
 
 TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept {
@@ -215,19 +231,17 @@ std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept {
 
 bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
     parts = Advance(parts, 0);
-    int refusals = 0;
-    while (!parts.empty()) {
-        const std::ptrdiff_t written = WriteQuietly(file, parts);
-        if (written < 0 && errno == EAGAIN && WaitForRoom(file, ++refusals)) continue;
-        if (written <= 0) return false;
-        file.isStuck = false;
-        refusals = 0;
-        parts = Advance(parts, static_cast<std::size_t>(written));
-        file.lacksLineEnd = !parts.empty();
-        // A limit that was set after opening mostly shows as a short write first.
-        if (!parts.empty()) file.mayRaiseSignals = true;
-    }
-    return true;
+    return parts.empty() || GoOnWriting(file, parts, WriteQuietly(file, parts));
+}
+
+std::ptrdiff_t WriteQuietly(TextFile& file, std::string_view text) noexcept {
+    iovec whole = PartOf(text);
+    return WriteQuietly(file, {&whole, 1});
+}
+
+bool GoOnWriting(TextFile& file, std::string_view text, std::ptrdiff_t written) noexcept {
+    iovec rest = PartOf(text);
+    return GoOnWriting(file, {&rest, 1}, written);
 }
 
 }  // namespace corvale::internal

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <sys/uio.h>
+#include <unistd.h>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -47,5 +48,29 @@ struct TextFile {
 /// of a line is left behind. A full pipe is given one second to make room, and none again until it
 /// has taken something. `parts` is used up.
 [[nodiscard]] bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept;
+
+/// `text` as the system calls take it; they only read it.
+inline iovec PartOf(std::string_view text) noexcept {
+    return {const_cast<char*>(text.data()), text.size()};
+}
+
+// What `WriteWhole` is made of: the first call where the file may raise signals, and all that
+// follows a first call which returned `written`.
+[[nodiscard]] std::ptrdiff_t WriteQuietly(TextFile& file, std::string_view text) noexcept;
+[[nodiscard]] bool GoOnWriting(TextFile& file, std::string_view text,
+                               std::ptrdiff_t written) noexcept;
+
+/// `WriteAll` of one text. Inline, since the processor forgets during a system call where its
+/// callers go on, and each of them costs some nanoseconds (bench: LogLine).
+[[nodiscard]] inline bool WriteWhole(TextFile& file, std::string_view text) noexcept {
+    if (file.mayRaiseSignals) [[unlikely]]
+        return GoOnWriting(file, text, WriteQuietly(file, text));
+    const std::ptrdiff_t written = write(file.descriptor, text.data(), text.size());
+    if (written != static_cast<std::ptrdiff_t>(text.size())) [[unlikely]]
+        return GoOnWriting(file, text, written);
+    file.isStuck = false;
+    file.lacksLineEnd = false;
+    return true;
+}
 
 }  // namespace corvale::internal

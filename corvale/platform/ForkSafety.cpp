@@ -1,13 +1,12 @@
 #include <corvale/platform/ForkSafety.hpp>
 
 #include <pthread.h>
-#include <atomic>
 
 namespace corvale::internal {
 
-namespace {
+constinit std::atomic<bool> isForkPrepared{false};
 
-constinit std::atomic<bool> isRegistered{false};
+namespace {
 
 void BeforeFork() noexcept {
     HoldNamedLocks();
@@ -28,11 +27,10 @@ void InChild() noexcept {
 
 }  // namespace
 
-void KeepUsableAfterFork() noexcept {
-    if (isRegistered.load(std::memory_order_relaxed)) return;
-    if (isRegistered.exchange(true)) return;
+void RegisterForkHandlers() noexcept {
+    if (isForkPrepared.exchange(true)) return;
     // Without memory for the registration the next caller tries again.
-    if (pthread_atfork(BeforeFork, InParent, InChild) != 0) isRegistered.store(false);
+    if (pthread_atfork(BeforeFork, InParent, InChild) != 0) isForkPrepared.store(false);
 }
 
 }  // namespace corvale::internal

@@ -3,15 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstring>
 
 namespace corvale::internal {
 
 namespace {
 
-// A line that fits is put together in a buffer on the stack: one write of one part is cheaper than
-// one of several (bench: LogLine). A longer one is not copied.
-constexpr std::size_t kShortLine = 1000;
 constexpr std::size_t kMostParts = 128;
 
 constexpr std::string_view kLineEnd = "\n";
@@ -19,22 +15,6 @@ constexpr std::string_view kBlankForLineEnd = " ";
 
 bool IsLineEnd(char c) noexcept {
     return c == '\n' || c == '\r';
-}
-
-iovec PartOf(std::string_view text) noexcept {
-    return {const_cast<char*>(text.data()), text.size()};
-}
-
-bool WriteShort(TextFile& file, std::span<const std::string_view> pieces) noexcept {
-    std::array<char, kShortLine + 2> line;
-    char* end = line.data();
-    if (file.lacksLineEnd) *end++ = '\n';
-    for (const std::string_view piece : pieces)
-        end = std::transform(piece.begin(), piece.end(), end,
-                             [](char c) { return IsLineEnd(c) ? ' ' : c; });
-    *end++ = '\n';
-    iovec whole = PartOf({line.data(), static_cast<std::size_t>(end - line.data())});
-    return WriteAll(file, {&whole, 1});
 }
 
 // The parts of a long line, written when there are as many as one call takes.
@@ -71,7 +51,23 @@ class LongLine {
     bool isWhole_ = true;
 };
 
-bool WriteLong(TextFile& file, std::span<const std::string_view> pieces) noexcept {
+}  // namespace
+
+ShortLine::ShortLine(std::span<const std::string_view> pieces) noexcept {
+    std::size_t length = 0;
+    for (const std::string_view piece : pieces) length += piece.size();
+    if (length > kShortLine) return;
+
+    text_[kBegin - 1] = '\n';
+    char* end = text_.data() + kBegin;
+    for (const std::string_view piece : pieces)
+        end = std::transform(piece.begin(), piece.end(), end,
+                             [](char c) { return IsLineEnd(c) ? ' ' : c; });
+    *end++ = '\n';
+    size_ = static_cast<std::size_t>(end - text_.data()) - kBegin;
+}
+
+bool WriteLongLine(TextFile& file, std::span<const std::string_view> pieces) noexcept {
     LongLine line(file);
     for (std::string_view piece : pieces) {
         auto inside = std::find_if(piece.begin(), piece.end(), IsLineEnd);
@@ -84,14 +80,6 @@ bool WriteLong(TextFile& file, std::span<const std::string_view> pieces) noexcep
         line.Add(piece);
     }
     return line.Finish();
-}
-
-}  // namespace
-
-bool WriteTextLine(TextFile& file, std::span<const std::string_view> pieces) noexcept {
-    std::size_t length = 0;
-    for (const std::string_view piece : pieces) length += piece.size();
-    return length <= kShortLine ? WriteShort(file, pieces) : WriteLong(file, pieces);
 }
 
 }  // namespace corvale::internal

@@ -1,6 +1,7 @@
 #include <corvale/platform/NamedLocks.hpp>
 
 #include <corvale/platform/ForkSafety.hpp>
+#include <corvale/platform/MessageLocks.hpp>
 #include <corvale/platform/NeverDestroyed.hpp>
 
 #include <atomic>
@@ -56,6 +57,16 @@ std::mutex& NamedLock(std::string_view name) noexcept {
 }  // namespace corvale::NamedLocks
 
 namespace corvale::internal {
+
+std::mutex& InfoMessageMutex() noexcept {
+    KeepUsableAfterFork();
+    return NamedLocks::infoMessage.lock;
+}
+
+std::mutex& ErrorMessageMutex() noexcept {
+    KeepUsableAfterFork();
+    return NamedLocks::errorMessage.lock;
+}
 
 // Between these two no other thread changes the list. Locks that other threads hold are lost to the
 // child together with those threads, so it gets new ones in their place.

@@ -1,7 +1,6 @@
 #include <corvale/platform/TextUnits.hpp>
 
 #include <corvale/platform/ForkSafety.hpp>
-#include <corvale/platform/LineWriter.hpp>
 #include <corvale/platform/NeverDestroyed.hpp>
 #include <corvale/platform/UnitFiles.hpp>
 
@@ -179,14 +178,13 @@ std::ptrdiff_t ReadBytes(std::int32_t unit, std::span<char> buffer) noexcept {
     return static_cast<std::ptrdiff_t>(waiting);
 }
 
-bool WriteLine(std::int32_t unit, std::span<const std::string_view> pieces) noexcept {
+WritingUnit::WritingUnit(std::int32_t unit) noexcept {
     KeepUsableAfterFork();
     const Place place = Find(unit);
-    if (!place) return false;
-    const std::scoped_lock guard(place.unit->writing);
-    if (place.key->load(std::memory_order_relaxed) != KeyOf(unit)) return false;
-    TextFile& file = *place.unit->file;
-    return file.access != FileAccess::Read && WriteTextLine(file, pieces);
+    if (!place) return;
+    lock_.Take(place.unit->writing);
+    if (place.key->load(std::memory_order_relaxed) != KeyOf(unit)) return;
+    if (place.unit->file->access != FileAccess::Read) file_ = &*place.unit->file;
 }
 
 // Between these two no unit is opened. A line that another thread was writing stays with the

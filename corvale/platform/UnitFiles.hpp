@@ -4,6 +4,8 @@
 #pragma once
 
 #include <corvale/platform/Descriptors.hpp>
+#include <corvale/platform/LineWriter.hpp>
+#include <corvale/platform/ThreadLock.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -24,7 +26,31 @@ namespace corvale::internal {
 /// read.
 [[nodiscard]] std::ptrdiff_t ReadBytes(std::int32_t unit, std::span<char> buffer) noexcept;
 
-/// Writes one line that is given in pieces, as `TextUnits::WriteLine` does.
-[[nodiscard]] bool WriteLine(std::int32_t unit, std::span<const std::string_view> pieces) noexcept;
+/// A unit while a line is written to it: no other thread writes to it or closes it.
+class WritingUnit {
+  public:
+    explicit WritingUnit(std::int32_t unit) noexcept;
+
+    /// Null where the unit is not open or does not write.
+    [[nodiscard]] TextFile* File() const noexcept { return file_; }
+
+  private:
+    ThreadLock lock_;
+    TextFile* file_ = nullptr;
+};
+
+/// Writes one line that is given in pieces, as `TextUnits::WriteLine` does. Inline, as `WriteWhole`
+/// is.
+[[nodiscard, gnu::always_inline]] inline bool WriteLine(
+    std::int32_t unit, std::span<const std::string_view> pieces) noexcept {
+    const ShortLine line(pieces);
+    const WritingUnit writing(unit);
+    TextFile* const file = writing.File();
+    if (file == nullptr) [[unlikely]]
+        return false;
+    if (!line.IsWhole()) [[unlikely]]
+        return WriteLongLine(*file, pieces);
+    return WriteWhole(*file, line.Text(file->lacksLineEnd));
+}
 
 }  // namespace corvale::internal

@@ -33,9 +33,9 @@ void PutChanged(std::string_view text, std::span<char> result, const Change& cha
     internal::ChangeBytes(text.data(), result.data(), text.size(), change);
 }
 
-// A code below 32 or above 127.
+// A code below 32 or above 127: as signed characters the latter are negative.
 bool StopsBuffer(char c) noexcept {
-    return static_cast<unsigned char>(c - 32) > 127 - 32;
+    return static_cast<signed char>(c) < 32;
 }
 
 // How many of the first `limit` elements precede the first one that stops. One element after the
