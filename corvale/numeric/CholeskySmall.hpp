@@ -182,20 +182,26 @@ struct SolveSmall {
     }
 };
 
+/// The width for an order that does not fit in four: with two lanes one width serves all of them,
+/// for the size of the library.
+template <class L, bool rootFree>
+CORVALE_LOOP bool SolveSmallOrder(const SmallSystem* system) noexcept {
+    if (system->n <= 4) return OnLanes<SolveSmall<L, 4, rootFree>, L>(system);
+    if constexpr (L::kLanes == 4)
+        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, rootFree>, L>(system);
+    return OnLanes<SolveSmall<L, 12, rootFree>, L>(system);
+}
+
 template <class L>
 struct SolveSmallWithRoots {
     CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
-        if (system->n <= 4) return OnLanes<SolveSmall<L, 4, false>, L>(system);
-        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, false>, L>(system);
-        return OnLanes<SolveSmall<L, 12, false>, L>(system);
+        return SolveSmallOrder<L, false>(system);
     }
 };
 template <class L>
 struct SolveSmallWithoutRoots {
     CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
-        if (system->n <= 4) return OnLanes<SolveSmall<L, 4, true>, L>(system);
-        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, true>, L>(system);
-        return OnLanes<SolveSmall<L, 12, true>, L>(system);
+        return SolveSmallOrder<L, true>(system);
     }
 };
 
