@@ -32,6 +32,7 @@ CholeskyWork LayOut(double* room, std::size_t n, bool rootFree) noexcept {
     const std::size_t lanes = RoundUp(n, kLongestPanelRow);
     CholeskyWork work{};
     work.n = n;
+    work.rootFree = rootFree;
     work.steps = RoundUp(n, internal::kTileRows);
     work.u = room;
     work.w = work.u + lanes * work.steps;
@@ -54,11 +55,11 @@ template <bool rootFree>
 void Run(CholeskyWork& work) noexcept {
     if constexpr (rootFree) {
         internal::OnWidestLanes<internal::FactorWithoutRoots>(&work);
-        internal::OnWidestLanes<internal::SolveWithoutRoots>(&work);
+        internal::OnWidestLanes<internal::Solve>(&work);
         internal::OnWidestLanes<internal::InvertWithoutRoots>(&work);
     } else {
         internal::OnWidestLanes<internal::FactorWithRoots>(&work);
-        internal::OnWidestLanes<internal::SolveWithRoots>(&work);
+        internal::OnWidestLanes<internal::Solve>(&work);
         internal::OnWidestLanes<internal::InvertWithRoots>(&work);
     }
 }

@@ -115,21 +115,19 @@ struct FillZeros {
     }
 };
 
-/// Whether every element of a triangle in panels is finite.
+/// Whether every element of a triangle in panels is finite: of the upper one down to the diagonal,
+/// or of the lower one from there to `end`.
 template <class L>
 struct AllFinite {
     using V = typename L::Vector;
-    CORVALE_LOOP static bool Upper(const double* panels, std::size_t steps) noexcept {
+    CORVALE_LOOP bool operator()(const double* panels, std::size_t steps, std::size_t end,
+                                 bool isUpper) const noexcept {
         V sum{};
-        for (std::size_t lane = 0; lane < steps; lane += L::kPanel)
-            Add(Place<L>(panels, steps, lane, 0), std::min(steps, lane + L::kPanel), sum);
-        return IsZero(sum);
-    }
-    CORVALE_LOOP static bool Lower(const double* panels, std::size_t steps,
-                                   std::size_t end) noexcept {
-        V sum{};
-        for (std::size_t lane = 0; lane < end; lane += L::kPanel)
-            Add(Place<L>(panels, steps, lane, lane), end - lane, sum);
+        for (std::size_t lane = 0; lane < end; lane += L::kPanel) {
+            const std::size_t first = isUpper ? 0 : lane;
+            const std::size_t past = isUpper ? std::min(end, lane + L::kPanel) : end;
+            Add(Place<L>(panels, steps, lane, first), past - first, sum);
+        }
         return IsZero(sum);
     }
     // Zero times a finite number is a zero, times any other NaN.
@@ -204,21 +202,32 @@ struct WriteSymmetric {
     }
 };
 
+/// The inverse from W.
+template <class L>
+struct MultiplyAndWrite {
+    CORVALE_LOOP void operator()(const CholeskyWork* work, bool wholeRows) const noexcept {
+        Product<L>{}(work, wholeRows);
+        WriteSymmetric<L>{}(work);
+    }
+};
+
 /// All of it, once the factors are there.
 template <class L, bool rootFree>
 struct Invert {
     CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
-        bool finite = AllFinite<L>::Upper(work->u, work->steps);
+        const auto areFinite = [=](const double* panels, std::size_t end, bool isUpper) {
+            return OnLanes<AllFinite<L>, L>(panels, work->steps, end, isUpper);
+        };
+        bool finite = areFinite(work->u, work->steps, true);
         if (finite) {
             InvertFactor<L, rootFree>{}(work);
-            finite = AllFinite<L>::Lower(work->w, work->steps, work->n) &&
-                     (!rootFree || AllFinite<L>::Lower(work->z, work->steps, work->n));
+            finite = areFinite(work->w, work->n, false) &&
+                     (!rootFree || areFinite(work->z, work->n, false));
         } else {
             OnLanes<InvertFactorPlainly<L, rootFree>, L>(work);
         }
         if (!finite) OnLanes<FillZeros<L, rootFree>, L>(work);
-        Product<L>{}(work, !finite);
-        WriteSymmetric<L>{}(work);
+        OnLanes<MultiplyAndWrite<L>, L>(work, !finite);
     }
 };
 

@@ -16,6 +16,7 @@ namespace corvale::internal {
 
 struct CholeskyWork {
     const double *a, *b;  // as passed
+    bool rootFree;
     double* inverse;
     std::size_t n;
     std::size_t steps;             // n in whole tiles: the length of a panel

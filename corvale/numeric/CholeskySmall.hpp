@@ -33,9 +33,8 @@ struct SolveSmall {
     }
 
     struct Work {
-        Rows given;  // A, upper triangle, zeros below it
-        Rows u, w;   // U by rows, W by columns
-        Rows z;      // W D^-1 by columns
+        Rows u, w;  // U by rows, W by columns
+        Rows z;     // W D^-1 by columns
         double pivots[width], reciprocals[width], y[width];
         V check[kVectors];  // zero as long as U, W and W D^-1 are finite
     };
@@ -45,9 +44,9 @@ struct SolveSmall {
         const std::size_t n = system->n;
         if (n < 1 || n > width) return false;  // never so, but the loops are shorter for it
         Work work;
-        CopyUpper(*system, work);
+        for (V& check : work.check) check = V{};
         for (std::size_t k = 0; k < n; ++k) {
-            FactorRow(work, k);
+            FactorRow(*system, work, k);
             work.y[k] = DownElement(work, k, system->b[k]);
             InverseColumn(work, k);
         }
@@ -62,33 +61,42 @@ struct SolveSmall {
         return true;
     }
 
-    CORVALE_LOOP static void CopyUpper(const SmallSystem& system, Work& work) noexcept {
-        const std::size_t n = system.n;
-        for (std::size_t i = 0; i < n; ++i) work.given[i] = Row{};
-        for (V& check : work.check) check = V{};
-        for (std::size_t j = 0; j < n; ++j)
-            for (std::size_t i = 0; i <= j; ++i)
-                reinterpret_cast<double*>(work.given[i].v)[j] = system.a[j * n + i];
-    }
-
     CORVALE_LOOP static V Position(std::size_t lane) noexcept {
         return Splat<V>(static_cast<double>(lane));
     }
 
+    /// Row k of A behind the diagonal, zeros elsewhere. Put together in registers: a vector that is
+    /// loaded right after its elements were stored has to wait, a tenth of the time at order 3.
+    CORVALE_LOOP static Row GivenRow(const SmallSystem& system, std::size_t k) noexcept {
+        Row given;
+        for (std::size_t c = 0; c < kVectors; ++c) {
+            V part{};
+#pragma GCC unroll 4
+            for (std::size_t lane = 0; lane < L::kLanes; ++lane) {
+                const std::size_t j = c * L::kLanes + lane;
+                part[lane] = k < j && j < system.n ? system.a[j * system.n + k] : 0.0;
+            }
+            given.v[c] = part;
+        }
+        return given;
+    }
+
     /// Row k of U: zeros before the diagonal.
-    CORVALE_LOOP static void FactorRow(Work& work, std::size_t k) noexcept {
+    CORVALE_LOOP static void FactorRow(const SmallSystem& system, Work& work,
+                                       std::size_t k) noexcept {
+        const Row given = GivenRow(system, k);
         Row sum{};
         for (std::size_t i = 0; i < k; ++i) {
             const double factor = rootFree ? work.pivots[i] * Of(work.u[i])[k] : Of(work.u[i])[k];
 #pragma GCC unroll 8
             for (std::size_t c = 0; c < kVectors; ++c) sum.v[c] += work.u[i].v[c] * factor;
         }
-        const double pivot = NextPivot(work, k);
+        const double pivot = NextPivot(system, work, k);
         const double reciprocal = 1.0 / pivot;
         work.pivots[k] = pivot, work.reciprocals[k] = reciprocal;
 #pragma GCC unroll 8
         for (std::size_t c = 0; c < kVectors; ++c) {
-            const V rest = LaneNumbers<L>(c) > Position(k) ? work.given[k].v[c] - sum.v[c] : V{};
+            const V rest = LaneNumbers<L>(c) > Position(k) ? given.v[c] - sum.v[c] : V{};
             const V u = rootFree ? rest * reciprocal : rest / pivot;
             work.u[k].v[c] =
                 LaneNumbers<L>(c) == Position(k) ? Splat<V>(rootFree ? 1.0 : pivot) : u;
@@ -97,13 +105,14 @@ struct SolveSmall {
     }
 
     /// The sum under a pivot is a chain of its own, so that it does not wait for a whole row.
-    CORVALE_LOOP static double NextPivot(const Work& work, std::size_t k) noexcept {
+    CORVALE_LOOP static double NextPivot(const SmallSystem& system, const Work& work,
+                                         std::size_t k) noexcept {
         double sum = 0.0;
         for (std::size_t i = 0; i < k; ++i) {
             const double u = Of(work.u[i])[k];
             sum += rootFree ? work.pivots[i] * (u * u) : u * u;
         }
-        const double rest = Of(work.given[k])[k] - sum;
+        const double rest = system.a[k * system.n + k] - sum;
         return rootFree ? rest : std::sqrt(rest);
     }
 
@@ -182,20 +191,26 @@ struct SolveSmall {
     }
 };
 
+/// The width for an order that does not fit in four: with two lanes one width serves all of them,
+/// for the size of the library.
+template <class L, bool rootFree>
+CORVALE_LOOP bool SolveSmallOrder(const SmallSystem* system) noexcept {
+    if (system->n <= 4) return OnLanes<SolveSmall<L, 4, rootFree>, L>(system);
+    if constexpr (L::kLanes == 4)
+        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, rootFree>, L>(system);
+    return OnLanes<SolveSmall<L, 12, rootFree>, L>(system);
+}
+
 template <class L>
 struct SolveSmallWithRoots {
     CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
-        if (system->n <= 4) return OnLanes<SolveSmall<L, 4, false>, L>(system);
-        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, false>, L>(system);
-        return OnLanes<SolveSmall<L, 12, false>, L>(system);
+        return SolveSmallOrder<L, false>(system);
     }
 };
 template <class L>
 struct SolveSmallWithoutRoots {
     CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
-        if (system->n <= 4) return OnLanes<SolveSmall<L, 4, true>, L>(system);
-        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, true>, L>(system);
-        return OnLanes<SolveSmall<L, 12, true>, L>(system);
+        return SolveSmallOrder<L, true>(system);
     }
 };
 

@@ -9,7 +9,7 @@
 
 namespace corvale::internal {
 
-template <class L, bool rootFree>
+template <class L>
 struct Solve {
     using V = typename L::Vector;
 
@@ -45,7 +45,7 @@ struct Solve {
 
     CORVALE_LOOP static double DownElement(const CholeskyWork& work, std::size_t k, double b,
                                            double sum) noexcept {
-        if constexpr (rootFree) return k == 0 ? b : b - sum;
+        if (work.rootFree) return k == 0 ? b : b - sum;
         return k == 0 ? b / work.pivots[0] : work.reciprocals[k] * (b - sum);
     }
 
@@ -96,10 +96,5 @@ struct Solve {
         At<V>(sums) = sum;
     }
 };
-
-template <class L>
-struct SolveWithRoots : Solve<L, false> {};
-template <class L>
-struct SolveWithoutRoots : Solve<L, true> {};
 
 }  // namespace corvale::internal

@@ -78,7 +78,7 @@ class Inversion {
     }
 
     /// Reduces a copy of `a`. Returns whether all steps could be made.
-    bool Reduce(const MatrixView<const double>& a) noexcept {
+    [[gnu::noinline]] bool Reduce(const MatrixView<const double>& a) noexcept {
         if (order_ >= kPanelOrder) {
             const Outcome outcome = ReduceInPanels(a);
             if (outcome != Outcome::NotFinite) return outcome == Outcome::Done;
@@ -90,7 +90,7 @@ class Inversion {
     }
 
     /// Writes what was reached as it is.
-    void Write(const MatrixView<double>& result) const noexcept {
+    [[gnu::noinline]] void Write(const MatrixView<double>& result) const noexcept {
         ForEachPanelColumn(
             [&](std::size_t row, std::size_t column, std::size_t count, const double* from) {
                 double* to = Place(result, row, column);

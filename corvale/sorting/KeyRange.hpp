@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <utility>
 
 namespace corvale::internal {
@@ -71,5 +72,14 @@ struct KeyRange {
         std::memmove(companion + to, source.companion + from, rows * sizeof(std::int64_t));
     }
 };
+
+/// The bytes of a key with its companion.
+constexpr std::size_t kRowBytes = kKeyBytes + sizeof(std::int64_t);
+
+/// `rows` rows in `memory`, which is aligned for companions and long enough.
+[[nodiscard]] inline KeyRange RowsIn(std::span<std::int32_t> memory, std::size_t rows) noexcept {
+    auto* const companion = reinterpret_cast<std::int64_t*>(memory.data());
+    return {reinterpret_cast<Key*>(companion + rows), companion, rows};
+}
 
 }  // namespace corvale::internal

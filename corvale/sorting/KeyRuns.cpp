@@ -165,17 +165,13 @@ class BlockMerge {
     std::size_t leftBlocks_;
 };
 
-constexpr std::size_t kRowBytes = sizeof(Key) + sizeof(std::int64_t);
 constexpr std::size_t kMostBlockRows = 128;
 
 // Merges two neighbouring runs in place. `block` is cut into a buffer of rows and the sources of
 // the blocks.
 void MergeRuns(const KeyRange& range, std::size_t split, std::span<std::int32_t> block) noexcept {
-    const auto bytes = std::as_writable_bytes(block);
-    const std::size_t rows = std::min(kMostBlockRows, bytes.size() / (2 * kRowBytes));
-    auto* const integers = reinterpret_cast<std::int64_t*>(bytes.data());
-    auto* const keys = reinterpret_cast<Key*>(integers + rows);
-    const KeyRange buffer{keys, integers, rows};
+    const std::size_t rows = std::min(kMostBlockRows, block.size_bytes() / (2 * kRowBytes));
+    const KeyRange buffer = RowsIn(block, rows);
 
     // Whole blocks in the middle; a part block of the left run before them, one of the right run
     // behind.

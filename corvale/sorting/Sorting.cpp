@@ -6,6 +6,7 @@
 #include <corvale/sorting/KeyRuns.hpp>
 #include <corvale/sorting/RangeStack.hpp>
 #include <corvale/sorting/ShortRanges.hpp>
+#include <corvale/sorting/Strays.hpp>
 
 #include <cstddef>
 #include <utility>
@@ -21,9 +22,11 @@ void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noex
     const internal::KeyRange all{keys, companion, static_cast<std::size_t>(n)};
     internal::RangeStack pending(all.count);
     if (all.count <= internal::kRanked) return internal::SortFewKeys(all);
-    if (all.count > internal::kShortRange && internal::SortLongRuns(all, pending.Block())) return;
+    const bool isLong = all.count > internal::kShortRange;
+    if (isLong && internal::SortLongRuns(all, pending.Block())) return;
 
-    pending.Push(0, all.count);
+    const std::size_t kept = isLong ? internal::SetStraysAside(all, pending.Block()) : 0;
+    pending.Push(kept, all.count);
     while (!pending.IsEmpty()) {
         std::size_t begin = 0;
         const internal::KeyRange range = pending.Pop(all, begin);
@@ -32,6 +35,7 @@ void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noex
         else
             internal::DealIntoBuckets(range, begin, pending);
     }
+    if (kept > 0) internal::MergeStrays(all, kept, pending.Block());
 }
 
 std::int32_t Partition(std::int32_t low, std::int32_t high, Key* keys,
