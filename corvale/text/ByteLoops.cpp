@@ -53,8 +53,9 @@ struct Changer {
     }
 };
 
-template <std::size_t Width, class Change>
+template <std::size_t Width>
 struct ChangeLoop {
+    template <class Change>
     CORVALE_LOOP void operator()(const char* in, char* out, std::size_t n,
                                  const Change* change) const noexcept {
         if (n >= Width) return Changer<Width, Change>{*change}.All(in, out, n);
@@ -62,15 +63,6 @@ struct ChangeLoop {
         for (std::size_t i = 0; i < n; ++i) Changer<1, Change>{*change}.One(in + i, out + i);
     }
 };
-
-template <class Change>
-CORVALE_LOOP void ChangeAll(const char* in, char* out, std::size_t n,
-                            const Change& change) noexcept {
-#if CORVALE_HAS_AVX2_PATH
-    if (HasAvx2()) return WithAvx2<ChangeLoop<32, Change>>(in, out, n, &change);
-#endif
-    ChangeLoop<16, Change>{}(in, out, n, &change);
-}
 
 #if CORVALE_HAS_AVX2_PATH
 constexpr std::size_t kBlock = 256;
@@ -104,11 +96,11 @@ constexpr std::size_t kBlock = 256;
 }  // namespace
 
 void ChangeBytes(const char* in, char* out, std::size_t n, const Replacement& change) noexcept {
-    ChangeAll(in, out, n, change);
+    OnWidestBytes<ChangeLoop>(in, out, n, &change);
 }
 
 void ChangeBytes(const char* in, char* out, std::size_t n, const CaseChange& change) noexcept {
-    ChangeAll(in, out, n, change);
+    OnWidestBytes<ChangeLoop>(in, out, n, &change);
 }
 
 // All are blanks when the first one is and each equals the one before it.
