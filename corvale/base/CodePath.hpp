@@ -53,7 +53,7 @@ auto OnBestPath(Args... args) noexcept {
 /// Runs `Loop`, made for vectors of as many bytes as the processor has: 32 or 16. Written for 32
 /// alone it is many times as long, and slow, where they are taken apart.
 template <template <std::size_t Width> class Loop, class... Args>
-auto OnWidestBytes(Args... args) noexcept {
+CORVALE_LOOP auto OnWidestBytes(Args... args) noexcept {
 #if CORVALE_HAS_AVX2_PATH
     if (HasAvx2()) return WithAvx2<Loop<32>>(args...);
 #endif
