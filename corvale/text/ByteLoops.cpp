@@ -22,13 +22,14 @@ CORVALE_LOOP void Apply(Replacement change, Bytes& bytes) noexcept {
 
 template <class Bytes>
 CORVALE_LOOP void Apply(CaseChange change, Bytes& bytes) noexcept {
-    bytes ^= (bytes + change.toTop > change.below) & change.caseBit;
+    using Signed = decltype(bytes == bytes);
+    bytes ^= Bytes((Signed(bytes + change.toTop) > change.below) & change.caseBit);
 }
 
 // Changes `Width` bytes at a time.
 template <std::size_t Width, class Change>
 struct Changer {
-    using Bytes [[gnu::vector_size(Width)]] = signed char;
+    using Bytes [[gnu::vector_size(Width)]] = unsigned char;
     Change change;
 
     CORVALE_LOOP void One(const char* in, char* out) const noexcept {

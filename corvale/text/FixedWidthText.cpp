@@ -17,7 +17,7 @@ using internal::PutText;
 namespace {
 
 constexpr internal::Replacement OneForOne(char from, char to) noexcept {
-    return {static_cast<signed char>(from), static_cast<signed char>(to)};
+    return {static_cast<unsigned char>(from), static_cast<unsigned char>(to)};
 }
 constexpr internal::Replacement kNullToBlank = OneForOne('\0', kBlank);
 constexpr internal::Replacement kBlankToZero = OneForOne(kBlank, '0');
