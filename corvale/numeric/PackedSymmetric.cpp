@@ -41,26 +41,15 @@ constexpr std::size_t StripeWidth(std::size_t columnStride) noexcept {
     return SharePlaces(columnStride) ? kNarrowStripe : kStripe;
 }
 
-/// The upper triangle of a block, diagonal included, and the lower one of its turned copy.
-template <class L>
-CORVALE_LOOP void Mirror(Block<L>& block, const Block<L>& turned) noexcept {
-    if constexpr (L::kLanes == 4) {
-        block.v1 = __builtin_shufflevector(block.v1, turned.v1, 0, 5, 6, 7);
-        block.v2 = __builtin_shufflevector(block.v2, turned.v2, 0, 1, 6, 7);
-    }
-    block.v0 = turned.v0;
-}
-
-/// One way between the two forms: how a block of rows from i on and columns from j on goes. It lies
-/// below the diagonal, or on it where i = j.
+/// One way between the two forms: how a block of the rows from i on and the columns from j on goes
+/// that lies below the diagonal, and one that lies on it, from row and column i on.
 struct Pack {
     const double* square;
     std::size_t columnStride;
     double* packed;
 
     template <class L>
-    CORVALE_LOOP void Move(std::size_t i, std::size_t j) const noexcept {
-        if (i == j) return MoveDiagonal(i, L::kLanes);
+    CORVALE_LOOP void Below(std::size_t i, std::size_t j) const noexcept {
         const double* from = square + j * columnStride + i;
         double* to = packed + RowStart(i) + j;
         Block<L> block;
@@ -69,10 +58,11 @@ struct Pack {
         block.Store([=](std::size_t r) { return to + RowsAfter(i, r); });
     }
     // Element by element: those above the diagonal are not to be read.
-    CORVALE_LOOP void MoveDiagonal(std::size_t first, std::size_t count) const noexcept {
-        for (std::size_t i = first; i < first + count; ++i)
-            for (std::size_t j = first; j <= i; ++j)
-                packed[RowStart(i) + j] = square[j * columnStride + i];
+    template <class L>
+    CORVALE_LOOP void Diagonal(std::size_t i) const noexcept {
+        for (std::size_t r = i; r < i + L::kLanes; ++r)
+            for (std::size_t c = i; c <= r; ++c)
+                packed[RowStart(r) + c] = square[c * columnStride + r];
     }
 };
 
@@ -84,21 +74,36 @@ struct Unpack {
     bool areRowsCopied;
 
     template <class L>
-    CORVALE_LOOP void Move(std::size_t i, std::size_t j) const noexcept {
+    CORVALE_LOOP Block<L> Load(std::size_t i, std::size_t j) const noexcept {
         const double* from = packed + RowStart(i) + j;
-        double* upper = square + i * columnStride + j;
-        double* lower = square + j * columnStride + i;
         Block<L> block;
         block.Load([=](std::size_t r) { return from + RowsAfter(i, r); });
+        return block;
+    }
+    template <class L>
+    CORVALE_LOOP void Store(const Block<L>& block, std::size_t i, std::size_t j) const noexcept {
+        double* to = square + j * columnStride + i;
+        block.Store([=, *this](std::size_t c) { return to + c * columnStride; });
+    }
+    template <class L>
+    CORVALE_LOOP void Below(std::size_t i, std::size_t j) const noexcept {
+        Block<L> block = Load<L>(i, j);
+        if (!areRowsCopied) Store(block, j, i);
+        block.Turn();
+        Store(block, i, j);
+    }
+    // What a block has above the diagonal belongs to other rows; the turned one has it right.
+    template <class L>
+    CORVALE_LOOP void Diagonal(std::size_t i) const noexcept {
+        Block<L> block = Load<L>(i, i);
         Block<L> turned = block;
         turned.Turn();
-        if (i == j) {
-            Mirror(block, turned);
-        } else {
-            turned.Store([=, *this](std::size_t c) { return lower + c * columnStride; });
-            if (areRowsCopied) return;
+        if constexpr (L::kLanes == 4) {
+            block.v1 = __builtin_shufflevector(block.v1, turned.v1, 0, 5, 6, 7);
+            block.v2 = __builtin_shufflevector(block.v2, turned.v2, 0, 1, 6, 7);
         }
-        block.Store([=, *this](std::size_t r) { return upper + r * columnStride; });
+        block.v0 = turned.v0;
+        Store(block, i, i);
     }
     void CopyRows(std::size_t n) const noexcept {
         for (std::size_t i = 0; i < n; ++i)
@@ -106,34 +111,25 @@ struct Unpack {
     }
 };
 
-/// The rows of a block from row i on, of the columns from `columnEnd` down to `column`. The last
-/// block may overlap the one before it.
-template <class L, class Way>
-CORVALE_LOOP void WalkRows(const Way& way, std::size_t i, std::size_t column,
-                           std::size_t columnEnd) noexcept {
-    std::size_t j = std::min(i, columnEnd - L::kLanes);
-    way.template Move<L>(i, j);
-    if (i < L::kLanes) return;
-    while (j > column) {
-        j -= std::min(j - column, L::kLanes);
-        way.template Move<L>(i, j);
-    }
-}
-
 /// Walks the lower triangle of order n >= kBlockedOrder in stripes of columns, in them in rows of
 /// blocks. The blocks end with the last row and column. Where the first rows and columns do not fill
-/// one, they are in two that overlap the others.
+/// one, they are in two that overlap the others, and so is the first block of each row.
 template <class L, class Way>
 CORVALE_LOOP void WalkTriangle(const Way& way, std::size_t n, std::size_t width) noexcept {
-    const std::size_t unfilled = n % L::kLanes;
+    constexpr std::size_t step = L::kLanes;
+    const std::size_t unfilled = n % step;
     if (unfilled != 0) {
-        way.template Move<L>(0, 0);
-        way.template Move<L>(L::kLanes, 0);
+        way.template Diagonal<L>(0);
+        way.template Below<L>(step, 0);
     }
     std::size_t stripe = 0;
     for (std::size_t end = unfilled + width; stripe < n; stripe = end, end += width)
-        for (std::size_t i = std::max(stripe, unfilled); i < n; i += L::kLanes)
-            WalkRows<L>(way, i, stripe, end);
+        for (std::size_t i = std::max(stripe, unfilled); i < n; i += step) {
+            const std::size_t columnEnd = i < step ? 0 : std::min(i, end);
+            for (std::size_t j = stripe; j < columnEnd; j = j < unfilled ? unfilled : j + step)
+                way.template Below<L>(i, j);
+            if (i < end) way.template Diagonal<L>(i);
+        }
 }
 
 template <class L>
