@@ -11,6 +11,8 @@
 // Bench: Text512 in bench/TextBench.cpp shows what the second copy brings.
 #pragma once
 
+#include <cstddef>
+
 #if defined(__x86_64__) && !defined(CORVALE_BASELINE_ONLY)
 #define CORVALE_HAS_AVX2_PATH 1
 #else
@@ -63,6 +65,16 @@ auto OnBestPath(Args... args) noexcept {
     if (HasAvx2()) return WithAvx2<Loop>(args...);
 #endif
     return Loop{}(args...);
+}
+
+/// Runs `Loop`, made for vectors of as many bytes as the processor has: 32 or 16. Written for 32
+/// alone it is many times as long, and slow, where they are taken apart.
+template <template <std::size_t Width> class Loop, class... Args>
+CORVALE_LOOP auto OnWidestBytes(Args... args) noexcept {
+#if CORVALE_HAS_AVX2_PATH
+    if (HasAvx2()) return WithAvx2<Loop<32>>(args...);
+#endif
+    return Loop<16>{}(args...);
 }
 
 }  // namespace corvale::internal

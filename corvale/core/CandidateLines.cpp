@@ -2,9 +2,11 @@
 
 #include <corvale/base/CodePath.hpp>
 #include <corvale/platform/UnitFiles.hpp>
+#include <corvale/text/DigitWords.hpp>
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 namespace corvale::internal {
@@ -23,22 +25,49 @@ static_assert(kFront > kLongest);
 // One character more stands behind what was read.
 alignas(64) constinit std::array<char, kFront + kChunk + 1> buffer{};
 
-// The first line that begins with QZ in any case, or a place at most one block before it; `n` when
-// there is none. `text[-1]` and `text[n]` are looked at too. Nothing is done for each line: the search
-// runs over line ends as over any other character (bench: CardFile).
-struct NearCandidateLoop {
-    static constexpr std::size_t kBlock = 256;
+bool IsCandidate(const char* at) noexcept {
+    return (at[-1] == '\n') & ((at[0] | 0x20) == 'q') & ((at[1] | 0x20) == 'z');
+}
 
-    CORVALE_LOOP static bool IsCandidate(const char* at) noexcept {
-        return (at[-1] == '\n') & ((at[0] | 0x20) == 'q') & ((at[1] | 0x20) == 'z');
+// Where the first line that begins with QZ in any case begins; `n` when there is none. `text[-1]` and
+// `text[n]` are looked at too. Nothing is done for each line: the search runs over line ends as over
+// any other character (bench: CardFile).
+template <std::size_t Width>
+struct CandidateLoop {
+    static constexpr std::size_t kBlock = 8 * Width;
+    using Bytes [[gnu::vector_size(Width)]] = char;
+
+    // One bit at least in the byte of each place where a candidate begins.
+    CORVALE_LOOP static void AddCandidates(const char* at, Bytes& found) noexcept {
+        constexpr char lower = 0x20;
+        Bytes before, first, second;
+        std::memcpy(&before, at - 1, Width);
+        std::memcpy(&first, at, Width);
+        std::memcpy(&second, at + 1, Width);
+        found |= (before == '\n') & ((first | lower) == 'q') & ((second | lower) == 'z');
+    }
+    // The place of the first byte that is not 0; `Width` when all are.
+    CORVALE_LOOP static std::size_t FirstPlace(const Bytes& found) noexcept {
+        std::array<char, Width> bytes;
+        std::memcpy(bytes.data(), &found, Width);
+        for (std::size_t i = 0; i < Width; i += 8)
+            if (const std::uint64_t word = LoadEight(bytes.data() + i); word != 0)
+                return i + static_cast<std::size_t>(std::countr_zero(word)) / 8;
+        return Width;
     }
     CORVALE_LOOP std::size_t operator()(const char* text, std::size_t n) const noexcept {
         std::size_t i = 0;
         for (; i + kBlock <= n; i += kBlock) {
-            unsigned char found = 0;
-            for (std::size_t j = 0; j < kBlock; ++j)
-                found = static_cast<unsigned char>(found | IsCandidate(text + i + j));
-            if (found != 0) return i;
+            Bytes found{};
+#pragma GCC unroll 8
+            for (std::size_t j = 0; j < kBlock; j += Width) AddCandidates(text + i + j, found);
+            if (FirstPlace(found) < Width) break;
+        }
+        for (; i + Width <= n; i += Width) {
+            Bytes found{};
+            AddCandidates(text + i, found);
+            const std::size_t place = FirstPlace(found);
+            if (place < Width) return i + place;
         }
         while (i < n && !IsCandidate(text + i)) ++i;
         return i;
@@ -46,18 +75,10 @@ struct NearCandidateLoop {
 };
 
 // Where the next line that begins with QZ begins, or `end`. `at[-1]` and `*end` are looked at too.
+// Where one such line follows another no search is begun.
 const char* NextCandidate(const char* at, const char* end) noexcept {
-    while (at < end) {
-        at += OnBestPath<NearCandidateLoop>(at, static_cast<std::size_t>(end - at));
-        const char* const blockEnd =
-            at + std::min<std::ptrdiff_t>(NearCandidateLoop::kBlock, end - at);
-        while (at < blockEnd) {
-            if (NearCandidateLoop::IsCandidate(at)) return at;
-            const void* lineEnd = std::memchr(at, '\n', static_cast<std::size_t>(blockEnd - at));
-            at = lineEnd == nullptr ? blockEnd : static_cast<const char*>(lineEnd) + 1;
-        }
-    }
-    return end;
+    if (end - at > 2 && IsCandidate(at + 1)) return at + 1;
+    return at + OnWidestBytes<CandidateLoop>(at, static_cast<std::size_t>(end - at));
 }
 
 // The line that begins at `at`, as far as it matters, and whether all of that is there.

@@ -5,6 +5,7 @@
 #include <corvale/core/CorvaleTypes.hpp>
 #include <corvale/core/FileIO.hpp>
 #include <corvale/platform/TextUnits.hpp>
+#include <corvale/text/DigitWords.hpp>
 #include <corvale/text/FixedWidthText.hpp>
 #include <corvale/text/FreeFormReader.hpp>
 
@@ -42,32 +43,47 @@ constexpr internal::FreeFormRules kCardRules = {.real = {.exponentQ = true, .emp
 
 // No card supplies more values than this. Counts the characters at which a value, or a comma that
 // no value precedes, can begin: those above a blank that follow a comma or no character above a
-// blank. `numbers` continues a card: the character before it is looked at too.
+// blank. `numbers` ends a line of `ReadCandidateLines`: the 32 characters before it are read, too,
+// so that all steps are whole.
+template <std::size_t Width>
 struct MostValuesLoop {
-    static constexpr std::size_t kBlock = 128;  // its count fits a byte
-    using Count = unsigned char;
+    using Bytes [[gnu::vector_size(Width)]] = unsigned char;
+    static constexpr unsigned char kRepeats = 0x80;
+    // From place i on the last i bytes of a step are all ones.
+    static constexpr auto kLastBytes = [] {
+        std::array<unsigned char, 2 * Width> bytes{};
+        for (std::size_t i = Width; i < bytes.size(); ++i) bytes[i] = 0xFF;
+        return bytes;
+    }();
 
-    CORVALE_LOOP static std::size_t CountBlock(const char* text, Count& repeats) noexcept {
-        constexpr Count blank = ' ';
-        Count begins = 0;
-        for (std::size_t i = 0; i < kBlock; ++i) {
-            const auto before = static_cast<Count>(text[i]);
-            const auto at = static_cast<Count>(text[i + 1]);
-            const bool follows = (before <= blank) | (before == ',');
-            begins = static_cast<Count>(begins + (follows & (at > blank)));
-            repeats = static_cast<Count>(repeats | (at == '*'));
-        }
-        return begins;
-    }
     CORVALE_LOOP std::size_t operator()(const char* numbers, std::size_t n) const noexcept {
-        Count repeats = 0;
-        std::size_t most = 0;
-        std::size_t i = 0;
-        for (; i + kBlock <= n; i += kBlock) most += CountBlock(numbers - 1 + i, repeats);
-        std::array<char, kBlock + 1> rest{};
-        std::memcpy(rest.data(), numbers - 1 + i, n - i + 1);
-        most += CountBlock(rest.data(), repeats);
-        return repeats != 0 ? MoicArr.size() : most;
+        constexpr unsigned char blank = ' ';
+        Bytes counts{};  // of each place in a step: at most 32, so that a bit is left for the star
+        for (std::size_t left = n; left > 0; left -= std::min(left, Width)) {
+            const char* const step = numbers + left - Width;
+            Bytes before, at, counted;
+            std::memcpy(&before, step - 1, Width);
+            std::memcpy(&at, step, Width);
+            std::memcpy(&counted, kLastBytes.data() + std::min(left, Width), Width);
+            counts -= Bytes((before <= blank) | (before == ',')) & Bytes(at > blank) & counted;
+            counts |= Bytes(at == '*') & counted & kRepeats;
+        }
+        return Sum(counts);
+    }
+
+    CORVALE_LOOP static std::size_t Sum(const Bytes& counts) noexcept {
+        constexpr std::uint64_t eachSecond = 0x00FF00FF00FF00FFU;
+        std::array<char, Width> bytes;
+        std::memcpy(bytes.data(), &counts, Width);
+        std::uint64_t all = 0;
+        std::uint64_t pairs = 0;
+        for (std::size_t i = 0; i < Width; i += 8) {
+            const std::uint64_t word = internal::LoadEight(bytes.data() + i);
+            all |= word;
+            pairs += (word & eachSecond) + (word >> 8U & eachSecond);
+        }
+        if ((all & internal::kEachByte * kRepeats) != 0) return MoicArr.size();
+        return static_cast<std::size_t>(pairs * 0x0001000100010001U >> 48U);
     }
 };
 
@@ -77,7 +93,8 @@ struct MostValuesLoop {
 class MoicCards {
   public:
     void TakeEarlier(std::string_view numbers) noexcept {
-        if (internal::OnBestPath<MostValuesLoop>(numbers.data(), numbers.size()) <= settledFront_)
+        if (internal::OnWidestBytes<MostValuesLoop>(numbers.data(), numbers.size()) <=
+            settledFront_)
             return;
         Read(numbers);
         while (settledFront_ < MoicArr.size() && isSettled_[settledFront_]) ++settledFront_;
@@ -115,26 +132,30 @@ class MoicCards {
     std::size_t settledFront_ = 0;  // elements before it are all settled
 };
 
+// Whether `line` is a QZ_MOIC card that can hold a number; the eight columns in one word.
+bool IsMoicCard(std::string_view line) noexcept {
+    constexpr std::uint64_t anyCase =
+        0xFFDFDFDFDFFFDFDFU;  // the underscore and the blank have none
+    return line.size() >= kNumbersColumn &&
+           (internal::LoadEight(line.data()) & anyCase) == internal::LoadEight("QZ_MOIC ");
+}
+
+void ApplyModeCard(std::string_view line) noexcept {
+    std::array<char, kLongestKeyword> keyword;
+    StrFunctions::ToUpperCase(line, keyword);
+    const std::int32_t code = CorvaleCardType({keyword.data(), keyword.size()});
+    if (code == kDmaOn) ElsetKeyModeSet(1);
+    if (code == kDmaAllOn) AllKeyModeSet(1);
+}
+
 void ApplyCards(internal::Lines lines) noexcept {
     MoicCards moicCards;
-    for (auto at = lines.rbegin(); at != lines.rend(); ++at) {
-        const std::string_view line = *at;
-        std::array<char, kLongestKeyword> keyword;
-        StrFunctions::ToUpperCase(line, keyword);
-        switch (CorvaleCardType({keyword.data(), keyword.size()})) {
-            case kMoic:
-                moicCards.TakeEarlier(line.substr(std::min(line.size(), kNumbersColumn - 1)));
-                break;
-            case kDmaOn:
-                ElsetKeyModeSet(1);
-                break;
-            case kDmaAllOn:
-                AllKeyModeSet(1);
-                break;
-            default:
-                break;
+    for (auto line = lines.rbegin(); line != lines.rend(); ++line)
+        if (IsMoicCard(*line)) {
+            moicCards.TakeEarlier(line->substr(kNumbersColumn - 1));
+        } else {
+            ApplyModeCard(*line);
         }
-    }
 }
 
 }  // namespace

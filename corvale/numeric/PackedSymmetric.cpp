@@ -17,10 +17,10 @@ using internal::Block;
 // bench/MatrixBench.cpp).
 constexpr std::size_t kBlockedOrder = 16;
 
-// Eight rows of a column are a cache line, so a line is fetched once and used whole. The columns of
-// a stripe lie in as many pages as the processor translates without a search.
-constexpr std::size_t kRows = 8;
+// The columns of a stripe lie in as many pages as the processor translates without a search, and a
+// cache line of each stays in the first-level cache while its rows are walked.
 constexpr std::size_t kStripe = 64;
+constexpr std::size_t kNarrowStripe = 8;
 
 /// Where row i, counted from 0, starts in the packed array.
 constexpr std::size_t RowStart(std::size_t i) noexcept {
@@ -32,23 +32,24 @@ constexpr std::size_t RowsAfter(std::size_t i, std::size_t r) noexcept {
     return r * i + r * (r + 1) / 2;
 }
 
-/// How many columns are taken together. Columns that lie a multiple of 512 bytes apart share few
-/// places in the first-level cache.
-constexpr std::size_t StripeWidth(std::size_t columnStride) noexcept {
-    return columnStride % 64 == 0 ? kRows : kStripe;
+/// Columns that lie a multiple of 512 bytes apart share few places in the first-level cache.
+constexpr bool SharePlaces(std::size_t columnStride) noexcept {
+    return columnStride % 64 == 0;
 }
 
-/// One way between the two forms: where an element lies, and what a block of them goes through.
+constexpr std::size_t StripeWidth(std::size_t columnStride) noexcept {
+    return SharePlaces(columnStride) ? kNarrowStripe : kStripe;
+}
+
+/// One way between the two forms: how a block of the rows from i on and the columns from j on goes
+/// that lies below the diagonal, and one that lies on it, from row and column i on.
 struct Pack {
     const double* square;
     std::size_t columnStride;
     double* packed;
 
-    CORVALE_LOOP void Element(std::size_t i, std::size_t j) const noexcept {
-        packed[RowStart(i) + j] = square[j * columnStride + i];
-    }
     template <class L>
-    CORVALE_LOOP void Move(std::size_t i, std::size_t j) const noexcept {
+    CORVALE_LOOP void Below(std::size_t i, std::size_t j) const noexcept {
         const double* from = square + j * columnStride + i;
         double* to = packed + RowStart(i) + j;
         Block<L> block;
@@ -56,63 +57,79 @@ struct Pack {
         block.Turn();
         block.Store([=](std::size_t r) { return to + RowsAfter(i, r); });
     }
+    // Element by element: those above the diagonal are not to be read.
+    template <class L>
+    CORVALE_LOOP void Diagonal(std::size_t i) const noexcept {
+        for (std::size_t r = i; r < i + L::kLanes; ++r)
+            for (std::size_t c = i; c <= r; ++c)
+                packed[RowStart(r) + c] = square[c * columnStride + r];
+    }
 };
 
+/// Both halves are written while a block is in registers, unless the rows were copied before.
 struct Unpack {
     const double* packed;
     double* square;
     std::size_t columnStride;
+    bool areRowsCopied;
 
-    CORVALE_LOOP void Element(std::size_t i, std::size_t j) const noexcept {
-        square[j * columnStride + i] = packed[RowStart(i) + j];
-    }
     template <class L>
-    CORVALE_LOOP void Move(std::size_t i, std::size_t j) const noexcept {
+    CORVALE_LOOP Block<L> Load(std::size_t i, std::size_t j) const noexcept {
         const double* from = packed + RowStart(i) + j;
-        double* lower = square + j * columnStride + i;
         Block<L> block;
         block.Load([=](std::size_t r) { return from + RowsAfter(i, r); });
+        return block;
+    }
+    template <class L>
+    CORVALE_LOOP void Store(const Block<L>& block, std::size_t i, std::size_t j) const noexcept {
+        double* to = square + j * columnStride + i;
+        block.Store([=, *this](std::size_t c) { return to + c * columnStride; });
+    }
+    template <class L>
+    CORVALE_LOOP void Below(std::size_t i, std::size_t j) const noexcept {
+        Block<L> block = Load<L>(i, j);
+        if (!areRowsCopied) Store(block, j, i);
         block.Turn();
-        block.Store([=, *this](std::size_t c) { return lower + c * columnStride; });
+        Store(block, i, j);
+    }
+    // What a block has above the diagonal belongs to other rows; the turned one has it right.
+    template <class L>
+    CORVALE_LOOP void Diagonal(std::size_t i) const noexcept {
+        Block<L> block = Load<L>(i, i);
+        Block<L> turned = block;
+        turned.Turn();
+        if constexpr (L::kLanes == 4) {
+            block.v1 = __builtin_shufflevector(block.v1, turned.v1, 0, 5, 6, 7);
+            block.v2 = __builtin_shufflevector(block.v2, turned.v2, 0, 1, 6, 7);
+        }
+        block.v0 = turned.v0;
+        Store(block, i, i);
+    }
+    void CopyRows(std::size_t n) const noexcept {
+        for (std::size_t i = 0; i < n; ++i)
+            std::memmove(square + i * columnStride, packed + RowStart(i), (i + 1) * sizeof(double));
     }
 };
 
-/// Rows `row` to `rowEnd` of the columns `column` to `columnEnd`, up to the diagonal.
-template <class L, class Way>
-CORVALE_LOOP void WalkBand(const Way& way, std::size_t row, std::size_t rowEnd, std::size_t column,
-                           std::size_t columnEnd) noexcept {
-    const std::size_t whole = std::min(columnEnd, row) / L::kLanes * L::kLanes;
-    const std::size_t wholeRows = row + (rowEnd - row) / L::kLanes * L::kLanes;
-    for (std::size_t i = row; i < wholeRows; i += L::kLanes)
-        for (std::size_t j = column; j < whole; j += L::kLanes) way.template Move<L>(i, j);
-    for (std::size_t i = wholeRows; i < rowEnd; ++i)
-        for (std::size_t j = column; j < whole; ++j) way.Element(i, j);
-    for (std::size_t i = row; i < rowEnd; ++i)
-        for (std::size_t j = std::max(whole, column); j < std::min(columnEnd, i + 1); ++j)
-            way.Element(i, j);
-}
-
-/// kRows rows of as many columns.
-template <class L, class Way>
-CORVALE_LOOP void MoveWhole(const Way& way, std::size_t row, std::size_t column) noexcept {
-    for (std::size_t j = column; j < column + kRows; j += L::kLanes)
-        for (std::size_t i = row; i < row + kRows; i += L::kLanes) way.template Move<L>(i, j);
-}
-
-/// Walks the lower triangle in stripes of `width` columns, in them in bands of kRows rows, in those
-/// in square blocks; what does not fill a block goes element by element.
+/// Walks the lower triangle of order n >= kBlockedOrder in stripes of columns, in them in rows of
+/// blocks. The blocks end with the last row and column. Where the first rows and columns do not fill
+/// one, they are in two that overlap the others, and so is the first block of each row.
 template <class L, class Way>
 CORVALE_LOOP void WalkTriangle(const Way& way, std::size_t n, std::size_t width) noexcept {
-    for (std::size_t stripe = 0; stripe < n; stripe += width) {
-        const std::size_t stripeEnd = std::min(stripe + width, n);
-        for (std::size_t band = stripe; band < n; band += kRows) {
-            if (width == kRows && band >= stripeEnd && band + kRows <= n) {
-                MoveWhole<L>(way, band, stripe);
-            } else {
-                WalkBand<L>(way, band, std::min(band + kRows, n), stripe, stripeEnd);
-            }
-        }
+    constexpr std::size_t step = L::kLanes;
+    const std::size_t unfilled = n % step;
+    if (unfilled != 0) {
+        way.template Diagonal<L>(0);
+        way.template Below<L>(step, 0);
     }
+    std::size_t stripe = 0;
+    for (std::size_t end = unfilled + width; stripe < n; stripe = end, end += width)
+        for (std::size_t i = std::max(stripe, unfilled); i < n; i += step) {
+            const std::size_t columnEnd = i < step ? 0 : std::min(i, end);
+            for (std::size_t j = stripe; j < columnEnd; j = j < unfilled ? unfilled : j + step)
+                way.template Below<L>(i, j);
+            if (i < end) way.template Diagonal<L>(i);
+        }
 }
 
 template <class L>
@@ -124,9 +141,6 @@ struct PackByColumns {
 template <class L>
 struct UnpackByColumns {
     CORVALE_LOOP void operator()(Unpack way, std::size_t n) const noexcept {
-        for (std::size_t i = 0; i < n; ++i)
-            std::memmove(way.square + i * way.columnStride, way.packed + RowStart(i),
-                         (i + 1) * sizeof(double));
         WalkTriangle<L>(way, n, StripeWidth(way.columnStride));
     }
 };
@@ -168,10 +182,12 @@ void SqrMtx2Lta(MatrixView<const double> square, VectorView<double> packed) noex
 void Lta2SqrMtx(VectorView<const double> packed, MatrixView<double> square) noexcept {
     const std::int32_t n = SizeOfSqrMtx(packed);
     if (n == 0 || square.Rows() < n || square.Columns() < n) return;
-    if (WorthBlocks(packed, square.RowStride(), square.ColumnStride(), n))
-        return internal::OnWidestLanes<UnpackByColumns>(
-            Unpack{packed.Data(), square.Data(), static_cast<std::size_t>(square.ColumnStride())},
-            static_cast<std::size_t>(n));
+    if (WorthBlocks(packed, square.RowStride(), square.ColumnStride(), n)) {
+        const auto stride = static_cast<std::size_t>(square.ColumnStride());
+        const Unpack way{packed.Data(), square.Data(), stride, SharePlaces(stride)};
+        if (way.areRowsCopied) way.CopyRows(static_cast<std::size_t>(n));
+        return internal::OnWidestLanes<UnpackByColumns>(way, static_cast<std::size_t>(n));
+    }
 
     std::int32_t position = 0;
     for (std::int32_t i = 1; i <= n; ++i)

@@ -22,13 +22,14 @@ CORVALE_LOOP void Apply(Replacement change, Bytes& bytes) noexcept {
 
 template <class Bytes>
 CORVALE_LOOP void Apply(CaseChange change, Bytes& bytes) noexcept {
-    bytes ^= (bytes + change.toTop > change.below) & change.caseBit;
+    using Signed = decltype(bytes == bytes);
+    bytes ^= Bytes((Signed(bytes + change.toTop) > change.below) & change.caseBit);
 }
 
 // Changes `Width` bytes at a time.
 template <std::size_t Width, class Change>
 struct Changer {
-    using Bytes [[gnu::vector_size(Width)]] = signed char;
+    using Bytes [[gnu::vector_size(Width)]] = unsigned char;
     Change change;
 
     CORVALE_LOOP void One(const char* in, char* out) const noexcept {
@@ -53,8 +54,9 @@ struct Changer {
     }
 };
 
-template <std::size_t Width, class Change>
+template <std::size_t Width>
 struct ChangeLoop {
+    template <class Change>
     CORVALE_LOOP void operator()(const char* in, char* out, std::size_t n,
                                  const Change* change) const noexcept {
         if (n >= Width) return Changer<Width, Change>{*change}.All(in, out, n);
@@ -62,15 +64,6 @@ struct ChangeLoop {
         for (std::size_t i = 0; i < n; ++i) Changer<1, Change>{*change}.One(in + i, out + i);
     }
 };
-
-template <class Change>
-CORVALE_LOOP void ChangeAll(const char* in, char* out, std::size_t n,
-                            const Change& change) noexcept {
-#if CORVALE_HAS_AVX2_PATH
-    if (HasAvx2()) return WithAvx2<ChangeLoop<32, Change>>(in, out, n, &change);
-#endif
-    ChangeLoop<16, Change>{}(in, out, n, &change);
-}
 
 #if CORVALE_HAS_AVX2_PATH
 constexpr std::size_t kBlock = 256;
@@ -104,11 +97,11 @@ constexpr std::size_t kBlock = 256;
 }  // namespace
 
 void ChangeBytes(const char* in, char* out, std::size_t n, const Replacement& change) noexcept {
-    ChangeAll(in, out, n, change);
+    OnWidestBytes<ChangeLoop>(in, out, n, &change);
 }
 
 void ChangeBytes(const char* in, char* out, std::size_t n, const CaseChange& change) noexcept {
-    ChangeAll(in, out, n, change);
+    OnWidestBytes<ChangeLoop>(in, out, n, &change);
 }
 
 // All are blanks when the first one is and each equals the one before it.

@@ -10,13 +10,13 @@ namespace corvale::internal {
 
 /// One character in place of another.
 struct Replacement {
-    signed char from, to;
+    unsigned char from, to;
 };
 
 /// The other case for letters of one case. Moved up by `toTop` they end at 127, so the letters, and
 /// no other byte, are greater than `below` as signed characters: one compare instead of two.
 struct CaseChange {
-    signed char toTop;
+    unsigned char toTop;
     signed char below = 127 - 26;
     signed char caseBit = 'a' ^ 'A';
 };

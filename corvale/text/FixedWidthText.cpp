@@ -17,20 +17,26 @@ using internal::PutText;
 namespace {
 
 constexpr internal::Replacement OneForOne(char from, char to) noexcept {
-    return {static_cast<signed char>(from), static_cast<signed char>(to)};
+    return {static_cast<unsigned char>(from), static_cast<unsigned char>(to)};
 }
 constexpr internal::Replacement kNullToBlank = OneForOne('\0', kBlank);
 constexpr internal::Replacement kBlankToZero = OneForOne(kBlank, '0');
 constexpr internal::CaseChange kToLower = {.toTop = 127 - 'Z'};
 constexpr internal::CaseChange kToUpper = {.toTop = 127 - 'z'};
 
+// A function of its own: the usual case need not save what this one uses.
+template <class Change>
+[[gnu::noinline]] void PutChangedAndBlanks(std::string_view text, std::span<char> result,
+                                           const Change& change) noexcept {
+    internal::FillWithBlanks(result.subspan(text.size()));
+    internal::ChangeBytes(text.data(), result.data(), text.size(), change);
+}
+
 // Writes the changed `text` to `result`, which may be `text` itself; blanks follow.
 template <class Change>
 void PutChanged(std::string_view text, std::span<char> result, const Change& change) noexcept {
-    if (result.size() <= text.size())
-        return internal::ChangeBytes(text.data(), result.data(), result.size(), change);
-    internal::FillWithBlanks(result.subspan(text.size()));
-    internal::ChangeBytes(text.data(), result.data(), text.size(), change);
+    if (result.size() > text.size()) return PutChangedAndBlanks(text, result, change);
+    internal::ChangeBytes(text.data(), result.data(), result.size(), change);
 }
 
 // A code below 32 or above 127: as signed characters the latter are negative.
