@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Writes the page of benchmarks and its charts from what scripts/bench.sh measured.
 
-    page.py FOLDER-OF-JSON PAGE.md FOLDER-OF-CHARTS
+    page.py FOLDER-OF-JSON PAGE.md FOLDER-OF-CHARTS [README.md]
 
-Ends with 1 and the names of the peers that did not agree with Corvale, if there are any.
+In the README the table between two marks is renewed. Ends with 1 and the names of the peers that did not agree with Corvale, if there are any.
 """
 import json
 import pathlib
@@ -12,7 +12,7 @@ import sys
 
 import chart
 from results import Results, exponent
-from workloads import GROWTH, ORDERS, PATTERNS, SECTIONS
+from workloads import GROWTH, PATTERNS, SECTIONS, SUMMARY
 
 HEAD = """# Benchmarks {#benchmarks}
 
@@ -26,8 +26,8 @@ METHOD = """## Method {#benchmarks_method}
   made.
 - The process is pinned to one core, repetitions of all workloads are interleaved at random, and what counts is the time of
   the processor: medians. Sorts of ten million keys run in a process for each pattern.
-- Everything is compiled with -O3. Peers that are compiled here have -march=native where it makes them faster: Eigen's matrices,
-  pdqsort, std::sort and qsort, fast_float, fmt (with compiled formats), the Fortran loop. OpenBLAS is its build without threads.
+- Everything is compiled with -O3. Peers that are compiled here have -march=native where that does not make them slower: Eigen's
+  matrices (with FMA), fast_float, fmt (with compiled formats), the Fortran loop. OpenBLAS is its build without threads.
   The library itself has no more than the baseline instructions and chooses AVX2 by itself.
 - Plain loops are the described rules as they stand, compiled as the library is.
 
@@ -37,12 +37,16 @@ METHOD = """## Method {#benchmarks_method}
 """
 CHARTS = {  # section -> chart and what it says
     "Card files": ("card-times.svg", "Time to load a card file, beside other programs"),
-    "Numbers in and out of text": ("number-times.svg", "Time to read and to write a number or a row, beside other libraries"),
+    "Numbers out of text": ("number-times.svg", "Time to read and to write a number or a row, beside other libraries"),
     "Texts of 512 characters": ("text-times.svg", "Time of the small text operations"),
     "Matrices": ("matrix-times.svg", "Time of the matrix procedures against the order of the matrix"),
     "Sorting": ("sort-times.svg", "Time to sort a key against the number of keys"),
     "Log lines": ("log-times.svg", "Time to log a line, beside other libraries"),
 }
+
+
+NEVER_ALLOCATE = ("text", "numbers", "angles", "vectors", "codes", "keys")
+PDQSORTS = ["pdqsort", "pdqsort_branchless"]
 
 
 def anchor(title):
@@ -177,6 +181,8 @@ Blocks of memory that a call takes, counted at `malloc` for the whole process. W
 """
         calls = self.facts["allocations"]
         areas = dict.fromkeys(call["area"] for call in calls)
+        taking = [call["name"] for call in calls if call["area"] in NEVER_ALLOCATE and call["first"] + call["later"]]
+        self.count(f"no allocations: {', '.join(taking)}", not taking)
         yield "| procedures | first call | later calls |\n|---|---|---|"
         for area in areas:
             rows = [call for call in calls if call["area"] == area]
@@ -252,18 +258,17 @@ def matrix_chart(results):
 def sort_chart(results):
     curves = {pattern: {n: results.median(pattern, "Corvale", n) for n in results.sizes(pattern)}
               for pattern in PATTERNS}
-    sizes = results.sizes("Random", "pdqsort_words")
-    curves["pdqsort, Random"] = {n: results.median("Random", "pdqsort_words", n) for n in sizes}
+    sizes = results.sizes("Random", "pdqsort")
+    curves["pdqsort, Random"] = {n: min(results.median("Random", peer, n) for peer in PDQSORTS) for n in sizes}
     return chart.lines("Time to sort a key", [("QuickSortIterative: time a key", curves)],
                        "keys (a level line: time in proportion to their number)",
                        lambda n: f"{n:,.0f}")
 
 
 def charts(results):
-    logs = "time a line, logarithmic: left is faster"
     return {
         "card-times.svg": dot_chart(results, ["Card files"], "Loading a card file of 200,000 lines"),
-        "number-times.svg": dot_chart(results, ["Numbers in and out of text", "Rows of numbers"],
+        "number-times.svg": dot_chart(results, ["Numbers out of text", "Numbers into text", "Rows of numbers"],
                                       "Time a number, and a row of 20 numbers"),
         "text-times.svg": dot_chart(results, ["Texts of 512 characters"], "Texts of 512 characters"),
         "log-times.svg": dot_chart(results, ["Log lines"], "One line to the open log"),
@@ -271,8 +276,26 @@ def charts(results):
     }
 
 
+def summary(results):
+    yield "| work | Corvale | fastest peer | its time | ratio |\n|---|---|---|---|---|"
+    for label, topic, size, peers in SUMMARY:
+        times = {peer: results.median(topic, peer, size) for peer in peers}
+        times = {peer: time for peer, time in times.items() if time}
+        if times:
+            best = min(times, key=times.get)
+            ratio = show_ratio(results.ratio(topic, best, size=size).median)
+            yield (f"| {label} | {chart.show_time(results.median(topic, size=size))} | {best} | "
+                   f"{chart.show_time(times[best])} | {ratio} |")
+
+
+def renew(readme, table):
+    before, mark, rest = readme.read_text(encoding="utf-8").partition("<!-- measured by scripts/bench.sh -->\n")
+    after = rest.partition("<!-- end -->")
+    readme.write_text("".join([before, mark, table, "\n", *after[1:]]), encoding="utf-8")
+
+
 def main():
-    folder, page, pictures = (pathlib.Path(name) for name in sys.argv[1:])
+    folder, page, pictures, *readme = (pathlib.Path(name) for name in sys.argv[1:])
     results = Results(sorted(folder.glob("*Bench*.json")))
     if results.disagreements:
         print("\n".join(["these disagree with Corvale:", *results.disagreements]))
@@ -282,6 +305,8 @@ def main():
     for name, svg in charts(results).items():
         (pictures / name).write_text(svg, encoding="utf-8")
     page.write_text("\n".join(Page(results, facts).lines()) + "\n", encoding="utf-8")
+    for file in readme:
+        renew(file, "\n".join(summary(results)))
     return 0
 
 

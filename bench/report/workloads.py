@@ -22,15 +22,24 @@ def card_rows():
                   goals={"gfortran": gfortran, "getline+strtod": 6}, limit=(topic, "read() alone"))
 
 
-def number_rows():
-    number = ("Limit", "number")
-    yield Row("StrToReal, fields of 5 to 20", "RealField", limit=number,
-              goals={"strtod": 3, "from_chars": 1, "fast_float": 1})
-    yield Row("StrToInt, fields of 5 to 12", "IntegerField", limit=number,
-              goals={"strtol": 2, "atoi": 2, "from_chars": 1})
+NUMBER, CALL = ("Limit", "number"), ("Limit", "call")
+READING = [Row("StrToReal, fields of 5 to 20", "RealField", limit=NUMBER,
+               goals={"strtod": 3, "from_chars": 1, "fast_float": 1}),
+           Row("StrToInt, fields of 5 to 12", "IntegerField", limit=NUMBER,
+               goals={"strtol": 2, "atoi": 2, "from_chars": 1})]
+CODES = [Row(name, name, goals=goals, limit=CALL) for name, goals in (
+    ("NumToAlpha5", {"snprintf": 4}), ("Alpha5ToNum", {"strtol": 5}),
+    ("DegToDDMMSSSSS_Str", {"snprintf": 8}), ("DegToHHMMSSS_Str", {"snprintf": 8}))]
+VECTORS = [Row(name, name, goals=goals, limit=CALL) for name, goals in (
+    ("Mag", {"Eigen": 1}), ("Cross", {"Eigen": 1}), ("Rotate", {"Eigen_AngleAxis": 1.5}))]
+SEARCHES = [Row(f"FindRecIdx, {spacing}", f"FindRecIdx_{spacing}", goals=goals, limit=CALL) for spacing, goals in (
+    ("even", {"upper_bound": 4}), ("jittered", {}), ("exponential", {"upper_bound": 0.4}))]
+
+
+def written_rows():
     for label, topic in (("Fx0ToAx, 6 decimals", "FixedSix"), ("Fx0ToAx, 12 decimals", "FixedTwelve"),
                          ("Fx0ToSignAx, 8 decimals", "FixedSignEight")):
-        yield Row(label, topic, limit=number,
+        yield Row(label, topic, limit=NUMBER,
                   goals={"snprintf": 6, "to_chars": 2, "fmt": 2, "double-conversion": 2})
 
 
@@ -39,18 +48,6 @@ def text_rows():
         yield Row(name, f"Text512 {name}", limit=(f"Text512 {name}", "memcpy"), limit_goal=1)
     yield Row("RemSpaceSlashChars", "Text512 RemSpaceSlashChars", goals={"character loop": 20},
               limit=("Text512 ToUpperCase", "memcpy"))
-
-
-def small_rows():
-    call = ("Limit", "call")
-    for name, goals in (("NumToAlpha5", {"snprintf": 4}), ("Alpha5ToNum", {"strtol": 5}),
-                        ("DegToDDMMSSSSS_Str", {"snprintf": 8}), ("DegToHHMMSSS_Str", {"snprintf": 8}),
-                        ("Mag", {"Eigen": 1}), ("Cross", {"Eigen": 1}), ("Rotate", {"Eigen_AngleAxis": 1.5})):
-        yield Row(name, name, goals=goals, limit=call)
-    for spacing, goal in (("even", 4), ("jittered", None), ("exponential", 0.4)):
-        topic = f"FindRecIdx_{spacing}"
-        yield Row(f"FindRecIdx, 100,000 values, {spacing}", topic, limit=call,
-                  goals={"upper_bound": goal} if goal else {})
 
 
 def list_rows():
@@ -102,9 +99,9 @@ def packed_rows():
 def sort_rows():
     for pattern in PATTERNS:
         for size in SIZES:
-            goals = {"pdqsort": 1, "pdqsort_words": 1}
+            goals = {"pdqsort": 1, "pdqsort_branchless": 1}
             if pattern == "Random" and size in (10_000, 1_000_000):
-                goals = {"pdqsort": 1.4, "pdqsort_words": 1.4, "std_sort": 2}
+                goals = {"pdqsort": 1.4, "pdqsort_branchless": 1.4, "std_sort": 2}
             yield Row(f"{pattern}, {size:,}", pattern, size=size, goals=goals, limit=("Limit", "pass"))
 
 
@@ -121,21 +118,24 @@ SECTIONS = [
             "digits; the other lines are comments, blank lines and cards of other programs. gfortran is a loop with "
             "its list-directed read. The limit is `read()` of the same file.",
             ["gfortran", "getline+strtod"], list(card_rows()), "file"),
-    Section("Numbers in and out of text", "20,000 right-aligned fields, or values from 0.001 to 1e7 with all digits in "
-            "use; `from_chars` and fast_float after skipping the blanks. The limit is what an exact conversion cannot "
-            "do without: reading 16 characters, two products of 64 bits by 64.",
-            ["strtod", "strtol", "atoi", "from_chars", "fast_float", "snprintf", "to_chars", "fmt",
-             "double-conversion"], list(number_rows()), "number"),
+    Section("Numbers out of text", "20,000 right-aligned fields; `from_chars` and fast_float after skipping the blanks. "
+            "The limit is what an exact conversion cannot do without: 16 characters, two products of 64 bits by 64.",
+            ["strtod", "strtol", "atoi", "from_chars", "fast_float", "double-conversion"], READING, "number"),
+    Section("Numbers into text", "20,000 values from 0.001 to 1e7 with all digits in use. The limit is the same.",
+            ["snprintf", "to_chars", "fmt", "double-conversion"], list(written_rows()), "number"),
     Section("Rows of numbers", "`CompressCsvLine` of rows of 20 fields of 23 characters, against the rules as a machine "
             "that goes from character to character. The limit is a copy of the row.",
             ["machine"], [Row("CompressCsvLine", "CsvLine", goals={"machine": 12}, limit=("Limit", "row"))], "row"),
     Section("Texts of 512 characters", "The limit is a library call of `memcpy` for 512 bytes.",
             ["character loop"], list(text_rows())),
-    Section("Codes, degrees, vectors, search", "Eigen's vectors stand behind calls of a shared library, as ours do; "
-            "`Eigen_inline` shows what a caller gains who compiles them in. The limit is a call into the library that "
-            "does nothing.",
-            ["snprintf", "strtol", "Eigen", "Eigen_inline", "Eigen_AngleAxis", "upper_bound", "plain"],
-            list(small_rows())),
+    Section("Codes and degrees", "The limit is a call into the library that does nothing.", ["snprintf", "strtol"],
+            CODES),
+    Section("Vectors", "Eigen's vectors stand behind calls of a shared library, as ours do; `Eigen_inline` shows what a "
+            "caller gains who compiles them in. The limit is a call into the library that does nothing.",
+            ["Eigen", "Eigen_inline", "Eigen_AngleAxis"], VECTORS),
+    Section("Search in a table", "100,000 values, evenly spaced, evenly but for a random part, and spaced "
+            "exponentially. The limit is a call into the library that does nothing.", ["upper_bound", "plain"],
+            SEARCHES),
     Section("Lists of integers", "Nanoseconds an integer; half of the values occur more than once. The limit is a copy "
             "of the list.", ["std_sort_unique", "plain"], list(list_rows()), "integer"),
     Section("Matrices", "By order. Cholesky is factor, solution and inverse, with dpotrf, dpotrs and dpotri of OpenBLAS "
@@ -148,12 +148,25 @@ SECTIONS = [
             ["Corvale", "OpenBLAS", "Eigen", "plainMInv"], list(other_matrix_rows())),
     Section("Packed matrices", "The limit is `memcpy` of the square.", [], list(packed_rows())),
     Section("Sorting", "Nanoseconds a key of 32 characters with its companion. The peers sort records of both; "
-            "`pdqsort_words` compares eight bytes at a time as Corvale does, the others with `memcmp`; plain is a "
+            "all but qsort compare eight bytes at a time as Corvale does. Plain is a "
             "quicksort with the last key as pivot. The limit is a copy of keys and companions.",
-            ["pdqsort_words", "pdqsort", "std_sort", "qsort", "plain"], list(sort_rows()), "key"),
+            ["pdqsort", "pdqsort_branchless", "std_sort", "qsort", "plain"], list(sort_rows()), "key"),
     Section("Log lines", "One message of 128 characters to the open log. spdlog flushes each line. Eight threads write "
             "on all cores and are timed by the wall clock. The limit is `write()` of the line.",
             ["spdlog", "fprintf+fflush"], list(log_rows()), "line"),
+]
+
+# The short table of the README: (label, topic, size, the peers of whom the fastest is shown).
+SUMMARY = [
+    ("load a card file, 1 % cards", "CardFile 1 %", None, ["gfortran", "getline+strtod"]),
+    ("load a card file, all cards", "CardFile 100 %", None, ["gfortran", "getline+strtod"]),
+    ("read a real", "RealField", None, ["strtod", "from_chars", "fast_float", "double-conversion"]),
+    ("write a real, 12 decimals", "FixedTwelve", None, ["snprintf", "to_chars", "fmt", "double-conversion"]),
+    ("Cholesky with inverse, order 6", "Cholesky", 6, ["OpenBLAS", "Eigen", "LAPACK"]),
+    ("Cholesky with inverse, order 100", "Cholesky", 100, ["OpenBLAS", "Eigen", "LAPACK"]),
+    ("invert, order 100", "Inverse", 100, ["OpenBLAS", "Eigen", "LAPACK"]),
+    ("sort a million random keys, each", "Random", 1_000_000, ["pdqsort", "pdqsort_branchless", "std_sort", "qsort"]),
+    ("log a line", "LogLine LogMessage", None, ["spdlog", "fprintf+fflush"]),
 ]
 
 # How cost should grow with size: (workload, topic, peer, cost in words, cost as a function, and
