@@ -1,4 +1,5 @@
-// What no program on this machine can undercut, Limit/What: the tables show it beside the figures.
+// What no program on this machine can undercut, Limit/What: the tables show it beside the figures. And
+// the getters of the C face, which should cost little more than a call.
 #include <corvale/Corvale.h>
 
 #include <benchmark/benchmark.h>
@@ -52,6 +53,22 @@ void Call(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(CorvaleInit());
 }
 BENCHMARK(Call)->Name("Limit/call");
+
+void Mode(benchmark::State& state) {
+    for (auto _ : state) benchmark::DoNotOptimize(GetElsetKeyMode());
+}
+BENCHMARK(Mode)->Name("GetElsetKeyMode/Corvale");
+
+template <void (*Get)(char*)>
+void Message(benchmark::State& state) {
+    std::array<char, CORVALE_MESSAGE_WIDTH> text;
+    for (auto _ : state) {
+        Get(text.data());
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(Message<GetLastErrMsg>)->Name("GetLastErrMsg/Corvale");
+BENCHMARK(Message<CorvaleGetInfo>)->Name("CorvaleGetInfo/Corvale");
 
 void Copy(benchmark::State& state, std::size_t size) {
     const std::vector<char> text(size, 'x');
