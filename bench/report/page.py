@@ -91,7 +91,7 @@ class Page:
         least, greatest = sorted((ratio.least, ratio.greatest))
         goal = row.goals.get(peer)
         figure = self.judge(row, peer, ratio.median, goal, goal and ratio.median >= goal - 0.005)
-        return f"{chart.show_time(time)}: {figure} ({show_ratio(least)} to {show_ratio(greatest)})"
+        return cell(time, f"{figure} ({show_ratio(least)}–{show_ratio(greatest)})")
 
     def limit_cell(self, row):
         limit = self.limit_time(row)
@@ -100,12 +100,11 @@ class Page:
             return ""
         over = own / limit
         if not row.limit_goal:
-            return f"{chart.show_time(limit)}: {show_ratio(over)}"
+            return cell(limit, show_ratio(over))
         ratio = self.results.ratio(row.topic, row.limit[1], row.own, row.size)
         over = 1 / ratio.median
         figure = self.judge(row, "over the limit", over, row.limit_goal, over <= row.limit_goal + 0.005)
-        return (f"{chart.show_time(limit)}: {figure} ({show_ratio(1 / ratio.greatest)} to "
-                f"{show_ratio(1 / ratio.least)})")
+        return cell(limit, f"{figure} ({show_ratio(1 / ratio.greatest)}–{show_ratio(1 / ratio.least)})")
 
     def section(self, section):
         rows = [row for row in section.rows if self.results.median(row.topic, row.own, row.size)]
@@ -117,10 +116,10 @@ class Page:
         if section.title in CHARTS:
             name, words = CHARTS[section.title]
             yield f"![{words}](charts/{name})\n"
-        yield f"| time a {section.item} | Corvale | " + " | ".join([*peers, "limit", "goals"]) + " |"
+        yield f"| time per {section.item} | Corvale | " + " | ".join([*peers, "limit", "goals"]) + " |"
         yield "|---" * (len(peers) + 4) + "|"
         for row in rows:
-            own = chart.show_time(self.results.median(row.topic, row.own, row.size))
+            own = chart.show_time(self.results.median(row.topic, row.own, row.size)).replace(" ", "\u00a0")
             cells = [self.peer_cell(row, peer) for peer in peers] + [self.limit_cell(row), show_goals(row)]
             yield f"| {row.label} | {own} | " + " | ".join(cells) + " |"
         yield ""
@@ -228,6 +227,11 @@ Blocks of memory that a call takes, counted at `malloc` for the whole process. W
         body = [line for section in SECTIONS for line in self.section(section)]
         body += [*self.growth(), *self.cliffs(), *self.start(), *self.allocations()]
         return [HEAD, *self.goals(), *body, METHOD, *self.conditions()]
+
+
+def cell(time, figure):
+    """The time, and below it the ratio: neither is broken into lines."""
+    return "<br>".join(part.replace(" ", "\u00a0") for part in (chart.show_time(time), figure))
 
 
 def show_ratio(ratio):
