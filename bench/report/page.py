@@ -129,7 +129,8 @@ class Page:
 
 The exponent of time against size n, a line of least squares through the logarithms, over all sizes and over the greater half of
 them, where what a call costs at any size no longer counts; beside each the exponent of the cost that the work should have,
-over the same sizes.
+over the same sizes. Where data leaves the caches on the way, a step takes longer, which adds to what is measured. A row of
+values stops at 32 fields because no more than 512 characters are made of one.
 
 | workload | sizes | should grow as | exponent | should be | greater half | should be |
 |---|---|---|---|---|---|---|"""
