@@ -122,7 +122,7 @@ Values ReadOnly(const std::string& name) {
 template <Values (*Load)(const std::string&), int Percent>
 void LoadCards(benchmark::State& state) {
     const std::string& name = FileName(Percent);
-    const Values expected = LoadWithFortran(name);
+    static const Values expected = LoadWithFortran(name);
     const Values got = Load(name);
     if (Load != ReadOnly && std::memcmp(got.data(), expected.data(), sizeof got) != 0)
         return state.SkipWithError("the array differs from the Fortran loop's");

@@ -44,7 +44,7 @@ void Find(void* library, const char* name, Function& function) {
 }
 
 Lapack LoadOpenBlas() {
-    void* library = dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
+    void* library = dlopen(CORVALE_OPENBLAS, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
     Lapack lapack;
     Find(library, "dpotrf_", lapack.potrf);
     Find(library, "dpotrs_", lapack.potrs);

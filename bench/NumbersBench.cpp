@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 #include <double-conversion/double-conversion.h>
 #include <fast_float/fast_float.h>
+#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -205,7 +206,8 @@ void WithToChars(double value, const Form& form, std::span<char> out) {
 
 void WithFmt(double value, const Form& form, std::span<char> out) {
     std::array<char, 400> digits;
-    const char* const end = fmt::format_to(digits.data(), "{:.{}f}", value, form.decimals);
+    const char* const end =
+        fmt::format_to(digits.data(), FMT_COMPILE("{:.{}f}"), value, form.decimals);
     Finish({digits.data(), end}, form, out);
 }
 

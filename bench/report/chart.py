@@ -1,0 +1,152 @@
+"""Two kinds of charts as SVG, readable on white and on black: times of peers as dots in rows, and
+times against sizes as lines. Axes of time are logarithmic."""
+import html
+import math
+
+# Middle tones. The first is Corvale's.
+COLOURS = ["#e0463c", "#2f86d6", "#2f9e58", "#a865c9", "#c98a1b", "#13a0a8", "#8c8c8c", "#d0569a",
+           "#5f7d2e", "#6c7bd9", "#b3653a", "#4f9fbf", "#777777"]
+STYLE = """<style>
+:root { color-scheme: light dark; }
+text { font: 12px sans-serif; fill: #222; }
+.title { font-weight: bold; }
+.small { font-size: 9px; }
+.grid { stroke: #888; stroke-opacity: .3; fill: none; }
+@media (prefers-color-scheme: dark) { text { fill: #ddd; } }
+</style>"""
+UNITS = [(1e9, "s"), (1e6, "ms"), (1e3, "µs"), (1.0, "ns")]
+
+
+def show_time(nanoseconds, digits=3):
+    """Three digits and the unit: 0.93 ns, 12.5 µs, 230 ms."""
+    size, unit = next((entry for entry in UNITS if nanoseconds >= entry[0] * 0.9995), UNITS[-1])
+    value = nanoseconds / size
+    decimals = max(0, digits - 1 - math.floor(math.log10(value))) if value > 0 else 0
+    text = f"{value:.{decimals}f}"
+    return f"{text.rstrip('0').rstrip('.') if '.' in text and digits == 1 else text} {unit}"
+
+
+class Axis:
+    """A logarithmic axis from pixel `start` on, `length` pixels long; a negative length goes up."""
+
+    def __init__(self, values, start, length, room=1.15):
+        self.low, self.high = min(values) / room, max(values) * room
+        self.start, self.length = start, length
+
+    def place(self, value):
+        share = math.log(value / self.low) / math.log(self.high / self.low)
+        return self.start + share * self.length
+
+    def powers(self):
+        first, last = (math.log10(limit) for limit in (self.low, self.high))
+        ticks = [10.0 ** power for power in range(math.ceil(first), math.floor(last) + 1)]
+        if len(ticks) < 3:
+            steps = [m * 10.0 ** p for p in range(math.floor(first), math.ceil(last)) for m in (1, 2, 5)]
+            ticks = [step for step in steps if self.low <= step <= self.high]
+        return ticks
+
+
+def text(x, y, words, anchor="start", more=""):
+    return f'<text x="{x:.1f}" y="{y:.1f}" text-anchor="{anchor}"{more}>{html.escape(str(words))}</text>'
+
+
+def frame(width, height, title, body):
+    return "\n".join([
+        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width:.0f} {height:.0f}" role="img">',
+        f"<title>{html.escape(title)}</title>", STYLE, *body, "</svg>"]) + "\n"
+
+
+def legend(names, left, y, right):
+    """Coloured dots and names in lines from `left` to `right`; the last line's place comes along."""
+    x, lines = left, []
+    for name, colour in names:
+        width = 34 + 7.2 * len(name)
+        if x + width > right and x > left:
+            x, y = left, y + 18
+        lines += [f'<circle cx="{x + 6}" cy="{y - 4}" r="4.5" fill="{colour}"/>', text(x + 15, y, name)]
+        x += width
+    return lines, y
+
+
+def colours_of(peers):
+    return dict(zip(peers, COLOURS))
+
+
+def dots(title, rows, peers, note="time, logarithmic: left is faster"):
+    """Rows of (label, {peer: nanoseconds}); the peers in the order of their colours."""
+    width, left, top, step = 860, 190, 64, 26
+    colours = colours_of(peers)
+    axis = Axis([time for _, times in rows for time in times.values()], left, width - left - 30)
+    bottom = top + step * len(rows)
+    keys, key_bottom = legend(list(colours.items()), left, 44, width - 10)
+    shift = key_bottom - 44
+    body = [text(10, 22, title, more=' class="title"'), *keys, f'<g transform="translate(0 {shift})">']
+    for tick in axis.powers():
+        x = axis.place(tick)
+        body += [f'<path class="grid" d="M{x:.1f} {top}V{bottom}"/>',
+                 text(x, bottom + 16, show_time(tick, 1), "middle")]
+    for index, (label, times) in enumerate(rows):
+        y = top + step * (index + 0.5)
+        body += [text(left - 10, y + 4, label, "end"),
+                 f'<path class="grid" d="M{left} {y:.1f}H{width - 30}"/>']
+        for peer in reversed([name for name in peers if name in times]):
+            radius = 6 if peer == peers[0] else 4.5
+            body.append(f'<circle cx="{axis.place(times[peer]):.1f}" cy="{y:.1f}" r="{radius}" '
+                        f'fill="{colours[peer]}"/>')
+    body += [text((left + width - 30) / 2, bottom + 36, note, "middle"), "</g>"]
+    return frame(width, bottom + 48 + shift, title, body)
+
+
+def end_names(curves, colours, right, height_of):
+    """Names beside the ends of their lines, moved apart where they would touch."""
+    ends = [(height_of(sizes[max(sizes)]), name) for name, sizes in curves.items() if sizes]
+    y = -math.inf
+    for end, name in sorted(ends):
+        y = max(y + 15, end + 4)
+        yield text(right + 8, y, name, more=f' style="fill:{colours[name]}"')
+
+
+def panel(title, curves, colours, place, ranges, show_size, has_names):
+    """One diagram: curves of {name: {size: nanoseconds}} in the rectangle (left, top, width, height)."""
+    left, top, width, height = place
+    across = Axis(ranges[0], left, width, 1.25)
+    up = Axis(ranges[1], top + height, -height, 1.25)
+    yield text(left + width / 2, top - 12, title, "middle", ' class="title"')
+    for tick in across.powers():
+        x = across.place(tick)
+        yield f'<path class="grid" d="M{x:.1f} {top}v{height}"/>'
+        yield text(x, top + height + 17, show_size(tick), "middle")
+    for tick in up.powers():
+        y = up.place(tick)
+        yield f'<path class="grid" d="M{left} {y:.1f}h{width}"/>'
+        yield text(left - 6, y + 4, show_time(tick, 1), "end")
+    if has_names:
+        yield from end_names(curves, colours, left + width, up.place)
+    for index, (name, sizes) in reversed(list(enumerate(curves.items()))):
+        points = [(across.place(size), up.place(time)) for size, time in sorted(sizes.items())]
+        line = " ".join(f"{x:.1f},{y:.1f}" for x, y in points)
+        yield (f'<polyline fill="none" stroke="{colours[name]}" stroke-width="{2.6 if index == 0 else 1.6}" '
+               f'points="{line}"/>')
+        yield from (f'<circle cx="{x:.1f}" cy="{y:.1f}" r="2.4" fill="{colours[name]}"/>' for x, y in points)
+
+
+def lines(title, panels, size_name, show_size=lambda size: f"{size:,.0f}"):
+    """Diagrams side by side with the same axes: panels of (title, {name: {size: nanoseconds}}). The names
+    stand below them, those of a single diagram beside their lines."""
+    margin, height, top = 66, 360, 48
+    is_single = len(panels) == 1
+    width = 640 if is_single else 400
+    names = list(dict.fromkeys(name for _, curves in panels for name in curves))
+    colours = colours_of(names)
+    points = [point for _, curves in panels for sizes in curves.values() for point in sizes.items()]
+    ranges = [[size for size, _ in points], [time for _, time in points]]
+    body = []
+    for index, (panel_title, curves) in enumerate(panels):
+        place = (margin + index * (width + margin), top, width, height)
+        body += panel(panel_title, curves, colours, place, ranges, show_size, is_single)
+    total = len(panels) * (width + margin) + (140 if is_single else 20)
+    body.append(text(margin + (total - 2 * margin) / 2, top + height + 40, size_name, "middle"))
+    if is_single:
+        return frame(total, top + height + 54, title, body)
+    keys, bottom = legend(list(colours.items()), margin, top + height + 66, total - 10)
+    return frame(total, bottom + 14, title, body + keys)
