@@ -62,7 +62,6 @@ const NumbersCase kNumbers[] = {
     {"  1\t\t2 \t3", {1, 2, 3}, "so do tabs"},
     {"1,2 ,3, 4 , 5", {1, 2, 3, 4, 5}, "and one comma, whatever surrounds it"},
     {"1,,3", {1, kOld, 3}, "nothing between commas keeps"},
-    {"1, ,3", {1, kOld, 3}, "with a blank too"},
     {",5", {kOld, 5}, "a first comma has nothing before it"},
     {"1,/2", {1}, "a slash ends"},
     {"3*,5", {kOld, kOld, kOld, 5}, "three that keep; a comma after them is their separator"},
@@ -82,7 +81,6 @@ const NumbersCase kNumbers[] = {
     {"1e400 -1e400 1e-400 -0", {kInfinity, -kInfinity, 0.0, -0.0}, "out of range, and signed zero"},
     {"1 X 4", {1}, "a word ends the reading"},
     {"1 . 4", {1}, "a point is no number"},
-    {"1 NaN 4", {1}, "nor is what is no number by name"},
     {"1 Inf 4", {1}, "nor an infinity"},
     {"1 0x10 4", {1}, "nor hexadecimal digits"},
     {"1 2\r 4", {1}, "a CR inside the line"},
@@ -129,7 +127,6 @@ const FileCase kFiles[] = {
     {"QZ_MOIC\nQZ_MOIC ", {0, 0, 0}, kOld, "no numbers"},
     {"QZ_MOIC " + kTo511 + "56\n", {0, 0, 0}, 5, "column 512 is the last"},
     {"QZ_MOIC " + kTo511 + "5\r\n", {0, 0, 0}, 5, "a CR after it"},
-    {"QZ_MOIC " + kTo511.substr(1) + "5\r\n", {0, 0, 0}, 5, "a CR in it"},
     {"QZ_MOIC " + kTo511 + " 5\n", {0, 0, 0}, kOld, "column 513 is not read"},
     {"QZ_MOIC 4 " + std::string(1000000, ' ') + "\nQZ_DMA_ON", {1, 0, 0}, 4, "a very long line"},
     {std::string(1000000, 'Q') + "\nQZ_DMA_ON", {1, 0, 0}, kOld, "one without sense"},
@@ -195,7 +192,10 @@ TEST_F(Cards, ComeThroughAPipeInPiecesOfAnySize) {
             close(pipe);
         });
         Reset();
-        EXPECT_EQ(ReadCorvaleFrFile(folder / "fifo"), 0);
+        EXPECT_EQ(FileIO::FileOpen(3, folder / "fifo", 1), 0);
+        EXPECT_EQ(ReadCorvaleFrFileUnit(3), 0);
+        EXPECT_FALSE(TextUnits::Rewind(3)) << "a pipe that has been read";
+        TextUnits::Close(3);
         writer.join();
         for (std::size_t i = 0; i < MoicArr.size(); ++i)
             EXPECT_EQ(test::Bits(MoicArr[i]), test::Bits(expected.moic[i])) << "element " << i + 1;
