@@ -15,8 +15,8 @@ namespace {
 constexpr std::size_t kWindow = 7;
 using Words = std::array<std::uint64_t, kShortRange>;
 
-// The bytes in which keys of the range differ lie between these, `end` excluded; both are 0 where
-// all keys are equal.
+// The bytes in which keys of the range differ lie between these, `end` excluded. The keys are not all
+// equal: such ones are a run.
 struct Difference {
     std::size_t first;
     std::size_t end;
@@ -30,8 +30,7 @@ Difference FindDifference(const KeyRange& range) noexcept {
 
     std::size_t first = 0;
     std::size_t last = 4;
-    while (first < 4 && bits[first] == 0) ++first;
-    if (first == 4) return {0, 0};
+    while (bits[first] == 0) ++first;
     while (bits[last - 1] == 0) --last;
     return {8 * first + static_cast<std::size_t>(std::countl_zero(bits[first])) / 8,
             8 * last - static_cast<std::size_t>(std::countr_zero(bits[last - 1])) / 8};
@@ -148,8 +147,6 @@ void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t be
 void SortShortRange(const KeyRange& range, std::size_t begin, RangeStack& pending) noexcept {
     if (SortOneRun(range)) return;
     const Difference difference = FindDifference(range);
-    if (difference.end == 0) return;
-
     Words words;
     Words other;
     Load(range, difference.first, words.data());
