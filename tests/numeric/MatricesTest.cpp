@@ -77,7 +77,7 @@ TEST(Packed, GoesRowByRow) {
 
 TEST(Packed, MovesEveryBit) {
     const std::uint64_t signalling = 0xfff4000000000123U;  // arithmetic would change it
-    for (const std::int32_t n : {2, 40, 64, 67}) {
+    for (const std::int32_t n : {2, 37, 64, 67}) {
         const std::int32_t stride = (n + 31) / 32 * 32;  // a multiple of 64 is walked otherwise
         const auto count = static_cast<std::size_t>(n * stride);
         Matrix square(count, std::bit_cast<double>(signalling)), again(square), packed(count, 0.0);
