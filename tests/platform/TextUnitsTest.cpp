@@ -119,6 +119,7 @@ TEST(TextUnits, WhatIsATextFile) {
     ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
+    close(ends[1]);
     const struct {
         std::string name;
         std::int32_t ioMode, status;
@@ -131,7 +132,9 @@ TEST(TextUnits, WhatIsATextFile) {
         {"/dev/null", kRead, 0, "the null device is an empty file"},
         {"/dev/null", kWrite, 0, "and takes everything"},
         {"/dev/full", kAppend, 0, "a device that will refuse each line"},
-        {"/dev/fd/" + std::to_string(ends[0]), kRead, 0, "an unnamed pipe, written to or not"},
+        {"/dev/fd/" + std::to_string(ends[0]), kRead, 0, "an unnamed pipe: its writer has been"},
+        {std::string(4086, '/') + "/dev/null", kRead, 0, "the longest name"},
+        {std::string(4087, '/') + "/dev/null", kRead, 2, "one more character"},
     };
     const auto before = test::OpenDescriptors();
     for (const auto& [name, ioMode, status, why] : cases) {
@@ -140,7 +143,7 @@ TEST(TextUnits, WhatIsATextFile) {
         Close(kUnit);
         EXPECT_EQ(test::OpenDescriptors(), before) << why;
     }
-    for (const int end : ends) close(end);
+    close(ends[0]);
     EXPECT_FALSE(std::filesystem::exists(folder / "a"));
 }
 
