@@ -93,7 +93,7 @@ Line LineAt(const char* at, const char* end) noexcept {
     const std::size_t lineEnd = rest.find('\n');
     if (lineEnd == std::string_view::npos)
         return {rest.substr(0, kColumns), rest.size() == kLongest};
-    const bool hasReturn = lineEnd > 0 && rest[lineEnd - 1] == '\r';
+    const bool hasReturn = rest[lineEnd - 1] == '\r';  // not the first character: that is a Q
     return {rest.substr(0, std::min(lineEnd - (hasReturn ? 1 : 0), kColumns)), true};
 }
 

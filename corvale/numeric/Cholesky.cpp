@@ -68,9 +68,11 @@ void Run(CholeskyWork& work) noexcept {
 template <bool rootFree>
 bool DoneSmall(const internal::SmallSystem& system) noexcept {
     if (system.n > kSmallOrder) return false;
-    if constexpr (rootFree)
+    if constexpr (rootFree) {
         return internal::OnWidestLanes<internal::SolveSmallWithoutRoots>(&system);
-    return internal::OnWidestLanes<internal::SolveSmallWithRoots>(&system);
+    } else {
+        return internal::OnWidestLanes<internal::SolveSmallWithRoots>(&system);
+    }
 }
 
 template <bool rootFree>

@@ -54,15 +54,9 @@ bool IsReady(int descriptor, short event, milliseconds wait) noexcept {
 
 int OpenFlags(FileAccess access) noexcept {
     constexpr int always = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-    switch (access) {
-        case FileAccess::Read:
-            return always | O_RDONLY;
-        case FileAccess::Replace:
-            return always | O_WRONLY | O_CREAT | O_TRUNC | O_APPEND;
-        case FileAccess::Append:
-            return always | O_WRONLY | O_CREAT | O_APPEND;
-    }
-    return always;
+    if (access == FileAccess::Read) return always | O_RDONLY;
+    constexpr int writing = always | O_WRONLY | O_CREAT | O_APPEND;
+    return access == FileAccess::Replace ? writing | O_TRUNC : writing;
 }
 
 // The host may have closed its standard descriptors: what is opened then must not become its

@@ -56,10 +56,6 @@ struct KeyRange {
     [[nodiscard]] KeyRange Part(std::size_t begin, std::size_t end) const noexcept {
         return {keys + begin, companion + begin, end - begin};
     }
-    void Swap(std::size_t a, std::size_t b) const noexcept {
-        std::swap(keys[a], keys[b]);
-        std::swap(companion[a], companion[b]);
-    }
     /// Copies row `from` of `source` over row `to`.
     void Put(std::size_t to, const KeyRange& source, std::size_t from) const noexcept {
         keys[to] = source.keys[from];

@@ -17,11 +17,11 @@ struct Run {
     bool isDescending;
 };
 
-// The longest run that begins at `first`.
+// The longest run that begins at `first`. A last key alone counts as descending.
 Run FindRun(const KeyRange& all, std::size_t first) noexcept {
     std::size_t end = first + 1;
     while (end < all.count && !IsLess(all.keys[end], all.keys[end - 1])) ++end;
-    if (end > first + 1 || end == all.count) return {end, false};
+    if (end > first + 1) return {end, false};
 
     while (end < all.count && !IsLess(all.keys[end - 1], all.keys[end])) ++end;
     return {end, true};
@@ -166,6 +166,8 @@ class BlockMerge {
 };
 
 constexpr std::size_t kMostBlockRows = 128;
+// The rows of the buffer are no more than a run has.
+static_assert(2 * kRowBytes / sizeof(std::int32_t) >= kLeastShare);
 
 // Merges two neighbouring runs in place. `block` is cut into a buffer of rows and the sources of
 // the blocks.
@@ -178,10 +180,8 @@ void MergeRuns(const KeyRange& range, std::size_t split, std::span<std::int32_t>
     const std::size_t first = split % rows;
     const std::size_t end = range.count - (range.count - split) % rows;
     const std::size_t blocks = (end - first) / rows;
-    if (split >= rows && range.count - split >= rows) {
-        const auto source = block.subspan(rows * kRowBytes / sizeof(std::int32_t), blocks);
-        BlockMerge(range.Part(first, end), split - first, buffer, source).Run();
-    }
+    const auto source = block.subspan(rows * kRowBytes / sizeof(std::int32_t), blocks);
+    BlockMerge(range.Part(first, end), split - first, buffer, source).Run();
     MergeBackward(range.Part(first, range.count), end - first, buffer);
     (void)MergeForward(range, first, buffer);
 }

@@ -107,8 +107,6 @@ void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t be
                                 RangeStack& pending) noexcept {
     if (SortOneRun(range)) return;
     const Difference difference = FindDifference(range);
-    if (difference.end == 0) return;
-
     Words words;
     Words other;
     Load(range, difference.first, words.data());

@@ -181,7 +181,7 @@ void CsvCompressor::Zero() noexcept {
     if (isFraction_) {
         if (!zeros_.isRecorded) {
             // directly after the point: then the point is useless, too
-            const bool followsPoint = in_ > 0 && input_[in_ - 1] == '.';
+            const bool followsPoint = input_[in_ - 1] == '.';
             zeros_ = {followsPoint ? out_ - 1 : out_, out_, true};
         }
         zeros_.last = out_;

@@ -10,11 +10,8 @@ namespace corvale::internal {
 
 namespace {
 
-// The middle between two doubles has at most 767 significant digits, so digits after these only
-// matter by being there.
-constexpr std::int64_t kDigitsThatCount = 800;
-
-// A whole number of any size that is met here. Its greatest: 801 digits, or 5^1125 times 54 bits.
+// A whole number of any size that is met here. A line has 512 digits at most, and the least exponent
+// that counts is -342 for the first 19 of them: the greatest is 5^835 times 54 bits.
 class WholeNumber {
   public:
     explicit WholeNumber(std::uint64_t value) noexcept : words_{value} {}
@@ -39,7 +36,7 @@ class WholeNumber {
     }
 
   private:
-    std::array<std::uint64_t, 44> words_;  // the least first
+    std::array<std::uint64_t, 44> words_;  // the least first; 2,816 bits
     std::size_t size_ = 1;
 };
 
@@ -49,26 +46,16 @@ struct Decimal {
     std::int64_t exponent = 0;
 };
 
-// All digits that count, and a 1 in place of the others if any of them is not 0.
 Decimal AllDigits(const ScannedReal& number) noexcept {
     if (!number.isCut) return {WholeNumber(number.digits), number.exponent};
     Decimal all;
     std::int64_t count = 0;
-    bool isMore = false;
     for (const char c : number.mantissa) {
         if (c == '.' || (c == '0' && count == 0)) continue;
-        if (count == kDigitsThatCount) {
-            isMore = isMore || c != '0';
-            continue;
-        }
         all.digits.MultiplyAdd(10, static_cast<std::uint64_t>(c - '0'));
         ++count;
     }
     all.exponent = number.exponent + 19 - count;
-    if (isMore) {
-        all.digits.MultiplyAdd(10, 1);
-        --all.exponent;
-    }
     return all;
 }
 

@@ -24,22 +24,21 @@ constexpr std::size_t kIntegerWidth = 12;
 constexpr internal::RealRules kFieldRules = {.exponentQ = false, .emptyMantissa = true};
 
 // A set of characters, asked by a look into a table.
-class CharacterSet {
-  public:
-    explicit constexpr CharacterSet(std::string_view members) noexcept {
-        for (const char c : members) isMember_[static_cast<unsigned char>(c)] = true;
-    }
+struct CharacterSet {
     constexpr bool operator()(char c) const noexcept {
-        return isMember_[static_cast<unsigned char>(c)];
+        return isMember[static_cast<unsigned char>(c)];
     }
-
-  private:
-    std::array<bool, 256> isMember_{};
+    std::array<bool, 256> isMember{};
 };
+consteval CharacterSet SetOf(std::string_view members) noexcept {
+    CharacterSet set;
+    for (const char c : members) set.isMember[static_cast<unsigned char>(c)] = true;
+    return set;
+}
 
-constexpr CharacterSet kRealCharacters("+-.0123456789eEdD");
-constexpr CharacterSet kPairOfRealsCharacters("+-.0123456789");
-constexpr CharacterSet kIntegerCharacters("+-0123456789");
+constexpr CharacterSet kRealCharacters = SetOf("+-.0123456789eEdD");
+constexpr CharacterSet kPairOfRealsCharacters = SetOf("+-.0123456789");
+constexpr CharacterSet kIntegerCharacters = SetOf("+-0123456789");
 
 // Takes the next run of members out of `text`; empty where there is none.
 std::string_view TakeRun(std::string_view& text, const CharacterSet& members) noexcept {
@@ -115,8 +114,7 @@ bool ReadNumberAndWord(std::string_view value, double& number, std::span<char> w
     ScannedReal scanned;
     std::int32_t count = 0;
     const ItemKind first = reader.NextNumber(scanned, count);
-    if (first == ItemKind::Stop) return true;
-    if (first == ItemKind::End || first == ItemKind::Unusable) return false;
+    if (first != ItemKind::Value && first != ItemKind::Empty) return false;
     if (first == ItemKind::Value) number = internal::ToDouble(scanned);
 
     const ItemKind second = reader.NextWord(word);

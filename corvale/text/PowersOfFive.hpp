@@ -32,7 +32,7 @@ namespace making {
 using Wide = std::array<std::uint64_t, 15>;
 
 // value = value * 5; must fit.
-constexpr void MultiplyByFive(Wide& value) noexcept {
+consteval void MultiplyByFive(Wide& value) noexcept {
     std::uint64_t carry = 0;
     for (std::uint64_t& word : value) {
         const Uint128 product = Uint128{word} * 5 + carry;
@@ -42,7 +42,7 @@ constexpr void MultiplyByFive(Wide& value) noexcept {
 }
 
 // value = value / 5, rounded down. Down once more each time is down from the exact quotient.
-constexpr void DivideByFive(Wide& value) noexcept {
+consteval void DivideByFive(Wide& value) noexcept {
     std::uint64_t remainder = 0;
     for (std::size_t i = value.size(); i > 0; --i) {
         const Uint128 dividend = Uint128{remainder} << 64U | value[i - 1];
@@ -51,7 +51,7 @@ constexpr void DivideByFive(Wide& value) noexcept {
     }
 }
 
-constexpr PowerOfFive LeadingBits(const Wide& value) noexcept {
+consteval PowerOfFive LeadingBits(const Wide& value) noexcept {
     std::size_t top = value.size() - 1;
     while (value[top] == 0) --top;
     const auto word = [&](std::size_t below) { return top >= below ? value[top - below] : 0; };
@@ -62,13 +62,13 @@ constexpr PowerOfFive LeadingBits(const Wide& value) noexcept {
 
 // The next 128-bit number, for powers that the leading bits do not hold whole. None of them ends in
 // 128 ones.
-constexpr PowerOfFive RoundUp(PowerOfFive power) noexcept {
+consteval PowerOfFive RoundUp(PowerOfFive power) noexcept {
     ++power.low;
     if (power.low == 0) ++power.high;
     return power;
 }
 
-constexpr auto MakePowers() noexcept {
+consteval auto MakePowers() noexcept {
     std::array<PowerOfFive, kGreatestTenExponent - kLeastTenExponent + 1> powers{};
     Wide power{1};
     for (int q = 0; q <= kGreatestTenExponent; ++q, MultiplyByFive(power)) {

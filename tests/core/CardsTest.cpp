@@ -106,6 +106,12 @@ TEST_F(Cards, NumbersInFreeForm) {
 
 const std::string kTo511(503, ' ');  // the columns 9 to 511
 
+const std::string kManyCards = [] {
+    std::string cards = "QZ_MOIC 5\n";
+    for (int i = 0; i < 600; ++i) cards += i == 300 ? "QZ_MOIC 7\n" : "QZ_DMA_ON\n";
+    return cards;
+}();
+
 struct FileCase {
     std::string content;
     Modes modes;
@@ -130,6 +136,7 @@ const FileCase kFiles[] = {
     {"QZ_MOIC " + kTo511 + " 5\n", {0, 0, 0}, kOld, "column 513 is not read"},
     {"QZ_MOIC 4 " + std::string(1000000, ' ') + "\nQZ_DMA_ON", {1, 0, 0}, 4, "a very long line"},
     {std::string(1000000, 'Q') + "\nQZ_DMA_ON", {1, 0, 0}, kOld, "one without sense"},
+    {kManyCards + "QZ_DMA_ON", {1, 0, 0}, 7, "more cards than are taken together"},
 };
 
 TEST_F(Cards, FilesOfEveryKind) {

@@ -8,8 +8,11 @@
 #include <GuardPage.hpp>
 #include <TestFiles.hpp>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <cstdio>
 #include <optional>
 
@@ -137,12 +140,29 @@ TEST_F(Log, WhatCannotBeOpenedLeavesAStateWithoutAFile) {
     EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks);
 }
 
+// Whether a child can write to standard output when it is born while a thread waits there for room.
+bool WritesInAChild() {
+    int ends[2];
+    std::fflush(stdout);
+    if (pipe(ends) != 0 || dup2(ends[1], STDOUT_FILENO) < 0) return false;
+    std::thread writer(
+        [] { static_cast<void>(TextUnits::WriteLine(6, std::string(1 << 20, 'x'))); });
+    for (int waiting = 0; waiting < 1 << 16; usleep(1000)) ioctl(ends[0], FIONREAD, &waiting);
+    const bool holds = test::HoldsInChild([] {
+        return dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO) >= 0 &&
+               TextUnits::WriteLine(6, "x");
+    });
+    close(ends[0]);
+    writer.join();
+    return holds;
+}
+
 // Ends the process; 0 where everything held.
 [[noreturn]] void CheckAFreshProcess() {
     bool isGood = Stored(LastLoggedErrMsg) == kBlanks && Stored(LogLastInfoMsg) == kBlanks &&
                   LogFileUnit == 0 && GetDupKeyMode() == 0 && GetAllKeyMode() == 0 &&
                   GetElsetKeyMode() == 0 && CorvaleTypes::gUseAllKeyMode == 0 &&
-                  CorvaleCardReading::MoicArr == std::array<double, 128>{};
+                  CorvaleCardReading::MoicArr == std::array<double, 128>{} && WritesInAChild();
     {
         const test::TemporaryFolder folder;
         isGood = isGood && std::freopen((folder / "host").c_str(), "w", stdout) != nullptr;
@@ -154,7 +174,8 @@ TEST_F(Log, WhatCannotBeOpenedLeavesAStateWithoutAFile) {
         std::fflush(stdout);
         CloseLogFile();
         isGood = isGood && !TextUnits::IsOpen(6) && !TextUnits::WriteLine(6, "nowhere");
-        isGood = isGood && test::ReadFile(folder / "host") == "unit 6\nhost\n";
+        isGood =
+            isGood && test::ReadFile(folder / "host") == "\nunit 6\nhost\n";  // ends the long line
         isGood = isGood && test::ReadFile(folder / "log") == "to the log\n";
     }
     _exit(isGood ? 0 : 1);

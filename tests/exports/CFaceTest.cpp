@@ -103,6 +103,7 @@ TEST_F(CFace, TakesNullForBlankAndSkipsNullOutputs) {
     GetLastErrMsg(nullptr);
     GetLastInfoMsg(nullptr);
     GetMOICData(5, nullptr);
+    CorvaleCardReading::RetrieveMocData(nullptr, 5);
     LogMessage(nullptr);
     EXPECT_EQ(Written(GetLastInfoMsg), Message(""));
     EXPECT_EQ(OpenLogFile(nullptr), CORVALE_FAILED);

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 namespace corvale::test {
@@ -73,6 +74,7 @@ std::string SortKeys(const TemporaryFolder& folder) {
     std::vector<std::int64_t> companion(keys.size());
     const int status = WaitFor(StartChild([&] {
         dup2(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
+        std::atexit([] { Counts().isDisturbed = false; });
         Disturbed(
             [&] { return Sorting::QuickSortIterative(1000, keys.data(), companion.data()), 0; });
         return std::ranges::is_sorted(keys, [](const auto& a, const auto& b) {

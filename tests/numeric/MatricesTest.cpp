@@ -77,14 +77,17 @@ TEST(Packed, GoesRowByRow) {
 
 TEST(Packed, MovesEveryBit) {
     const std::uint64_t signalling = 0xfff4000000000123U;  // arithmetic would change it
-    for (const std::int32_t n : {2, 40}) {
-        const auto count = static_cast<std::size_t>(n * n);
-        Matrix square(count, std::bit_cast<double>(signalling)), again(count), packed(count, 0.0);
+    for (const std::int32_t n : {2, 37, 64, 67}) {
+        const std::int32_t stride = (n + 31) / 32 * 32;  // a multiple of 64 is walked otherwise
+        const auto count = static_cast<std::size_t>(n * stride);
+        Matrix square(count, std::bit_cast<double>(signalling)), again(square), packed(count, 0.0);
+        MatrixView<double> result(again.data(), n, n, 1, stride);
+        for (std::int32_t j = 1; j <= n; ++j)
+            for (std::int32_t i = 1; i <= n; ++i) result(i, j) = 0.0;
         const std::int32_t length = n * (n + 1) / 2;
-        SqrMtx2Lta(MatrixView<const double>(square.data(), n, n),
+        SqrMtx2Lta(MatrixView<const double>(square.data(), n, n, 1, stride),
                    VectorView<double>(packed.data(), length));
-        Lta2SqrMtx(VectorView<const double>(packed.data(), length),
-                   MatrixView<double>(again.data(), n, n));
+        Lta2SqrMtx(VectorView<const double>(packed.data(), length), result);
         for (const double value : again)
             ASSERT_EQ(std::bit_cast<std::uint64_t>(value), signalling) << n;
     }
@@ -103,6 +106,8 @@ TEST(Packed, WritesNothingWhereItDoesNotFit) {
         Lta2SqrMtx(VectorView<const double>(packed.data(), length),
                    MatrixView<double>(square.data(), n - 1, n));
     }
+    SqrMtx2Lta({}, {});
+    Lta2SqrMtx({}, {});
     EXPECT_EQ(square, Matrix(400, 1.0));
     EXPECT_EQ(packed, Matrix(210, 2.0));
 }
@@ -148,7 +153,9 @@ TEST(Inversion, CopiesOverlappingShapesAndLeavesSmallResultsAlone) {
     for (const auto invert : {&MtxInv, &MInv}) {
         invert(MatrixView<const double>(a.data(), 2, 2), MatrixView<double>(a.data() + 4, 2, 1));
         invert(MatrixView<const double>(a.data(), 2, 2), MatrixView<double>(a.data() + 4, 1, 2));
-        invert(MatrixView<const double>(a.data(), 0, 2), MatrixView<double>(a.data() + 4, 2, 2));
+        for (const std::int32_t rows : {0, 2})
+            invert(MatrixView<const double>(a.data(), rows, 2 - rows),
+                   MatrixView<double>(a.data() + 4, 2, 2));
         invert({}, {});
     }
     EXPECT_EQ(a, (Matrix{1, 1, 2, 3, 4, 5, 6, 8}));
@@ -168,6 +175,22 @@ TEST(Cholesky, KnownSmallSystems) {
     Cholesky(indefinite.data(), ones.data(), 2, inverse.data(), x.data());
     inverse.insert(inverse.end(), x.begin(), x.end());
     ExpectSameBits(inverse, Matrix(6, test::kNaN), "not positive definite");
+}
+
+// U is finite and its inverse is not, or that is and its product with 1/D is not.
+TEST(Cholesky, TakesInZerosWhereTheyMeetInfinities) {
+    const double blocks[][5] = {{0x1p-1000, 0x1p-500, 0x1.0000000000001p+0, 0x1p+484, 1.0},
+                                {0x1p-1000, 0x1p-999, 0x1.0000008p-998, 0.0, 1.0}};
+    constexpr std::int32_t n = 14;
+    for (const auto& block : blocks) {
+        Matrix a(n * n, 0.0), got(n * n), wanted(n * n), x(n), wantedX(n);
+        for (std::size_t i = 0; i < n; ++i) a[i * n + i] = i < 3 ? block[2 * i] : 1.0;
+        for (std::size_t i = 0; i < 2; ++i) a[(i + 1) * n + i] = block[2 * i + 1];
+        Cholesky2(a.data(), a.data(), n, got.data(), x.data());
+        literal::Cholesky2(a.data(), a.data(), n, wanted.data(), wantedX.data());
+        ExpectSameBits(got, wanted, "inverse");
+        ExpectSameBits(x, wantedX, "solution");
+    }
 }
 
 TEST(Cholesky, TouchesNothingBelowOrderOne) {

@@ -88,6 +88,7 @@ const TableCase kTables[] = {
     {{-1.7e308, 0, 1.7e308}, -1, 1, "the range overflows"},
     {{0, 5e-324, 1e-323, 1.5e-323}, 5e-324, 2, "the step vanishes"},
     {{1, 2, 3}, kNaN, 1, "no value"},
+    {{-kInfinity, 2, 3}, 2, 2, "an infinite range"},
     {{kNaN, 2, 3}, 2, 1, "no first entry"},
     {{1, 2, kNaN}, 2, 3, "no last entry"},
 };

@@ -95,21 +95,31 @@ TEST(TextUnits, AnyNumberNamesAUnit) {
     const std::int32_t units[] = {-1, 0, 3, 6, 1000000, 1000001, INT_MIN, INT_MAX};
     for (const std::int32_t unit : units)
         EXPECT_EQ(FileOpen(unit, folder / std::to_string(unit), kWrite), 0) << unit;
-    std::int32_t fresh = 0;
+    // A place gives out every 1024th number; one that is in use by then is passed over.
+    std::int32_t fresh = 0, later = 0;
     EXPECT_EQ(FileOpenMT(folder / "fresh", kWrite, fresh), 0);
-    EXPECT_EQ(std::count(std::begin(units), std::end(units), fresh), 0)
-        << "a number in use is not given out";
+    const std::int32_t taken = fresh + 1024;
+    EXPECT_EQ(FileOpen(taken, folder / "taken", kWrite), 0);
+    Close(fresh);
+    EXPECT_EQ(FileOpenMT(folder / "later", kWrite, later), 0);
+    EXPECT_TRUE(IsOpen(taken) && WriteLine(taken, "mine"));
+    EXPECT_TRUE(later != taken && WriteLine(later, "fresh"));
+    Close(taken);
+    EXPECT_EQ(test::ReadFile(folder / "taken"), "mine\n");
     for (const std::int32_t unit : units) EXPECT_TRUE(WriteLine(unit, std::to_string(unit)));
     for (const std::int32_t unit : units) {
         Close(unit);
         EXPECT_EQ(test::ReadFile(folder / std::to_string(unit)), std::to_string(unit) + "\n");
     }
-    Close(fresh);
+    Close(later);
 }
 
 TEST(TextUnits, WhatIsATextFile) {
     const TemporaryFolder folder;
     ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[1]);
     const struct {
         std::string name;
         std::int32_t ioMode, status;
@@ -122,6 +132,9 @@ TEST(TextUnits, WhatIsATextFile) {
         {"/dev/null", kRead, 0, "the null device is an empty file"},
         {"/dev/null", kWrite, 0, "and takes everything"},
         {"/dev/full", kAppend, 0, "a device that will refuse each line"},
+        {"/dev/fd/" + std::to_string(ends[0]), kRead, 0, "an unnamed pipe: its writer has been"},
+        {std::string(4086, '/') + "/dev/null", kRead, 0, "the longest name"},
+        {std::string(4087, '/') + "/dev/null", kRead, 2, "one more character"},
     };
     const auto before = test::OpenDescriptors();
     for (const auto& [name, ioMode, status, why] : cases) {
@@ -130,6 +143,7 @@ TEST(TextUnits, WhatIsATextFile) {
         Close(kUnit);
         EXPECT_EQ(test::OpenDescriptors(), before) << why;
     }
+    close(ends[0]);
     EXPECT_FALSE(std::filesystem::exists(folder / "a"));
 }
 
@@ -154,6 +168,7 @@ TEST(TextUnits, ReadAPipeWhoseWriterComesLater) {
     ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
     std::thread writer([&] {
         std::ofstream pipe(folder / "fifo");
+        usleep(200000);  // it is there, and has nothing to say yet
         pipe << "one\n" << std::flush << "two" << std::flush;
     });
     EXPECT_EQ(FileOpen(kUnit, folder / "fifo", kRead), 0);

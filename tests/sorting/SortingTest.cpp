@@ -27,6 +27,15 @@ TEST(QuickSortIterative, SortsEveryPatternAndSize) {
                     << test::kPatternNames[pattern] << ", n = " << n;
 }
 
+TEST(QuickSortIterative, MergesAListBehindAGreaterOne) {
+    std::mt19937_64 random(1);
+    for (const std::size_t n : kSizes) {
+        std::vector<Key> keys = test::MakeKeys(Pattern::Sorted, n, random);
+        std::rotate(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(n / 3), keys.end());
+        EXPECT_TRUE(test::SortsRight(keys)) << n;
+    }
+}
+
 TEST(QuickSortIterative, LeavesNothingToSortAlone) {
     for (const std::int32_t n : {0, -1, INT_MIN}) QuickSortIterative(n, nullptr, nullptr);
     Key key = Padded("A");
