@@ -37,8 +37,7 @@ struct RankSideBySide {
         Lanes words[kVectors], ranks[kVectors];
 #pragma GCC unroll 4
         for (std::size_t v = 0; v < kVectors; ++v) {
-            words[v] =
-                reinterpret_cast<const Lanes*>(in)[v] ^ INT64_MIN;  // compared with their signs
+            words[v] = reinterpret_cast<const Lanes*>(in)[v] ^ INT64_MIN;  // lanes have signs
             ranks[v] = Lanes{};
         }
         for (std::size_t j = 0; j < count; ++j) {
