@@ -40,7 +40,7 @@ extern constinit std::atomic<Avx2> knownAvx2;
 
 /// True where the processor and the system run AVX2 code, from the first static constructor on.
 /// The processor is asked by the first call that wants to know, not while the library is loaded: in
-/// a virtual machine each question can take as long as half of the loading (bench: Start).
+/// a virtual machine each question can take as long as half of the loading (bench/report/start.py).
 [[nodiscard]] inline bool HasAvx2() noexcept {
 #if CORVALE_HAS_AVX2_PATH
     const Avx2 known = knownAvx2.load(std::memory_order_relaxed);
