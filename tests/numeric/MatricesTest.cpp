@@ -76,20 +76,26 @@ TEST(Packed, GoesRowByRow) {
 }
 
 TEST(Packed, MovesEveryBit) {
-    const std::uint64_t signalling = 0xfff4000000000123U;  // arithmetic would change it
+    const auto value = [](std::int32_t i, std::int32_t j) {  // arithmetic would change it
+        return std::bit_cast<double>(
+            0xfff4000000000123U +
+            static_cast<std::uint64_t>(std::max(i, j) * 128 + std::min(i, j)));
+    };
     for (const std::int32_t n : {2, 37, 64, 67}) {
         const std::int32_t stride = (n + 31) / 32 * 32;  // a multiple of 64 is walked otherwise
-        const auto count = static_cast<std::size_t>(n * stride);
-        Matrix square(count, std::bit_cast<double>(signalling)), again(square), packed(count, 0.0);
-        MatrixView<double> result(again.data(), n, n, 1, stride);
-        for (std::int32_t j = 1; j <= n; ++j)
-            for (std::int32_t i = 1; i <= n; ++i) result(i, j) = 0.0;
         const std::int32_t length = n * (n + 1) / 2;
-        SqrMtx2Lta(MatrixView<const double>(square.data(), n, n, 1, stride),
-                   VectorView<double>(packed.data(), length));
+        Matrix square(static_cast<std::size_t>(n * stride), 1.0), again(square);
+        Matrix packed(static_cast<std::size_t>(length + 1), 2.0);
+        const MatrixView<double> given(square.data(), n, n, 1, stride);
+        const MatrixView<double> result(again.data(), n, n, 1, stride);
+        for (std::int32_t j = 1; j <= n; ++j)
+            for (std::int32_t i = j; i <= n; ++i) given(i, j) = value(i, j);
+        SqrMtx2Lta(given, VectorView<double>(packed.data(), length));
+        EXPECT_EQ(packed.back(), 2.0) << n << ": nothing behind is written";
         Lta2SqrMtx(VectorView<const double>(packed.data(), length), result);
-        for (const double value : again)
-            ASSERT_EQ(std::bit_cast<std::uint64_t>(value), signalling) << n;
+        for (std::int32_t j = 1; j <= n; ++j)
+            for (std::int32_t i = 1; i <= n; ++i)
+                ASSERT_EQ(Bits(result(i, j)), Bits(value(i, j))) << n << ": " << i << ", " << j;
     }
 }
 

@@ -203,6 +203,12 @@ TEST(TextUnits, WriteToAPipeThatStopsAndEnds) {
     EXPECT_EQ(count, 1000 * written + 5) << "short lines go into a pipe whole or not at all";
     EXPECT_TRUE(content.ends_with("\nlast\n")) << "on a line of its own";
 
+    std::thread late([&] { usleep(50000), count = read(reader, content.data(), content.size()); });
+    for (int i = 0; i < 80; ++i)
+        EXPECT_TRUE(WriteLine(kUnit, line)) << "it has taken something, and is waited for again";
+    late.join();
+    EXPECT_GT(count, 0);
+
     close(reader);
     EXPECT_FALSE(WriteLine(kUnit, line)) << "nobody reads; SIGPIPE would have ended the program";
     Close(kUnit);
