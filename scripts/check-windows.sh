@@ -50,7 +50,7 @@ prints() {
     shift 2
     (cd "$scratch" && wine "$folder/$program.exe" "$@" 2>/dev/null | tr -d '\r') |
         diff -u "$expected" - || { echo "windows $program: prints something else"; return 1; }
-    echo "windows $program $*: prints what it does elsewhere"
+    echo "windows $program${*:+ $*}: prints what it does elsewhere"
 }
 
 need "${build_packages[@]}" googletest g++-mingw-w64-x86-64-posix wine wine64
