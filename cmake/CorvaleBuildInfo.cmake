@@ -16,6 +16,8 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Darwin" AND CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_
   set(platform "Intel Mac 64-bit")
 elseif(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
   set(platform "Apple Mac 64-bit")
+elseif(WIN32)
+  set(platform "Windows 64-bit")
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|amd64|AMD64)$")
   set(platform "${CMAKE_SYSTEM_NAME} x86 64-bit")
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")

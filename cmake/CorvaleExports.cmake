@@ -66,6 +66,9 @@ if(APPLE)  # a library there is bound to its own names anyhow
   set(version_script "${CMAKE_CURRENT_BINARY_DIR}/Corvale.exports")
   file(CONFIGURE OUTPUT "${version_script}" CONTENT "${exports}\n" @ONLY)
   target_link_options(Corvale PRIVATE "LINKER:-exported_symbols_list,${version_script}")
+elseif(WIN32)  # CORVALE_API says what is exported; another major version has another file name
+  set_target_properties(Corvale PROPERTIES
+    RUNTIME_OUTPUT_NAME "${CORVALE_C_PREFIX}Corvale-${PROJECT_VERSION_MAJOR}")
 else()
   corvale_link_option(VERSION_SCRIPT "-Wl,--version-script=${version_script}")
   corvale_link_option(SYMBOLIC_FUNCTIONS "-Wl,-Bsymbolic-functions")

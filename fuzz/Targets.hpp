@@ -23,18 +23,12 @@ struct NamedTarget {
     const char* name;
     void (*run)(Choices in);
 };
-inline constexpr NamedTarget kTargets[] = {{"Cards", Cards},
-                                           {"Numbers", Numbers},
-                                           {"FreeForm", FreeForm},
-                                           {"NumberText", NumberText},
-                                           {"Csv", Csv},
-                                           {"Text", Text},
-                                           {"Keys", Keys},
-                                           {"Lists", Lists},
-                                           {"Angles", Angles},
-                                           {"Matrices", Matrices},
-                                           {"Sort", Sort},
-                                           {"Log", Log},
-                                           {"Interface", Interface}};
+inline constexpr NamedTarget kTargets[] = {
+#ifndef _WIN32  // these make their files as POSIX does
+    {"Cards", Cards},       {"Log", Log},
+#endif
+    {"Numbers", Numbers},   {"FreeForm", FreeForm}, {"NumberText", NumberText}, {"Csv", Csv},
+    {"Text", Text},         {"Keys", Keys},         {"Lists", Lists},           {"Angles", Angles},
+    {"Matrices", Matrices}, {"Sort", Sort},         {"Interface", Interface}};
 
 }  // namespace corvale::fuzz

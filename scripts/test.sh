@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # test.sh [all|PRESET...]: builds and tests everything: GCC, Clang, the baseline code paths, the
 # sanitizers, the format and clang-tidy, then what is exported and installed, the program, the
-# documents and the bindings. With "all" also other builds and machines, and clang-tidy on the program:
-# some ten minutes more. With presets named, only those are built and tested. The longest runs have
-# scripts of their own: soak.sh, faults.sh --long, fuzz.sh, build-deb.sh and check-deb.sh.
+# documents and the bindings. With "all" also other builds and machines, Windows among them, and
+# clang-tidy on the program: some thirteen minutes more. With presets named, only those are built and
+# tested. The longest runs have scripts of their own: soak.sh, faults.sh --long, fuzz.sh, build-deb.sh
+# and check-deb.sh.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -72,7 +73,7 @@ rooms=(corvale examples)
 if [ "${1-}" = all ]; then
     shift
     rooms+=(tools)
-    checks=(check-builds "${checks[@]}")
+    checks=(check-builds check-windows "${checks[@]}")
 fi
 if [ $# -gt 0 ]; then
     for preset in "$@"; do test_preset "$preset"; done

@@ -1,6 +1,8 @@
 // Test help: a folder of the test's own, whole files, work in a child process.
 #pragma once
 
+#include "Bits.hpp"
+
 #include <corvale/core/FileIO.hpp>
 
 #include <fcntl.h>
@@ -18,17 +20,6 @@
 #include <vector>
 
 namespace corvale::test {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool kIsSanitized = true;
-#else
-inline constexpr bool kIsSanitized = false;
-#endif
-
-/// How often a test repeats something: less where each time costs twenty times as much.
-constexpr int Times(int count) {
-    return kIsSanitized ? count / 20 : count;
-}
 
 class TemporaryFolder {
   public:
@@ -75,13 +66,6 @@ inline std::vector<std::string> LinesOf(const std::string& path) {
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) lines.push_back(line);
     return lines;
-}
-
-/// `text` blank-filled to `width`.
-inline std::string Padded(std::string_view text, std::size_t width) {
-    std::string padded(text);
-    padded.resize(width, ' ');
-    return padded;
 }
 
 /// A named pipe with a reader, who can leave and come back.

@@ -13,7 +13,8 @@
 
 #include <cstddef>
 
-#if defined(__x86_64__) && !defined(CORVALE_BASELINE_ONLY)
+// On Windows GCC keeps AVX registers on a stack that is not aligned for them.
+#if defined(__x86_64__) && !defined(CORVALE_BASELINE_ONLY) && !defined(_WIN32)
 #define CORVALE_HAS_AVX2_PATH 1
 #else
 #define CORVALE_HAS_AVX2_PATH 0

@@ -223,6 +223,14 @@ std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept {
     return RetryInterrupted([&] { return read(descriptor, buffer.data(), buffer.size()); });
 }
 
+bool GoToStart(int descriptor) noexcept {
+    return lseek(descriptor, 0, SEEK_SET) == 0;
+}
+
+void CloseFile(int descriptor) noexcept {
+    close(descriptor);
+}
+
 bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
     parts = Advance(parts, 0);
     return parts.empty() || GoOnWriting(file, parts, WriteQuietly(file, parts));

@@ -4,8 +4,10 @@
 // and writing with interrupted and partial calls taken care of.
 #pragma once
 
+#ifndef _WIN32
 #include <sys/uio.h>
 #include <unistd.h>
+#endif
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -13,6 +15,21 @@
 #include <string_view>
 
 namespace corvale::internal {
+
+#ifdef _WIN32
+constexpr std::string_view kLineEnd = "\r\n";
+
+/// A part of what is written, as other systems declare it.
+struct iovec {
+    void* iov_base;
+    std::size_t iov_len;
+};
+#else
+constexpr std::string_view kLineEnd = "\n";
+#endif
+
+/// The descriptor of the process's standard output. It is not ours to close.
+constexpr int kStandardOutput = 1;
 
 enum class FileAccess : std::uint8_t {
     Read,     ///< must exist; from its start
@@ -43,17 +60,28 @@ struct TextFile {
 /// Reads what is there, up to the size of `buffer`: the number of bytes, 0 at the end, -1 on error.
 [[nodiscard]] std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept;
 
+/// Goes back to the first byte; false where there is no way back.
+[[nodiscard]] bool GoToStart(int descriptor) noexcept;
+
+void CloseFile(int descriptor) noexcept;
+
 /// Writes `parts`, which end in a line end, in one system call wherever the system takes them
 /// whole. Returns false if that was impossible; `lacksLineEnd` of `file` then says whether a part
 /// of a line is left behind. A full pipe is given one second to make room, and none again until it
 /// has taken something. `parts` is used up.
 [[nodiscard]] bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept;
 
+#ifdef _WIN32
+/// `WriteAll` of one text.
+[[nodiscard]] bool WriteWhole(TextFile& file, std::string_view text) noexcept;
+#endif
+
 /// `text` as the system calls take it; they only read it.
 inline iovec PartOf(std::string_view text) noexcept {
     return {const_cast<char*>(text.data()), text.size()};
 }
 
+#ifndef _WIN32
 // What `WriteWhole` is made of: the first call where the file may raise signals, and all that
 // follows a first call which returned `written`.
 [[nodiscard]] std::ptrdiff_t WriteQuietly(TextFile& file, std::string_view text) noexcept;
@@ -72,5 +100,6 @@ inline iovec PartOf(std::string_view text) noexcept {
     file.lacksLineEnd = false;
     return true;
 }
+#endif
 
 }  // namespace corvale::internal

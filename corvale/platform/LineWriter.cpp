@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::size_t kMostParts = 128;
 
-constexpr std::string_view kLineEnd = "\n";
 constexpr std::string_view kBlankForLineEnd = " ";
 
 bool IsLineEnd(char c) noexcept {
@@ -58,12 +57,12 @@ ShortLine::ShortLine(std::span<const std::string_view> pieces) noexcept {
     for (const std::string_view piece : pieces) length += piece.size();
     if (length > kShortLine) return;
 
-    text_[kBegin - 1] = '\n';
+    kLineEnd.copy(text_.data() + kBegin - kLineEnd.size(), kLineEnd.size());
     char* end = text_.data() + kBegin;
     for (const std::string_view piece : pieces)
         end = std::transform(piece.begin(), piece.end(), end,
                              [](char c) { return IsLineEnd(c) ? ' ' : c; });
-    *end++ = '\n';
+    end += kLineEnd.copy(end, kLineEnd.size());
     size_ = static_cast<std::size_t>(end - text_.data()) - kBegin;
 }
 

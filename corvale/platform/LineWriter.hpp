@@ -24,7 +24,7 @@ class ShortLine {
 
     /// What is to be written where the file ends with a whole line, or else in the middle of one.
     [[nodiscard]] std::string_view Text(bool endsInsideLine) const noexcept {
-        const std::size_t before = endsInsideLine ? 1 : 0;
+        const std::size_t before = endsInsideLine ? kLineEnd.size() : 0;
         return {text_.data() + kBegin - before, size_ + before};
     }
 
@@ -33,7 +33,7 @@ class ShortLine {
     static constexpr std::size_t kBegin = 16;  // behind a line end; copying from there is fastest
 
     std::size_t size_ = 0;
-    alignas(kBegin) std::array<char, kBegin + kShortLine + 1> text_;
+    alignas(kBegin) std::array<char, kBegin + kShortLine + kLineEnd.size()> text_;
 };
 
 /// Writes a line of any length to `file`, on a line of its own. False when the system does not take

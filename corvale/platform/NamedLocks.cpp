@@ -2,7 +2,7 @@
 
 #include <corvale/platform/ForkSafety.hpp>
 #include <corvale/platform/MessageLocks.hpp>
-#include <corvale/platform/NeverDestroyed.hpp>
+#include <corvale/platform/StaticLock.hpp>
 
 #include <atomic>
 #include <cstring>
@@ -19,11 +19,11 @@ struct Entry {
     std::mutex lock = {};
 };
 
-CORVALE_NEVER_DESTROYED constinit Entry infoMessage{InfoMessageLock};
-CORVALE_NEVER_DESTROYED constinit Entry errorMessage{ErrorMessageLock, &infoMessage};
+CORVALE_STATIC_LOCK Entry infoMessage{InfoMessageLock};
+CORVALE_STATIC_LOCK Entry errorMessage{ErrorMessageLock, &infoMessage};
 constinit std::atomic<Entry*> firstEntry{&errorMessage};
-CORVALE_NEVER_DESTROYED constinit std::mutex insertion;
-CORVALE_NEVER_DESTROYED constinit std::mutex sharedForLackOfMemory;
+CORVALE_STATIC_LOCK std::mutex insertion;
+CORVALE_STATIC_LOCK std::mutex sharedForLackOfMemory;
 
 Entry* Find(std::string_view name) noexcept {
     Entry* entry = firstEntry.load(std::memory_order_acquire);

@@ -1,10 +1,9 @@
 #include <corvale/platform/TextUnits.hpp>
 
 #include <corvale/platform/ForkSafety.hpp>
-#include <corvale/platform/NeverDestroyed.hpp>
+#include <corvale/platform/StaticLock.hpp>
 #include <corvale/platform/UnitFiles.hpp>
 
-#include <unistd.h>
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -43,15 +42,15 @@ constexpr Key KeyOf(std::int32_t unit) noexcept {
 // A place is found by its key without a lock, as far as `usedPlaces` tells; a free one is taken,
 // and given a number, under `opening`.
 constinit std::array<std::atomic<Key>, kMostUnits> keys{};
-CORVALE_NEVER_DESTROYED constinit std::array<Unit, kMostUnits> units{};
+CORVALE_STATIC_LOCK std::array<Unit, kMostUnits> units{};
 constinit std::array<ReadBuffer, kMostUnits> readBuffers{};
 constinit std::atomic<std::size_t> usedPlaces{0};
-CORVALE_NEVER_DESTROYED constinit std::mutex opening;
+CORVALE_STATIC_LOCK std::mutex opening;
 
 // Standard output, as long as it is connected to unit 6.
 constinit std::atomic<Key> standardOutputKey{KeyOf(kStandardOutputUnit)};
-CORVALE_NEVER_DESTROYED constinit Unit standardOutput{
-    {}, TextFile{STDOUT_FILENO, FileAccess::Replace, true}, 0, false, 0, 0};
+CORVALE_STATIC_LOCK Unit standardOutput{
+    {}, TextFile{kStandardOutput, FileAccess::Replace, true}, 0, false, 0, 0};
 
 // A unit that was found open. Its key says whether it still is.
 struct Place {
@@ -92,7 +91,7 @@ void CloseNumber(std::int32_t number) noexcept {
         place.key->store(0, std::memory_order_release);
         file.swap(place.unit->file);
     }
-    if (file->descriptor > STDERR_FILENO) close(file->descriptor);
+    if (file->descriptor != kStandardOutput) CloseFile(file->descriptor);
 }
 
 std::size_t FreePlace() noexcept {
@@ -120,7 +119,7 @@ std::optional<std::int32_t> Connect(const TextFile& file,
     const std::scoped_lock guard(opening);
     const std::size_t index = FreePlace();
     if (index == units.size()) {
-        close(file.descriptor);
+        CloseFile(file.descriptor);
         return std::nullopt;
     }
     if (number) CloseNumber(*number);  // somebody else may have been faster
@@ -218,7 +217,7 @@ void Close(std::int32_t unit) noexcept {
 bool Rewind(std::int32_t unit) noexcept {
     const Place place = FindReading(unit);
     if (!place) return false;
-    if (lseek(place.unit->file->descriptor, 0, SEEK_SET) != 0) return place.unit->isUntouched;
+    if (!GoToStart(place.unit->file->descriptor)) return place.unit->isUntouched;
     place.unit->begin = place.unit->end = 0;
     return true;
 }

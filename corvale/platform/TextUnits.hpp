@@ -6,8 +6,9 @@
 // until something is opened on it or it is closed; the log file is opened on it. Unit 3 is the one
 // that input files are loaded through. At most 1024 units are open at a time.
 //
-// A line ends with LF or with CR LF. A CR elsewhere, a NUL, a tab, bytes above 127 are ordinary
-// characters. The last line of a file counts without a line end too.
+// A line ends with LF or with CR LF, and is written with the one of the system. A CR elsewhere, a
+// NUL, a tab, bytes above 127 are ordinary characters. The last line of a file counts without a
+// line end too.
 //
 // Bad input  a unit that is not open, or open for the other direction: false, and nothing changes
 // Threads    the table is safe from any thread and in a forked child, and lines of several threads

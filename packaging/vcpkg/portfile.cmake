@@ -1,5 +1,6 @@
 # Builds from the checkout that this port lies in. A registry that builds from a release replaces
 # SOURCE_PATH by its own download.
+set(VCPKG_POLICY_SKIP_COPYRIGHT_CHECK enabled)  # the checkout holds no licence file
 get_filename_component(SOURCE_PATH "${CMAKE_CURRENT_LIST_DIR}/../.." ABSOLUTE)
 
 vcpkg_check_features(OUT_FEATURE_OPTIONS feature_options FEATURES tools CORVALE_BUILD_TOOLS)

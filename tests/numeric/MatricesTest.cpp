@@ -3,7 +3,6 @@
 #include <corvale/numeric/GenFunctions.hpp>
 
 #include "Bits.hpp"
-#include "TestFiles.hpp"
 #include "literal/LiteralMatrices.hpp"
 #include "literal/MatrixKinds.hpp"
 

@@ -1,6 +1,6 @@
+#include "Bits.hpp"
 #include "GuardPage.hpp"
 #include "NumberEnvironment.hpp"
-#include "TestFiles.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 

@@ -31,21 +31,27 @@ class RoundingModeScope {
     }
     ~RoundingModeScope() {
         std::fesetenv(&before_);
+#if defined(__SSE2__)
+        _mm_setcsr(sseBefore_);  // MinGW's fesetenv leaves it as it is
+#endif
     }
     RoundingModeScope(const RoundingModeScope&) = delete;
     RoundingModeScope& operator=(const RoundingModeScope&) = delete;
 
   private:
     std::fenv_t before_;
+#if defined(__SSE2__)
+    unsigned sseBefore_ = _mm_getcsr();
+#endif
 };
 
 // A locale whose decimal point is a comma, made for the occasion.
 class CommaLocaleScope {
   public:
     CommaLocaleScope() {
-        std::string directory = std::filesystem::temp_directory_path() / "corvale_locale_XXXXXX";
-        directory_ = ::mkdtemp(directory.data());
-        const std::string target = directory_ / "de_DE.UTF-8";
+        directory_ = (std::filesystem::temp_directory_path() / "corvale_locale_XXXXXX").string();
+        ::mkdtemp(directory_.data());
+        const std::string target = directory_ + "/de_DE.UTF-8";
         // it warns and ends with 1 even when all is well
         const int status =
             std::system(("localedef -c -i de_DE -f UTF-8 '" + target + "' 2>/dev/null").c_str());
@@ -64,7 +70,7 @@ class CommaLocaleScope {
     [[nodiscard]] bool IsComma() const { return std::strtod("1,5", nullptr) == 1.5; }
 
   private:
-    std::filesystem::path directory_;
+    std::string directory_;
 };
 
 }  // namespace corvale::test
