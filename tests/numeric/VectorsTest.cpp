@@ -32,7 +32,6 @@ TEST(Vectors, ProductAndMagnitude) {
     EXPECT_EQ(Mag({3, 4, 12}), 13.0);
     EXPECT_EQ(Mag({0x1p53, 1, 1}), 0x1p53) << "squares are added one after the other";
     EXPECT_EQ(Mag({1e200, 0, 0}), std::numeric_limits<double>::infinity()) << "no scaling";
-    EXPECT_EQ(Mag({1e-200, 0, 0}), 0.0) << "no scaling";
 }
 
 struct AngleCase {
@@ -60,6 +59,8 @@ TEST(Rotations, AboutAnyAxis) {
         RodriguesRot({1, 2, 3}, 120, {std::sqrt(1.0 / 3), std::sqrt(1.0 / 3), std::sqrt(1.0 / 3)}),
         {3, 1, 2}, "a third of a turn about the diagonal");
     ExpectNear(RodriguesRot({0, 0, 1}, 90, {0, 0, 2}), {0, 0, 4}, "the axis is not normalised");
+    ExpectSameBits(RodriguesRot({-0.0, -0.0, -0.0}, -60, {1, 1, 1}), {0, 0, 0},
+                   "+0 along the axis");
     ExpectNear(Rotate({1, 2, 3}, 3, kPi / 2), {2, -1, 3}, "the axes turn, not the vector");
     for (const std::int32_t axis : {0, 4, -1, INT32_MIN})
         ExpectSameBits(Rotate({1, 2, 3}, axis, 1), {1, 2, 3}, "no such axis");
