@@ -29,9 +29,9 @@ bool IsCandidate(const char* at) noexcept {
     return (at[-1] == '\n') & ((at[0] | 0x20) == 'q') & ((at[1] | 0x20) == 'z');
 }
 
-// Where the first line that begins with QZ in any case begins; `n` when there is none. `text[-1]` and
-// `text[n]` are looked at too. Nothing is done for each line: the search runs over line ends as over
-// any other character (bench: CardFile).
+// Where the first line that begins with QZ in any case begins; `n` when there is none. `text[-1]`
+// and `text[n]` are looked at too. Nothing is done for each line: the search runs over line ends as
+// over any other character (bench: CardFile).
 template <std::size_t Width>
 struct CandidateLoop {
     static constexpr std::size_t kBlock = 8 * Width;

@@ -20,8 +20,8 @@ struct Steps {
     bool up;     // one is above the one before it
     bool notUp;  // one is not
 };
-// Takes the words that begin at byte `offset`. No branch depends on them, and all that is not needed
-// stays unwritten: at ten keys clearing the words took as long as sorting them.
+// Takes the words that begin at byte `offset`. No branch depends on them, and all that is not
+// needed stays unwritten: at ten keys clearing the words took as long as sorting them.
 CORVALE_LOOP Steps LoadWords(const KeyRange& range, std::size_t offset, Words& words) noexcept {
     bool up = false;
     bool notUp = false;

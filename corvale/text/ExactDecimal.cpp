@@ -10,8 +10,8 @@ namespace corvale::internal {
 
 namespace {
 
-// A whole number of any size that is met here. A line has 512 digits at most, and the least exponent
-// that counts is -342 for the first 19 of them: the greatest is 5^835 times 54 bits.
+// A whole number of any size that is met here. A line has 512 digits at most, and the least
+// exponent that counts is -342 for the first 19 of them: the greatest is 5^835 times 54 bits.
 class WholeNumber {
   public:
     explicit WholeNumber(std::uint64_t value) noexcept : words_{value} {}
