@@ -1,7 +1,8 @@
 // Internal to sorting/: not installed, may change in any commit.
 //
 // The pending ranges of one sort: pairs of positions (low, high), counted from 1, in one block of
-// 4 x n bytes. Pending ranges hold two keys at least and do not overlap, so n entries suffice.
+// 4 x n bytes. Pending ranges do not overlap and hold two keys at least, or there is one alone, of
+// the only stray among many: n entries suffice.
 #pragma once
 
 #include <corvale/sorting/KeyRange.hpp>
