@@ -115,6 +115,7 @@ void SortFewKeys(const KeyRange& range) noexcept {
 
     std::size_t first = 0;  // the byte with which the words begin
     Words words;
+    TakeForWritten(words);
     Steps steps = LoadWords(range, first, words);
     if (!steps.notUp) return;
     if (!steps.up && words[0] == words[range.count - 1]) {
