@@ -66,6 +66,7 @@ struct MoveByRank {
         }
         return someAgree;
     }
+    // As one vector: GCC copies an array in halves, an eighth of the time at three and ten keys.
     CORVALE_LOOP static void CopyKey(const Key* from, Key* to) noexcept {
         using Vector [[gnu::vector_size(sizeof(Key)), gnu::aligned(1), gnu::may_alias]] = char;
         *reinterpret_cast<Vector*>(to) = *reinterpret_cast<const Vector*>(from);
