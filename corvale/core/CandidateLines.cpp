@@ -17,9 +17,11 @@ constexpr std::size_t kColumns = 512;
 constexpr std::size_t kLongest = kColumns + 2;  // with CR LF: more of a line never matters
 
 // A line that reaches beyond what has been read so far is moved to stand before what comes next.
+// Before that there is room for what is read before a line in vain.
 constexpr std::size_t kFront = 1024;
+constexpr std::size_t kReadBefore = 32;
 constexpr std::size_t kChunk = 0x40000;  // 256 KiB
-static_assert(kFront > kLongest);
+static_assert(kFront >= kReadBefore + kLongest);
 
 // Too large for the stack of a small thread; loading is serialised by the callers.
 // One character more stands behind what was read.
@@ -29,9 +31,9 @@ bool IsCandidate(const char* at) noexcept {
     return (at[-1] == '\n') & ((at[0] | 0x20) == 'q') & ((at[1] | 0x20) == 'z');
 }
 
-// Where the first line that begins with QZ in any case begins; `n` when there is none. `text[-1]` and
-// `text[n]` are looked at too. Nothing is done for each line: the search runs over line ends as over
-// any other character (bench: CardFile).
+// Where the first line that begins with QZ in any case begins; `n` when there is none. `text[-1]`
+// and `text[n]` are looked at too. Nothing is done for each line: the search runs over line ends as
+// over any other character (bench: CardFile).
 template <std::size_t Width>
 struct CandidateLoop {
     static constexpr std::size_t kBlock = 8 * Width;

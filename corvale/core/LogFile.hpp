@@ -17,8 +17,8 @@ void CloseLog() noexcept;
 /// What an error line begins with in the log; it is not part of the stored message.
 inline constexpr std::string_view kErrorPrefix = "Error-";
 
-/// `FileIO::TraceLogError` of a message in pieces that follow `kErrorPrefix`, so that one with a long
-/// name in it needs no memory.
+/// `FileIO::TraceLogError` of a message in pieces that follow `kErrorPrefix`, so that one with a
+/// long name in it needs no memory.
 void TraceErrorLine(std::span<const std::string_view> line) noexcept;
 
 }  // namespace corvale::internal

@@ -112,8 +112,8 @@ struct Unpack {
 };
 
 /// Walks the lower triangle of order n >= kBlockedOrder in stripes of columns, in them in rows of
-/// blocks. The blocks end with the last row and column. Where the first rows and columns do not fill
-/// one, they are in two that overlap the others, and so is the first block of each row.
+/// blocks. The blocks end with the last row and column. Where the first rows and columns do not
+/// fill one, they are in two that overlap the others, and so is the first block of each row.
 template <class L, class Way>
 CORVALE_LOOP void WalkTriangle(const Way& way, std::size_t n, std::size_t width) noexcept {
     constexpr std::size_t step = L::kLanes;

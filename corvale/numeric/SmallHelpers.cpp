@@ -39,8 +39,8 @@ bool IsBelow(double entry, double value) noexcept {
 
 // How many of the entries `table[first]` to `table[end - 1]` come first and are below `value`, plus
 // `first`. Both ends of the halving are inside the range, whatever it holds; no branch depends on
-// an entry, so the processor does not run ahead: both entries that may be next are fetched before it
-// is known which (bench: FindRecIdx_exponential).
+// an entry, so the processor does not run ahead: both entries that may be next are fetched before
+// it is known which (bench: FindRecIdx_exponential).
 template <Below kBelow>
 std::int32_t Bisect(const double* table, std::int32_t first, std::int32_t end,
                     double value) noexcept {

@@ -20,7 +20,8 @@ struct SineCosine {
     double c;
 };
 
-// Side by side: GCC makes one joint call of the two, Clang two single ones. Their bits are the same.
+// Side by side: GCC makes one joint call of the two, Clang two single ones. Their bits are the
+// same.
 SineCosine JointSineCosine(double angle) noexcept {
     return {std::sin(angle), std::cos(angle)};
 }

@@ -35,9 +35,9 @@ CORVALE_API void Close(std::int32_t unit) noexcept;
 /// as long as nothing has been read from it.
 [[nodiscard]] CORVALE_API bool Rewind(std::int32_t unit) noexcept;
 
-/// Reads the next line into `line`, waiting for the writer of a pipe as long as that lives: false at
-/// the end of the file (`line` keeps what it held) and when the system reports an error (what `line`
-/// holds then is unspecified).
+/// Reads the next line into `line`, waiting for the writer of a pipe as long as that lives: false
+/// at the end of the file (`line` keeps what it held) and when the system reports an error (what
+/// `line` holds then is unspecified).
 ///
 /// Width      the line is cut or blank-filled to `line.size()`; what was cut off is skipped,
 ///            whatever its length

@@ -9,7 +9,8 @@
 
 namespace corvale::internal {
 
-/// True while the process is known to have one thread only. That cannot change inside a call.
+/// True while the process is known to have one thread only. That cannot change inside a call. A
+/// thread that the C library did not make, and so does not count, must not call it or us.
 [[nodiscard]] inline bool IsSingleThreaded() noexcept {
 #if __has_include(<sys/single_threaded.h>)
     return __libc_single_threaded != 0;

@@ -1,4 +1,5 @@
-// Text files and forking on Windows, in place of Descriptors.cpp, SignalHold.cpp and ForkSafety.cpp.
+// Text files and forking on Windows, in place of Descriptors.cpp, SignalHold.cpp and
+// ForkSafety.cpp.
 //
 // A descriptor is a handle of the system, which fits into an int, is a multiple of 4 and so never
 // that of standard output. No C library stands between: its files turn line ends, end at a
@@ -71,8 +72,8 @@ int OpenToRead(const Path& path) noexcept {
     return -1;
 }
 
-// Devices and pipes know no appending. A file that is opened for nothing else gets each write at its
-// end as it then is, whoever else writes.
+// Devices and pipes know no appending. A file that is opened for nothing else gets each write at
+// its end as it then is, whoever else writes.
 int OpenToWrite(const Path& path, FileAccess access) noexcept {
     const int device = OpenPath(path, GENERIC_WRITE, OPEN_EXISTING);
     if (device != -1) {
@@ -145,8 +146,8 @@ bool WriteWhole(TextFile& file, std::string_view text) noexcept {
     return true;
 }
 
-// No call writes several parts: they are joined first, so that a line still comes whole. A full pipe
-// is waited for.
+// No call writes several parts: they are joined first, so that a line still comes whole. A full
+// pipe is waited for.
 bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
     const auto textOf = [](const iovec& part) {
         return std::string_view(static_cast<const char*>(part.iov_base), part.iov_len);

@@ -10,7 +10,7 @@
 
 namespace corvale::internal {
 
-/// Sorts `range`, of two to kRanked keys.
+/// Sorts `range`, of one to kRanked keys.
 void SortFewKeys(const KeyRange& range) noexcept;
 
 /// Sorts `range` key by key, keeping the order of equal ones: for keys that stand in order but for

@@ -1,7 +1,8 @@
 // Internal to sorting/: not installed, may change in any commit.
 //
 // The pending ranges of one sort: pairs of positions (low, high), counted from 1, in one block of
-// 4 x n bytes. Pending ranges hold two keys at least and do not overlap, so n entries suffice.
+// 4 x n bytes. Pending ranges do not overlap and hold two keys at least, or there is one alone, of
+// the only stray among many: n entries suffice.
 #pragma once
 
 #include <corvale/sorting/KeyRange.hpp>
@@ -18,8 +19,8 @@ namespace corvale::internal {
 
 class RangeStack {
   public:
-    /// Takes the block for `n` keys, not zero-filled: each entry is written before it is read. Stops
-    /// the process where it is not to be had.
+    /// Takes the block for `n` keys, not zero-filled: each entry is written before it is read.
+    /// Stops the process where it is not to be had.
     explicit RangeStack(std::size_t n) noexcept
         : entries_(static_cast<std::int32_t*>(std::malloc(n * sizeof(std::int32_t)))), size_(n) {
         if (entries_ == nullptr) StopForMemory(n * sizeof(std::int32_t));

@@ -109,6 +109,7 @@ void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t be
     const Difference difference = FindDifference(range);
     Words words;
     Words other;
+    TakeForWritten(words);
     Load(range, difference.first, words.data());
     const std::uint64_t* sorted = SortWords(words.data(), other.data(), range.count);
     Reorder(range, sorted);

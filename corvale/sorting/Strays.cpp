@@ -11,8 +11,8 @@ constexpr std::ptrdiff_t kStraysAhead = 8;
 // More strays than these side by side are not looked for.
 constexpr std::ptrdiff_t kSideBySide = 8;
 
-// Walks over keys and leaves out those that do not ascend. Places count from 0; before the first key
-// stands what is below all of them.
+// Walks over keys and leaves out those that do not ascend. Places count from 0; before the first
+// key stands what is below all of them.
 class StrayFinder {
   public:
     StrayFinder(const KeyRange& all, std::span<std::int32_t> places) noexcept

@@ -13,9 +13,9 @@
 
 namespace corvale::internal {
 
-/// Where all but one in sixteen of the keys ascend, moves the others to the end and returns how many
-/// ascend before them. Otherwise returns 0 and has changed nothing; that is seen early where strays
-/// are dense. `block` is memory to work in, an element for each key.
+/// Where all but one in sixteen of the keys ascend, moves the others to the end and returns how
+/// many ascend before them. Otherwise returns 0 and has changed nothing; that is seen early where
+/// strays are dense. `block` is memory to work in, an element for each key.
 [[nodiscard]] std::size_t SetStraysAside(const KeyRange& all,
                                          std::span<std::int32_t> block) noexcept;
 

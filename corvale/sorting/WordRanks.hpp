@@ -14,6 +14,13 @@ namespace corvale::internal {
 /// The most words that are ranked at once; more are faster merged.
 constexpr std::size_t kRanked = 16;
 
+/// Lets the compiler take `words` for written, with whatever they hold: those that stay unwritten
+/// are looked at in vain, and have to have values for that. Not one instruction.
+template <class Words>
+CORVALE_LOOP void TakeForWritten(Words& words) noexcept {
+    asm("" : "=m"(words));
+}
+
 /// One word against the others, one by one.
 struct RankOneByOne {
     /// The places of `count` words of `in` among them, counted from 0.

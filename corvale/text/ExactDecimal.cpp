@@ -4,14 +4,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cstddef>
 
 namespace corvale::internal {
 
 namespace {
 
-// A whole number of any size that is met here. A line has 512 digits at most, and the least exponent
-// that counts is -342 for the first 19 of them: the greatest is 5^835 times 54 bits.
+// A whole number of any size that is met here. A mantissa has 512 digits at most, and the least
+// exponent that counts is -342 for the first 19 of them: the greatest is 5^835 times 54 bits.
 class WholeNumber {
   public:
     explicit WholeNumber(std::uint64_t value) noexcept : words_{value} {}
@@ -48,6 +49,7 @@ struct Decimal {
 
 Decimal AllDigits(const ScannedReal& number) noexcept {
     if (!number.isCut) return {WholeNumber(number.digits), number.exponent};
+    assert(number.mantissa.size() <= kLongestMantissa);
     Decimal all;
     std::int64_t count = 0;
     for (const char c : number.mantissa) {

@@ -69,10 +69,10 @@ std::span<char> Append(std::string_view piece, std::span<char> room) noexcept {
     return room.subspan(count);
 }
 
-// The general replacement: copies the stretches between occurrences, stops where the width of `text`
-// or `result` is full. Nothing is written beyond what has been searched, so that a text may be
-// replaced in its place. A function of its own: the replacement of one character need not save what
-// this one uses.
+// The general replacement: copies the stretches between occurrences, stops where the width of
+// `text` or `result` is full. Nothing is written beyond what has been searched, so that a text may
+// be replaced in its place. A function of its own: the replacement of one character need not save
+// what this one uses.
 [[gnu::noinline]] void ReplaceOccurrences(std::string_view text, std::string_view pattern,
                                           std::string_view replacement,
                                           std::span<char> result) noexcept {

@@ -49,8 +49,8 @@ std::string_view TakeRun(std::string_view& text, const CharacterSet& members) no
     return run;
 }
 
-// The real at position `first` of `text`; 0 where characters of a real remain directly behind it: then
-// they do not make one.
+// The real at position `first` of `text`; 0 where characters of a real remain directly behind it:
+// then they do not make one.
 double RealAt(std::string_view text, std::size_t first) noexcept {
     if (text.size() - first > kRealWidth) text = text.substr(0, first + kRealWidth);
     ScannedReal number;

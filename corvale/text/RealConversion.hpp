@@ -38,6 +38,9 @@ struct ScannedReal {
     std::string_view mantissa = {};  ///< all digits, and the point, in the scanned text
 };
 
+/// The longest mantissa that may become a double: no reader gives more of a line than that.
+constexpr std::size_t kLongestMantissa = 512;
+
 /// A mantissa of more than 19 digits.
 [[nodiscard]] ScannedReal KeepFirstDigits(std::string_view mantissa, bool isNegative) noexcept;
 
@@ -48,7 +51,7 @@ struct ScannedReal {
 /// The nearest double to a number that is cut.
 [[nodiscard]] double CutToDouble(const ScannedReal& number) noexcept;
 
-/// The nearest double.
+/// The nearest double. A mantissa that is cut has no more than kLongestMantissa characters.
 [[nodiscard]] inline double ToDouble(const ScannedReal& number) noexcept {
     if (number.isCut) return CutToDouble(number);
     return DecimalToDouble(number.digits, number.exponent, number.isNegative);

@@ -105,6 +105,8 @@ TEST_F(Cards, NumbersInFreeForm) {
 }
 
 const std::string kTo511(503, ' ');  // the columns 9 to 511
+const std::string kAboveHalfway =
+    "1.00000000000000011102230246251565404236316680908203125" + std::string(440, '0') + "1";
 
 const std::string kManyCards = [] {
     std::string cards = "QZ_MOIC 5\n";
@@ -134,6 +136,7 @@ const FileCase kFiles[] = {
     {"QZ_MOIC " + kTo511 + "56\n", {0, 0, 0}, 5, "column 512 is the last"},
     {"QZ_MOIC " + kTo511 + "5\r\n", {0, 0, 0}, 5, "a CR after it"},
     {"QZ_MOIC " + kTo511 + " 5\n", {0, 0, 0}, kOld, "column 513 is not read"},
+    {"QZ_MOIC " + kAboveHalfway, {0, 0, 0}, 1 + 0x1p-52, "the 494th decimal is seen"},
     {"QZ_MOIC 4 " + std::string(1000000, ' ') + "\nQZ_DMA_ON", {1, 0, 0}, 4, "a very long line"},
     {std::string(1000000, 'Q') + "\nQZ_DMA_ON", {1, 0, 0}, kOld, "one without sense"},
     {kManyCards + "QZ_DMA_ON", {1, 0, 0}, 7, "more cards than are taken together"},
