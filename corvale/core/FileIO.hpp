@@ -10,9 +10,9 @@
 // may be cut, as the last of the log. A line that the system does not take (disk full, nobody reads
 // the pipe) is lost without an error; later ones are written again once they can be. A file-size
 // limit is such a case; only a process that sets one while the log is open, at or below the log's
-// size, should ignore SIGXFSZ. Processes may share a log: their lines stay whole and none is
-// written over, but each that opens it empties it. A log that is removed or renamed goes on taking
-// lines.
+// size, should ignore SIGXFSZ. Processes may share a log: their lines stay whole (but for one of
+// over 1000 characters with dozens of line ends inside) and none is written over, but each that
+// opens it empties it. A log that is removed or renamed goes on taking lines.
 //
 // Message  LastLoggedErrMsg  LogLastInfoMsg  TraceLogError  TraceLogInfo  LogFileUnit
 // Open     FileOpen  FileOpenMT
