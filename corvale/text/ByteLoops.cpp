@@ -22,7 +22,7 @@ CORVALE_LOOP void Apply(Replacement change, Bytes& bytes) noexcept {
 
 template <class Bytes>
 CORVALE_LOOP void Apply(CaseChange change, Bytes& bytes) noexcept {
-    using Signed = decltype(bytes == bytes);
+    using Signed = decltype(bytes == Bytes{});
     bytes ^= Bytes((Signed(bytes + change.toTop) > change.below) & change.caseBit);
 }
 
