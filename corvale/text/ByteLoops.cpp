@@ -22,8 +22,10 @@ CORVALE_LOOP void Apply(Replacement change, Bytes& bytes) noexcept {
 
 template <class Bytes>
 CORVALE_LOOP void Apply(CaseChange change, Bytes& bytes) noexcept {
-    using Signed = decltype(bytes == Bytes{});
-    bytes ^= Bytes((Signed(bytes + change.toTop) > change.below) & change.caseBit);
+    // Not the type of a comparison: in Clang that is char, which has no sign on some processors.
+    using Signed [[gnu::vector_size(sizeof(Bytes))]] = signed char;
+    bytes ^= Bytes(Signed(bytes + change.toTop) > change.below) &
+             (static_cast<unsigned char>(change.caseBit) - Bytes{});
 }
 
 // Changes `Width` bytes at a time.
