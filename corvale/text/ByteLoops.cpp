@@ -24,8 +24,7 @@ template <class Bytes>
 CORVALE_LOOP void Apply(CaseChange change, Bytes& bytes) noexcept {
     // Not the type of a comparison: in Clang that is char, which has no sign on some processors.
     using Signed [[gnu::vector_size(sizeof(Bytes))]] = signed char;
-    bytes ^= Bytes(Signed(bytes + change.toTop) > change.below) &
-             (static_cast<unsigned char>(change.caseBit) - Bytes{});
+    bytes ^= Bytes(Signed(bytes + change.toTop) > change.below) & change.caseBit;
 }
 
 // Changes `Width` bytes at a time.

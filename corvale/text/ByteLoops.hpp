@@ -18,7 +18,7 @@ struct Replacement {
 struct CaseChange {
     unsigned char toTop;
     signed char below = 127 - 26;
-    signed char caseBit = 'a' ^ 'A';
+    unsigned char caseBit = 'a' ^ 'A';
 };
 
 /// Writes the `n` changed bytes of `in` to `out`, which may be `in` itself.
