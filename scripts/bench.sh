@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# bench.sh [--quick|--page]: measures Corvale beside its peers and writes docs/benchmarks.md with its
-# charts: about a quarter of an hour, best on a quiet machine. With --quick only sees that every
-# program builds, runs and agrees, in two minutes, and writes into build/bench-quick. With --page
-# writes the page again from the last run.
+# bench.sh [--quick|--page]: measures Corvale beside its peers and writes docs/benchmarks.md, its full
+# figures beside it and the charts: about a quarter of an hour, best on a quiet machine. With --quick it
+# only checks that every program builds, runs and agrees, in two minutes, and writes into
+# build/bench-quick. With --page it writes the pages again from the last run.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 cd "$top"
@@ -12,10 +12,10 @@ case $mode in
     '' | --quick | --page) ;;
     *) echo "usage: bench.sh [--quick|--page]" >&2; exit 2 ;;
 esac
-results=build/bench-results pages=(docs/benchmarks.md docs/charts README.md)
+results=build/bench-results pages=(docs/benchmarks.md docs/benchmark-figures.md docs/charts README.md)
 repetitions=7 seconds=0.03 processes=301
 if [ "$mode" = --quick ]; then
-    results=build/bench-quick pages=(build/bench-quick/benchmarks.md build/bench-quick/charts)
+    results=build/bench-quick pages=(build/bench-quick/benchmarks.md build/bench-quick/benchmark-figures.md build/bench-quick/charts)
     repetitions=1 seconds=0.001 processes=11
 fi
 

@@ -12,7 +12,7 @@ bash tests/examples/first_programs.sh "$top"
 
 # The order of the pages in the menu.
 pages=(docs/guide/{start,getting_started,log,cards,program,keys,text,angles,matrices,sorting,threads,exactness}.md
-    docs/architecture.md docs/benchmarks.md bindings/README.md docs/c-interface.md
+    docs/architecture.md docs/benchmarks.md docs/benchmark-figures.md bindings/README.md docs/c-interface.md
     docs/doxygen/corvale.dox)
 for page in docs/guide/*.md docs/*.md; do
     case " ${pages[*]} " in *" $page "*) ;; *) pages+=("$page") ;; esac

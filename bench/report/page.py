@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Writes the page of benchmarks and its charts from what scripts/bench.sh measured.
+"""Writes the pages of benchmarks and their charts from what scripts/bench.sh measured.
 
-    page.py FOLDER-OF-JSON PAGE.md FOLDER-OF-CHARTS [README.md]
+    page.py FOLDER-OF-JSON SUMMARY.md FIGURES.md FOLDER-OF-CHARTS [README.md]
 
-In the README the table between two marks is renewed. Ends with 1 and the names of the peers that did not agree with Corvale, if there are any.
+SUMMARY.md has one short table a topic, FIGURES.md every workload with every peer. In the README the table between two marks is
+renewed. Ends with 1 and the names of the peers that did not agree with Corvale, if there are any.
 """
 import collections
 import json
@@ -15,13 +16,20 @@ import chart
 from results import Results, exponent
 from workloads import GROWTH, PATTERNS, SECTIONS, SUMMARY
 
-HEAD = """# Benchmarks {#benchmarks}
+SUMMARY_HEAD = """# Benchmarks {#benchmarks}
 
-Every workload beside its peers, in one run on one core. A ratio is the peer's time over Corvale's in the same repetition: above
-1 Corvale is faster. It stands with the smallest and the greatest of the repetitions; a ratio in **bold** misses its
-goal. The limit is what no program can undercut on this machine, with Corvale's time over it. `scripts/bench.sh` makes this page.
+Corvale beside the fastest peer of each workload, in one run on one core. A ratio is the peer's time over Corvale's in the same
+repetition, with the smallest and the greatest of the repetitions: above 1 Corvale is faster. The limit is the time of what no
+program can do without on this machine; beside it stands how many times that Corvale takes. A workload in **bold** misses a goal;
+the last section says by how much. [All figures](benchmark-figures.md): every peer and size, how cost grows, size and start,
+allocations. `scripts/bench.sh` measures and writes both pages.
 """
-METHOD = """## Method {#benchmarks_method}
+FIGURES_HEAD = """# Benchmark figures {#benchmark_figures}
+
+Every workload of [Benchmarks](benchmarks.md) beside every peer: the peer's time, below it the ratio of the peer's time to Corvale's
+in the same repetition with the smallest and the greatest of the repetitions. A ratio in **bold** misses its goal.
+"""
+METHOD = """## Method {#figures_method}
 
 - All peers of a workload run in one program on the same input; a peer whose answers disagree is not timed, and the page is not
   made.
@@ -30,11 +38,11 @@ METHOD = """## Method {#benchmarks_method}
 - Everything is compiled with -O3. Peers that are compiled here have -march=native where that does not make them slower: Eigen's
   matrices (with FMA), fast_float, fmt (with compiled formats), the Fortran loop. OpenBLAS is its build without threads.
   The library itself has no more than the baseline instructions and chooses AVX2 by itself.
-- Plain loops are the described rules as they stand, compiled as the library is.
+- Plain loops follow the rules of the headers step by step, compiled as the library is.
 
     scripts/bench.sh            all of it, about a quarter of an hour
     scripts/bench.sh --quick    does everything build, run and agree? Two minutes; its figures say nothing
-    scripts/bench.sh --page     writes this page again from the last run
+    scripts/bench.sh --page     writes the pages again from the last run
 """
 CHARTS = {  # section -> chart and what it says
     "Card files": ("card-times.svg", "Time to load a card file, beside other programs"),
@@ -50,8 +58,8 @@ NEVER_ALLOCATE = ("text", "numbers", "angles", "vectors", "codes", "keys")
 PDQSORTS = ["pdqsort", "pdqsort_branchless"]
 
 
-def anchor(title):
-    return "benchmarks_" + "".join(c if c.isalnum() else "_" for c in title.lower())
+def anchor(page, title):
+    return f"{page}_" + "".join(c if c.isalnum() else "_" for c in title.lower())
 
 
 class Page:
@@ -88,10 +96,9 @@ class Page:
         ratio = self.results.ratio(row.topic, peer, row.own, row.size)
         if time is None or ratio is None or peer == row.own:
             return ""
-        least, greatest = sorted((ratio.least, ratio.greatest))
         goal = row.goals.get(peer)
         figure = self.judge(row, peer, ratio.median, goal, goal and ratio.median >= goal - 0.005)
-        return cell(time, f"{figure} ({show_ratio(least)}–{show_ratio(greatest)})")
+        return cell(time, f"{figure} ({show_spread(ratio)})")
 
     def limit_cell(self, row):
         limit = self.limit_time(row)
@@ -112,20 +119,17 @@ class Page:
                  if any(self.results.median(row.topic, peer, row.size) for row in rows if peer != row.own)]
         if not rows:
             return
-        yield f"## {section.title} {{#{anchor(section.title)}}}\n\n{section.note}\n"
-        if section.title in CHARTS:
-            name, words = CHARTS[section.title]
-            yield f"![{words}](charts/{name})\n"
+        yield f"## {section.title} {{#{anchor('figures', section.title)}}}\n\n{section.note}\n"
         yield f"| time per {section.item} | Corvale | " + " | ".join([*peers, "limit", "goals"]) + " |"
         yield "|---" * (len(peers) + 4) + "|"
         for row in rows:
-            own = chart.show_time(self.results.median(row.topic, row.own, row.size)).replace(" ", "\u00a0")
+            own = unbroken(chart.show_time(self.results.median(row.topic, row.own, row.size)))
             cells = [self.peer_cell(row, peer) for peer in peers] + [self.limit_cell(row), show_goals(row)]
             yield f"| {row.label} | {own} | " + " | ".join(cells) + " |"
         yield ""
 
     def growth(self):
-        yield """## How cost grows {#benchmarks_growth}
+        yield """## How cost grows {#figures_growth}
 
 The exponent of time against size n, a line of least squares through the logarithms, over all sizes and over the greater half of
 them, where what a call costs at any size no longer counts; beside each the exponent of the cost that the work should have,
@@ -167,7 +171,7 @@ values stops at 32 fields because no more than 512 characters are made of one.
         middle = {name: statistics.median(found["times"]) for name, found in starts.items()}
         over = middle["Corvale"] / middle["empty C++ library"]
         count = len(starts["Corvale"]["times"])
-        yield f"""## Size and start {{#benchmarks_start}}
+        yield f"""## Size and start {{#figures_start}}
 
 Each library alone in a fresh process of a C program, {count} processes of each, one after the other: the processor's time from
 `dlopen` to the first result, and the memory by which the process grew, with all that the library brings along; what is shared
@@ -190,7 +194,7 @@ an empty C++ library; a program that uses the C++ library already pays only the 
         self.count("start over that of an empty C++ library", f"{over:.2f}, not 1.3", over <= 1.3)
 
     def allocations(self):
-        yield """## Allocations {#benchmarks_allocations}
+        yield """## Allocations {#figures_allocations}
 
 Blocks of memory that a call takes, counted at `malloc` for the whole process. What is released before the call returns counts too.
 """
@@ -209,9 +213,39 @@ Blocks of memory that a call takes, counted at `malloc` for the whole process. W
                     yield f"| {area}: {call['name']} | {call['first']} | {call['later']:g} |"
         yield ""
 
+    def fastest_peer(self, row, peers):
+        """The peer with the shortest time and its ratio; nothing where none was timed."""
+        times = {peer: self.results.median(row.topic, peer, row.size) for peer in peers if peer != row.own}
+        times = {peer: time for peer, time in times.items() if time}
+        if not times:
+            return None
+        peer = min(times, key=times.get)
+        return peer, self.results.ratio(row.topic, peer, row.own, row.size)
+
+    def short_section(self, section):
+        """One row a workload, at the sizes that say most: our time, the fastest peer, the limit."""
+        rows = [row for row in section.rows if self.results.median(row.topic, row.own, row.size)
+                and (not section.sizes or row.size in section.sizes)]
+        if not rows:
+            return
+        yield f"## {section.title} {{#{anchor('benchmarks', section.title)}}}\n\n{section.note}\n"
+        if section.title in CHARTS:
+            name, words = CHARTS[section.title]
+            yield f"![{words}](charts/{name})\n"
+        yield f"| {section.item} | Corvale | fastest peer | ratio | limit | times the limit |\n|---|---|---|---|---|---|"
+        for row in rows:
+            own = self.results.median(row.topic, row.own, row.size)
+            peer, ratio = self.fastest_peer(row, section.peers) or ("", None)
+            limit = self.limit_time(row)
+            yield "| " + " | ".join([
+                f"**{row.label}**" if row.label in self.missed else row.label, unbroken(chart.show_time(own)), peer,
+                unbroken(f"{show_ratio(ratio.median)} ({show_spread(ratio)})") if ratio else "",
+                unbroken(chart.show_time(limit)) if limit else "", show_ratio(own / limit) if limit else ""]) + " |"
+        yield ""
+
     def goals(self):
-        total = self.met + sum(len(lines) for lines in self.missed.values())
-        yield f"## Goals {{#benchmarks_goals}}\n\nMet: {self.met} of {total}."
+        yield "## What was missed {#benchmarks_missed}\n"
+        yield f"Goals met: {self.met} of {self.met + sum(len(lines) for lines in self.missed.values())}."
         if self.missed:
             yield "Missed, with the figure and what it should be:\n"
             yield from (f"- {workload}: {'; '.join(lines)}" for workload, lines in self.missed.items())
@@ -222,17 +256,29 @@ Blocks of memory that a call takes, counted at `malloc` for the whole process. W
         yield "## Machine and versions {#benchmarks_machine}\n"
         yield f"- {machine['processor']} ({machine['instructions']}), {machine['caches']}"
         yield f"- {machine['system']}; load average before the run {machine['load']}"
-        yield "- " + ", ".join(f"{name} {version}" for name, version in self.facts["versions"].items())
+        yield "- " + ", ".join(f"{name} {version}" for name, version in self.facts["versions"].items()) + "\n"
 
-    def lines(self):
+    def figures(self):
         body = [line for section in SECTIONS for line in self.section(section)]
-        body += [*self.growth(), *self.cliffs(), *self.start(), *self.allocations()]
-        return [HEAD, *self.goals(), *body, METHOD, *self.conditions()]
+        return [FIGURES_HEAD, *body, *self.growth(), *self.cliffs(), *self.start(), *self.allocations(), METHOD]
+
+    def summary(self):
+        """After figures(), which counts what was met."""
+        body = [line for section in SECTIONS for line in self.short_section(section)]
+        return [SUMMARY_HEAD, *self.conditions(), *body, *self.goals()]
 
 
 def cell(time, figure):
     """The time, and below it the ratio: neither is broken into lines."""
-    return "<br>".join(part.replace(" ", "\u00a0") for part in (chart.show_time(time), figure))
+    return "<br>".join(unbroken(part) for part in (chart.show_time(time), figure))
+
+
+def unbroken(text):
+    return text.replace(" ", "\u00a0")
+
+
+def show_spread(ratio):
+    return "–".join(show_ratio(value) for value in sorted((ratio.least, ratio.greatest)))
 
 
 def show_ratio(ratio):
@@ -296,7 +342,7 @@ def charts(results):
     }
 
 
-def summary(results):
+def readme_table(results):
     yield "| work | Corvale | fastest peer | its time | ratio |\n|---|---|---|---|---|"
     for label, topic, size, peers in SUMMARY:
         times = {peer: results.median(topic, peer, size) for peer in peers}
@@ -315,7 +361,7 @@ def renew(readme, table):
 
 
 def main():
-    folder, page, pictures, *readme = (pathlib.Path(name) for name in sys.argv[1:])
+    folder, summary_page, figures_page, pictures, *readme = (pathlib.Path(name) for name in sys.argv[1:])
     results = Results(sorted(folder.glob("*Bench*.json")))
     if results.disagreements:
         print("\n".join(["these disagree with Corvale:", *results.disagreements]))
@@ -324,9 +370,11 @@ def main():
     pictures.mkdir(parents=True, exist_ok=True)
     for name, svg in charts(results).items():
         (pictures / name).write_text(svg, encoding="utf-8")
-    page.write_text("\n".join(Page(results, facts).lines()) + "\n", encoding="utf-8")
+    page = Page(results, facts)
+    figures_page.write_text("\n".join(page.figures()) + "\n", encoding="utf-8")
+    summary_page.write_text("\n".join(page.summary()) + "\n", encoding="utf-8")
     for file in readme:
-        renew(file, "\n".join(summary(results)))
+        renew(file, "\n".join(readme_table(results)))
     return 0
 
 

@@ -6,8 +6,8 @@ import math
 # peer of what cannot be undercut, and `limit_goal` the most that our time may be of it.
 Row = collections.namedtuple("Row", "label topic own size goals limit limit_goal",
                              defaults=["Corvale", None, {}, None, None])
-# `peers` are the columns beside our own; a name of a benchmark may stand under another word.
-Section = collections.namedtuple("Section", "title note peers rows item", defaults=["call"])
+# `peers` are the columns beside our own; `sizes` those that the summary shows, all where there are none.
+Section = collections.namedtuple("Section", "title note peers rows item sizes", defaults=["call", ()])
 
 SIZES = [10, 100, 1000, 10_000, 100_000, 1_000_000, 10_000_000]
 PATTERNS = ["Random", "Sorted", "Reversed", "NearlySorted", "Equal", "TwoValues", "Few", "OrganPipe",
@@ -123,14 +123,14 @@ SECTIONS = [
             ["strtod", "strtol", "atoi", "from_chars", "fast_float", "double-conversion"], READING, "number"),
     Section("Numbers into text", "20,000 values from 0.001 to 1e7 with all digits in use. The limit is the same.",
             ["snprintf", "to_chars", "fmt", "double-conversion"], list(written_rows()), "number"),
-    Section("Rows of numbers", "`CompressCsvLine` of rows of 20 fields of 23 characters, against the rules as a machine "
-            "that goes from character to character. The limit is a copy of the row.",
+    Section("Rows of numbers", "`CompressCsvLine` of rows of 20 fields of 23 characters, against a state "
+            "machine that goes from character to character. The limit is a copy of the row.",
             ["machine"], [Row("CompressCsvLine", "CsvLine", goals={"machine": 12}, limit=("Limit", "row"))], "row"),
     Section("Texts of 512 characters", "The limit is a library call of `memcpy` for 512 bytes.",
             ["character loop"], list(text_rows())),
     Section("Codes and degrees", "The limit is a call into the library that does nothing.", ["snprintf", "strtol"],
             CODES),
-    Section("Vectors", "Eigen's vectors stand behind calls of a shared library, as ours do; `Eigen_inline` shows what a "
+    Section("Vectors", "Eigen's vectors are called in a shared library, as ours are; `Eigen_inline` shows what a "
             "caller gains who compiles them in. The limit is a call into the library that does nothing.",
             ["Eigen", "Eigen_inline", "Eigen_AngleAxis"], VECTORS),
     Section("Search in a table", "100,000 values, evenly spaced, evenly but for a random part, and spaced "
@@ -140,20 +140,20 @@ SECTIONS = [
             "characters.", [], [Row(name, name, limit=CALL) for name in ("GetElsetKeyMode", "GetLastErrMsg",
                                                                        "CorvaleGetInfo")]),
     Section("Lists of integers", "Nanoseconds an integer; half of the values occur more than once. The limit is a copy "
-            "of the list.", ["std_sort_unique", "plain"], list(list_rows()), "integer"),
+            "of the list.", ["std_sort_unique", "plain"], list(list_rows()), "integer", (100, 10_000, 1_000_000)),
     Section("Matrices", "By order. Cholesky is factor, solution and inverse, with dpotrf, dpotrs and dpotri of OpenBLAS "
             "and the reference LAPACK, LLT of Eigen; `MtxInv` is dgetrf with dgetri, PartialPivLU. The limit is the time "
             "of the multiplications and additions (n^3 and 2 n^3 for a peer's way of doing it) with all units of the "
             "core busy, without FMA.",
-            ["OpenBLAS", "Eigen", "LAPACK", "plain"], list(matrix_rows())),
+            ["OpenBLAS", "Eigen", "LAPACK", "plain"], list(matrix_rows()), sizes=(3, 6, 10, 32, 100, 300, 1000)),
     Section("Cholesky2 and MInv", "`Cholesky2` beside `Cholesky`; `MInv` inverts positive definite matrices in "
             "its own way, beside the general inverses of the peers.",
-            ["Corvale", "OpenBLAS", "Eigen", "plainMInv"], list(other_matrix_rows())),
-    Section("Packed matrices", "The limit is `memcpy` of the square.", [], list(packed_rows())),
+            ["Corvale", "OpenBLAS", "Eigen", "plainMInv"], list(other_matrix_rows()), sizes=(6, 32, 100, 1000)),
+    Section("Packed matrices", "The limit is `memcpy` of the square.", [], list(packed_rows()), sizes=(6, 100, 1000)),
     Section("Sorting", "Nanoseconds a key of 32 characters with its companion. The peers sort records of both; "
             "all but qsort compare eight bytes at a time as Corvale does. Plain is a "
             "quicksort with the last key as pivot. The limit is a copy of keys and companions.",
-            ["pdqsort", "pdqsort_branchless", "std_sort", "qsort", "plain"], list(sort_rows()), "key"),
+            ["pdqsort", "pdqsort_branchless", "std_sort", "qsort", "plain"], list(sort_rows()), "key", (100, 10_000, 1_000_000)),
     Section("Log lines", "One message of 128 characters to the open log. spdlog flushes each line. Eight threads write "
             "on all cores and are timed by the wall clock. The limit is `write()` of the line.",
             ["spdlog", "fprintf+fflush"], list(log_rows()), "line"),
