@@ -1,4 +1,4 @@
-// Loading a card file of 200,000 lines: the C face, a gfortran loop with its list-directed read,
+// Loading a card file of 200,000 lines: the C API, a gfortran loop with its list-directed read,
 // std::getline with strtod, and as the limit a bare read() of the bytes.
 //
 // The share of QZ_MOIC lines is in the topic's name; each is filled to column 512 with numbers of

@@ -1,5 +1,5 @@
-// One message of 128 characters to the open log, from one thread and from eight: the module face
-// and the C face, spdlog flushing each line, fprintf with fflush, and as the limit a bare write()
+// One message of 128 characters to the open log, from one thread and from eight: the C++ API
+// and the C API, spdlog flushing each line, fprintf with fflush, and as the limit a bare write()
 // of the line.
 #include <corvale/Corvale.h>
 #include <corvale/core/FileIO.hpp>

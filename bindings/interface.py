@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Reads the table of the C face, and writes its reference page.
+"""Reads the table of the C API, and writes its reference page.
 
     interface.py >docs/c-interface.md
 """
@@ -12,7 +12,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 HEADER = ROOT / "corvale/exports/CorvaleDllExports.h"
 C_TYPES = {"char": "char", "text": "char", "int32": "int32_t", "int64": "int64_t",
            "real64": "double", "void": "void"}
-PAGE_HEAD = """# The C face
+PAGE_HEAD = """# The C API
 
 Written by `bindings/interface.py` from `bindings/interface.txt` and the comments of
 `corvale/exports/CorvaleDllExports.h`, which says more about each function. A test keeps all three together.

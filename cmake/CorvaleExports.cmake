@@ -1,4 +1,4 @@
-# What libCorvale shows of itself. Exports are the C face and corvale::, nothing else. The library
+# What libCorvale shows of itself. Exports are the C API and corvale::, nothing else. The library
 # calls its own functions whatever the program defines under the same names, and stays loaded: its
 # state and its open log survive dlclose.
 #

@@ -1,4 +1,4 @@
-// Loads an input file through the module face, as a library of the family does, and writes what its
+// Loads an input file through the C++ API, as a library of the family does, and writes what its
 // cards set to the process's standard output, which is unit 6 as long as no log is open.
 //
 //     load_file INPUT-FILE

@@ -1,4 +1,4 @@
-// The C face as a caller in another language meets it: arrays at any address, one in place, texts that
+// The C API as a caller in another language meets it: arrays at any address, one in place, texts that
 // end with their buffer or with a terminator, messages without a log.
 #include "Targets.hpp"
 

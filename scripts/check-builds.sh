@@ -68,7 +68,7 @@ check_refusal() {
 }
 
 # GCC 12 knows little of C++: it takes the copy of an empty std::optional and any range-for for a use
-# of something uninitialised (valgrind looks after those), and sees little in templates. The rooms
+# of something uninitialised (valgrind looks after those), and sees little in templates. The folders
 # with resources are where it can help.
 check_analyzer() {
     local source

@@ -70,7 +70,7 @@ END
     names=$(nm -D --defined-only "$folder/corvale/libacme_Corvale.so" |
         grep -oE ' T acme_\w+' | sed 's/.* //' | sort)
     [ "$names" = "$(sed -n 's/^function \(\w*\) .*/acme_\1/p' "$top/bindings/interface.txt" | sort)" ] ||
-        fail "the exports are not the functions of the C face"
+        fail "the exports are not the functions of the C API"
     [ "$names" = "$(sed -n 's/^CORVALE_API \w* \(\w*\)(.*/\1/p' \
         "$prefix/include/corvale/exports/CorvaleDllExports.h" | sort)" ] ||
         fail "the installed header declares other names"

@@ -52,27 +52,27 @@ test_preset() {
     run_tests "$1"
 }
 
-# test_rooms PRESET ROOM...: the tests of the rooms alone to which the preset can matter.
-test_rooms() {
-    local preset=$1 room targets=()
+# test_folders PRESET FOLDER...: only the tests of those folders, to which the preset can matter.
+test_folders() {
+    local preset=$1 folder targets=()
     shift
     echo "== $preset: $*"
-    for room in "$@"; do
-        case $room in
+    for folder in "$@"; do
+        case $folder in
             fuzz) targets+=(fuzz_replay) ;;
             soak) targets+=(share_soak float_soak numeric_soak) ;;
             faults) targets+=(fault_loops) ;;
-            *) targets+=("${room}_tests") ;;
+            *) targets+=("${folder}_tests") ;;
         esac
     done
     build "$preset" -DCORVALE_BUILD_TESTS=ON --target "${targets[@]}"
     run_tests "$preset" "^($(IFS='|' && echo "$*"))/"
 }
 
-rooms=(corvale examples)
+folders=(corvale examples)
 if [ "${1-}" = all ]; then
     shift
-    rooms+=(tools)
+    folders+=(tools)
     checks=(check-builds check-windows "${checks[@]}")
 fi
 if [ $# -gt 0 ]; then
@@ -81,10 +81,10 @@ if [ $# -gt 0 ]; then
 fi
 check_format
 for preset in release clang; do test_preset "$preset"; done
-test_rooms asan numeric text sorting core platform faults processes fuzz
-test_rooms baseline numeric text sorting core fuzz
-test_rooms tsan platform core processes soak
-check_tidy "${rooms[@]}"
+test_folders asan numeric text sorting core platform faults processes fuzz
+test_folders baseline numeric text sorting core fuzz
+test_folders tsan platform core processes soak
+check_tidy "${folders[@]}"
 for check in "${checks[@]}"; do
     echo "== $check"
     "$top/scripts/$check.sh"

@@ -1,4 +1,4 @@
-// Texts across the C face: out of its fixed-width buffers, and names that it would not take whole.
+// Texts across the C API: out of its fixed-width buffers, and names that it would not take whole.
 #pragma once
 
 #include <optional>
@@ -7,10 +7,10 @@
 
 namespace corvale::tool {
 
-/// What a function of the C face writes to a buffer of 128 characters, without trailing blanks.
+/// What a function of the C API writes to a buffer of 128 characters, without trailing blanks.
 std::string MessageFrom(void (*write)(char*) noexcept);
 
-/// Why the C face would cut `name` and open another file, if it would.
+/// Why the C API would cut `name` and open another file, if it would.
 std::optional<std::string> WhyNameIsRefused(std::string_view name);
 
 /// The shortest text that reads back to the same bits; "Infinity" and "-Infinity".

@@ -136,7 +136,7 @@ SECTIONS = [
     Section("Search in a table", "100,000 values, evenly spaced, evenly but for a random part, and spaced "
             "exponentially. The limit is a call into the library that does nothing.", ["upper_bound", "plain"],
             SEARCHES),
-    Section("Getters of the C face", "The limit is a call into the library that does nothing; the last two fill 128 "
+    Section("Getters of the C API", "The limit is a call into the library that does nothing; the last two fill 128 "
             "characters.", [], [Row(name, name, limit=CALL) for name in ("GetElsetKeyMode", "GetLastErrMsg",
                                                                        "CorvaleGetInfo")]),
     Section("Lists of integers", "Nanoseconds an integer; half of the values occur more than once. The limit is a copy "

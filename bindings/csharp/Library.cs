@@ -9,7 +9,7 @@ namespace Corvale
     }
 
     /// <summary>
-    /// The C face of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
+    /// The C API of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
     /// The library has one state for the whole process, whichever object is used. Every member may be
     /// used by any number of threads: one lock puts their calls in a row. Code that reaches the same
     /// library by another way is not held back by that. Texts that the library would cut are refused

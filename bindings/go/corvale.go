@@ -1,4 +1,4 @@
-// Package corvale is the C face of libCorvale: messages and log, key modes, input-file cards and
+// Package corvale is the C API of libCorvale: messages and log, key modes, input-file cards and
 // interface self-tests. Open comes first; any other call before it panics.
 //
 //	if err := corvale.Open(""); err != nil { ... }

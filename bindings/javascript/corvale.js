@@ -1,5 +1,5 @@
 /**
- * The C face of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
+ * The C API of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
  *
  *     import { Corvale } from 'corvale';
  *     const corvale = new Corvale();

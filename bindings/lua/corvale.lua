@@ -1,4 +1,4 @@
---- The C face of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
+--- The C API of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
 --
 --     local corvale = require('corvale').open()
 --     corvale:load_file('orbit.inp')

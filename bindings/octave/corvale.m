@@ -1,4 +1,4 @@
-% corvale  The C face of libCorvale: messages and log, key modes, input-file cards, self-tests.
+% corvale  The C API of libCorvale: messages and log, key modes, input-file cards, self-tests.
 %
 %     corvale.loadFile('orbit.inp')
 %     values = corvale.moicData(9)

@@ -1,4 +1,4 @@
-// corvale_mex: calls the C face of libCorvale from Octave and MATLAB; corvale.m stands in front of it.
+// corvale_mex: calls the C API of libCorvale from Octave and MATLAB; corvale.m stands in front of it.
 //
 //     [id, message, out] = corvale_mex(NAME, in...)   the C function NAME; a cell with what comes out
 //     [id, message] = corvale_mex('load', LIBRARY)    loads the library of that path, once

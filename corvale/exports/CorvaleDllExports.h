@@ -1,4 +1,4 @@
-/* CorvaleDllExports.h: the C face of libCorvale, 20 functions for applications in any language.
+/* CorvaleDllExports.h: the C API of libCorvale, 20 functions for applications in any language.
  *
  * Texts    A text is a buffer of 512 characters (file names, general text: CORVALE_NAME_WIDTH) or
  *          128 characters (messages: CORVALE_MESSAGE_WIDTH), filled with blanks on the right.

@@ -1,4 +1,4 @@
-/* The C face from C99: every function is called once, with results that show that it was.
+/* The C API from C99: every function is called once, with results that show that it was.
  *
  *     c_face INPUT-FILE
  */

@@ -1,5 +1,5 @@
-// The names of the C face are common words, and a program may define them for itself. The library
-// must keep calling its own functions, those of the module face too.
+// The names of the C API are common words, and a program may define them for itself. The library
+// must keep calling its own functions, those of the C++ API too.
 //
 //     own_names LIBRARY INPUT-FILE
 #include <corvale/Corvale.h>

@@ -156,7 +156,7 @@ std::vector<Operation> MemoryOperations(const TemporaryFolder& folder) {
         {"QuickSortIterative", [&] { return SortKeys(folder); }, "sorted",
          "1 Error allocating 4000 bytes\\|"},
         {"NamedLock", TakeLock, "free", "", 1},
-        {"the C face, where it only computes", CallTheCFace, "0 calls"},
+        {"the C API, where it only computes", CallTheCFace, "0 calls"},
         {"read and write numbers", ReadAndWriteNumbers, "0 calls"},
     };
 }

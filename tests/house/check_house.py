@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Keeps the house in order: prints every fault of the source tree and ends with 1 if there is one.
+"""Checks the rules of the tree: prints every fault and ends with 1 if there is one.
 
-    check_house.py SOURCE            rooms, installed headers, comments, versions
+    check_house.py SOURCE            layers, installed headers, comments, versions
     check_house.py SOURCE LIBRARY    what the built libCorvale.so exports, too
     check_house.py --headers SOURCE  only prints the list of installed headers
 """
@@ -13,8 +13,8 @@ import subprocess
 import sys
 import tempfile
 
-# An include goes to the same room or to one on a lower floor.
-FLOORS = {"tools": 5, "bindings": 5, "bench": 5, "exports": 4, "core": 3, "numeric": 2,
+# An include stays in its folder or goes to one of a lower layer.
+LAYERS = {"tools": 5, "bindings": 5, "bench": 5, "exports": 4, "core": 3, "numeric": 2,
           "text": 1, "sorting": 1, "platform": 1, "base": 0}
 HOLDS_BODIES = {"numeric/Views.hpp"}
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow", "-Werror"]
@@ -44,21 +44,22 @@ def installed_headers(source):
     return re.search(r"set\(CORVALE_PUBLIC_HEADERS(.*?)\)", lists, re.S)[1].split()
 
 
-def room_of(path):
-    return path.split("/")[-2] if "/" in path else "exports"  # Corvale.h
+def folder_of(path):
+    """Of a file below corvale/, the folder that is a layer."""
+    return path.split("/")[0] if "/" in path else "exports"  # Corvale.h
 
 
 def check_includes(source):
     for folder in ("corvale", "tools", "bindings", "bench"):
         for file in sorted((source / folder).rglob("*.[ch]*")):
-            room = room_of(str(file.relative_to(source / "corvale"))) if folder == "corvale" else folder
-            if room not in FLOORS:
-                fault(f"{file}: no room of that name")
+            layer = folder_of(str(file.relative_to(source / "corvale"))) if folder == "corvale" else folder
+            if layer not in LAYERS:
+                fault(f"{file}: no folder of a layer")
                 continue
             for included in re.findall(r"#include <corvale/([^>]+)>", file.read_text()):
-                other = room_of(included)
-                if other != room and FLOORS.get(other, 9) >= FLOORS[room]:
-                    fault(f"{file}: {room} includes {included}, which is no floor below")
+                other = folder_of(included)
+                if other != layer and LAYERS.get(other, 9) >= LAYERS[layer]:
+                    fault(f"{file}: {layer} includes {included}, which is in no lower layer")
 
 
 def check_internal_headers(source, headers):
@@ -131,7 +132,7 @@ def check_compiles(headers):
             flags = ["-std=c99", "-pedantic", "-Wstrict-prototypes", "-xc"]
             code = f"#include <corvale/{name}>\nextern int notEmpty;\n"
             runs += [(name, ["gcc", *flags], code), (name, ["g++", "-std=c++11", "-xc++"], code)]
-    runs.append(("the examples of the C face", ["gcc", "-std=c99", "-Wno-unused", "-xc"],
+    runs.append(("the examples of the C API", ["gcc", "-std=c99", "-Wno-unused", "-xc"],
                  c_examples((source / "corvale/exports/CorvaleDllExports.h").read_text())))
 
     def run(job):
@@ -188,7 +189,7 @@ def check_exports(source, library, nodes):
         elif not node.startswith("CORVALE_CXX_") or not re.match(r"corvale::(?!internal)", name):
             fault(f"{library}: exports {symbol}")
     if plain != wanted:
-        fault(f"{library}: plain names differ from the C face: {sorted(plain ^ wanted)}")
+        fault(f"{library}: plain names differ from the C API: {sorted(plain ^ wanted)}")
 
 
 def check_fuzzed(source, names):

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The table of the C face beside what has to agree with it: prints every difference, ends with 1 if
+"""The table of the C API beside what has to agree with it: prints every difference, ends with 1 if
 there is one.
 
     check_interface.py SOURCE

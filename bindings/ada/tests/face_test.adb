@@ -1,4 +1,4 @@
---  Walks the table of the C face and proves that this binding declares and calls all of it.
+--  Walks the table of the C API and proves that this binding declares and calls all of it.
 
 with Ada.Characters.Handling;
 with Ada.Containers.Indefinite_Ordered_Sets;

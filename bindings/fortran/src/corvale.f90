@@ -1,4 +1,4 @@
-! corvale: the C face of libCorvale: messages and log, key modes, input-file cards, self-tests.
+! corvale: the C API of libCorvale: messages and log, key modes, input-file cards, self-tests.
 !
 !     use corvale
 !     double precision :: values(9)

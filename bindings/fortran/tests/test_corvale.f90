@@ -1,4 +1,4 @@
-! Walks the table of the C face and calls every function of it through this binding.
+! Walks the table of the C API and calls every function of it through this binding.
 !
 !     test_corvale FOLDER ARGUMENTS
 !

@@ -9,7 +9,7 @@ import java.util.function.Consumer;
 import java.util.function.IntSupplier;
 
 /**
- * The C face of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
+ * The C API of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
  *
  * <pre>{@code
  * Corvale corvale = new Corvale();

@@ -14,7 +14,7 @@ import java.util.Map;
 import java.util.TreeMap;
 import java.util.TreeSet;
 
-/** Walks the table of the C face and proves that this binding declares and calls all of it. */
+/** Walks the table of the C API and proves that this binding declares and calls all of it. */
 final class FaceTest {
     private static final TreeSet<String> CALLED = new TreeSet<>();
     private static final Corvale corvale = new Corvale(recording(Corvale.load(System.getenv("CORVALE_LIBRARY"))));

@@ -229,7 +229,7 @@ __END__
 
 =head1 NAME
 
-Corvale - the C face of libCorvale: messages and log, key modes, input-file cards, self-tests
+Corvale - the C API of libCorvale: messages and log, key modes, input-file cards, self-tests
 
 =head1 SYNOPSIS
 

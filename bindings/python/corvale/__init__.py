@@ -1,4 +1,4 @@
-"""Corvale in Python: the library's procedures over arrays, and its C face in `corvale.capi`.
+"""Corvale in Python: the library's procedures over arrays, and its C API in `corvale.capi`.
 
     import corvale
     corvale.num_to_alpha5(100000)                    # b'A0000'

@@ -1,4 +1,4 @@
-"""The C face of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
+"""The C API of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
 
     from corvale.capi import Corvale
 

@@ -1,4 +1,4 @@
-/* What R calls: each function of the C face under its own name, with R's vectors.
+/* What R calls: each function of the C API under its own name, with R's vectors.
  *
  * The functions in R have checked their values; here every vector is checked for the type and length
  * that the library reads or writes. Texts are raw vectors, integers of 64 bits the bits of a real, as

@@ -1,4 +1,4 @@
-/* Internal to the R binding, not installed: the C face as functions found in a loaded library.
+/* Internal to the R binding, not installed: the C API as functions found in a loaded library.
  *
  * Arrays carry their widths, one element included; what is passed by value has no brackets.
  */

@@ -3,7 +3,7 @@
 require 'monitor'
 require_relative 'corvale/face'
 
-# The C face of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
+# The C API of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
 #
 #     corvale = Corvale::Library.new
 #     corvale.load_file('orbit.inp')

@@ -1,6 +1,6 @@
 # frozen_string_literal: true
 
-# Walks the table of the C face and proves that this binding declares and calls all of it.
+# Walks the table of the C API and proves that this binding declares and calls all of it.
 
 require 'tmpdir'
 require_relative '../lib/corvale'

@@ -26,7 +26,7 @@ macro_rules! face {
             }
         }
 
-        /// What this binding declares, for the test that compares it with the table of the C face:
+        /// What this binding declares, for the test that compares it with the table of the C API:
         /// name, (argument, type) in the order of the call, result.
         #[doc(hidden)]
         #[allow(clippy::type_complexity)]
