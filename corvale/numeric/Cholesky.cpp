@@ -1,10 +1,10 @@
 #include <corvale/numeric/Cholesky.hpp>
 
-#include <corvale/numeric/CholeskyFactor.hpp>
-#include <corvale/numeric/CholeskyInverse.hpp>
-#include <corvale/numeric/CholeskySmall.hpp>
-#include <corvale/numeric/CholeskySolve.hpp>
-#include <corvale/numeric/Scratch.hpp>
+#include <corvale/numeric/matrices/CholeskyFactor.hpp>
+#include <corvale/numeric/matrices/CholeskyInverse.hpp>
+#include <corvale/numeric/matrices/CholeskySmall.hpp>
+#include <corvale/numeric/matrices/CholeskySolve.hpp>
+#include <corvale/numeric/matrices/Scratch.hpp>
 
 #include <algorithm>
 #include <cstddef>

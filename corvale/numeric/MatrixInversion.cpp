@@ -1,8 +1,8 @@
 #include <corvale/numeric/MatrixInversion.hpp>
 
-#include <corvale/numeric/InversionPanels.hpp>
-#include <corvale/numeric/InversionSteps.hpp>
-#include <corvale/numeric/Scratch.hpp>
+#include <corvale/numeric/matrices/InversionPanels.hpp>
+#include <corvale/numeric/matrices/InversionSteps.hpp>
+#include <corvale/numeric/matrices/Scratch.hpp>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include <corvale/numeric/PackedSymmetric.hpp>
 
-#include <corvale/numeric/VectorTiles.hpp>
+#include <corvale/numeric/matrices/VectorTiles.hpp>
 
 #include <algorithm>
 #include <cmath>

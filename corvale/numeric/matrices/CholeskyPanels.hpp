@@ -1,4 +1,4 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 //
 // What both solvers work on. The matrices lie in panels (VectorTiles.hpp): the upper factor U and
 // the product D U with the columns side by side and the rows as steps, W (the inverse of U) and
@@ -7,7 +7,7 @@
 // beside it, which changes no element of the order asked for.
 #pragma once
 
-#include <corvale/numeric/VectorTiles.hpp>
+#include <corvale/numeric/matrices/VectorTiles.hpp>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 //
 // Gauss-Jordan elimination step by step, on columns of `length` rows that lie one after the other.
 // The length is a whole number of vectors; rows past the order hold zeros at first and are never
@@ -9,7 +9,7 @@
 // itself.
 #pragma once
 
-#include <corvale/numeric/VectorTiles.hpp>
+#include <corvale/numeric/matrices/VectorTiles.hpp>
 
 #include <algorithm>
 #include <bit>

@@ -1,11 +1,11 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 //
 // The solution from the factors: U'y = b down the rows, then U x = y (D U x = y) up the columns.
 // Each sum is one chain of additions in the order of its index; the chains of a panel, and of the
 // rows that a column meets, run side by side.
 #pragma once
 
-#include <corvale/numeric/CholeskyPanels.hpp>
+#include <corvale/numeric/matrices/CholeskyPanels.hpp>
 
 namespace corvale::internal {
 

@@ -1,10 +1,10 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 //
 // The factors: A = U'U, or A = U'DU without square roots. Rows of U are found kBlock at a time, in
 // each block first the terms of all rows above it, then panel by panel its own.
 #pragma once
 
-#include <corvale/numeric/CholeskyPanels.hpp>
+#include <corvale/numeric/matrices/CholeskyPanels.hpp>
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 //
 // Gauss-Jordan elimination for large orders. The matrix lies in panels of rows (VectorTiles.hpp;
 // the columns are the steps of a panel). Some steps are first made on their own columns alone, and
@@ -12,7 +12,7 @@
 // again step by step.
 #pragma once
 
-#include <corvale/numeric/InversionSteps.hpp>
+#include <corvale/numeric/matrices/InversionSteps.hpp>
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 //
 // The inverse from the factors: W = U^-1, then W W' (W D^-1 W'). A tile's rows do not begin at the
 // same step; the terms before a row begins are an exact zero times a factor, so they change nothing
@@ -6,7 +6,7 @@
 // are formed one by one; where only W is not, W stays and its product takes every term in.
 #pragma once
 
-#include <corvale/numeric/CholeskyPanels.hpp>
+#include <corvale/numeric/matrices/CholeskyPanels.hpp>
 
 namespace corvale::internal {
 

@@ -1,4 +1,4 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 #pragma once
 
 #include <cstddef>

@@ -1,11 +1,11 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 //
 // Both solvers for small orders: rows and columns padded to `width` doubles, the whole of one held
 // in registers, everything in the frame of the call (Cholesky/3 to /12 in bench/MatrixBench.cpp:
 // half to a third of the time of the panels).
 #pragma once
 
-#include <corvale/numeric/CholeskyPanels.hpp>
+#include <corvale/numeric/matrices/CholeskyPanels.hpp>
 
 #include <cmath>
 

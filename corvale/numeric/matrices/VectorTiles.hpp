@@ -1,4 +1,4 @@
-// Internal to numeric/: not installed, may change in any commit.
+// Internal to numeric/matrices/: not installed, may change in any commit.
 //
 // Vectors of doubles as wide as the processor has them, and the tile that all matrix products here
 // are made of. Each lane is an element of its own with its own order of operations, so the width
