@@ -4,8 +4,9 @@
 #include <corvale/numeric/GenFunctions.hpp>
 
 #include "EigenMatrices.hpp"
-#include "literal/LiteralMatrices.hpp"
-#include "literal/MatrixKinds.hpp"
+#include "reference/Cholesky.hpp"
+#include "reference/MatrixInversion.hpp"
+#include "reference/inputs/MatrixKinds.hpp"
 
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
@@ -28,7 +29,7 @@ void dgetri_(const Int*, double*, const Int*, const Int*, double*, const Int*, I
 namespace corvale::bench {
 namespace {
 
-using test::Matrix;
+using reference::Matrix;
 
 struct Lapack {
     decltype(&dpotrf_) potrf = dpotrf_;
@@ -133,8 +134,8 @@ const Matrix& Given(Int n) {
 template <Solver solve>
 void SolveAndInvert(benchmark::State& state) {
     const auto n = static_cast<Int>(state.range(0));
-    const Matrix& a = Given<test::PositiveDefinite>(n);
-    const Matrix b = test::RandomMatrix(n, 1, n);
+    const Matrix& a = Given<reference::PositiveDefinite>(n);
+    const Matrix b = reference::RandomMatrix(n, 1, n);
     Matrix inverse(a.size()), x(b.size()), wanted(a.size()), wantedX(b.size());
     CorvaleCholesky(a.data(), b.data(), n, wanted.data(), wantedX.data());
     solve(a.data(), b.data(), n, inverse.data(), x.data());
@@ -164,7 +165,7 @@ enum class Move { kPack, kUnpack, kCopy };
 template <Move move>
 void Packed(benchmark::State& state) {
     const auto n = static_cast<Int>(state.range(0));
-    Matrix a = test::RandomMatrix(n, n, n), other(a.size());
+    Matrix a = reference::RandomMatrix(n, n, n), other(a.size());
     const GenFunctions::MatrixView<double> square(a.data(), n, n);
     Matrix packed(static_cast<std::size_t>(GenFunctions::SizeOfLta(square)));
     const GenFunctions::VectorView<double> view(packed.data(), static_cast<Int>(packed.size()));
@@ -185,17 +186,25 @@ void PackedOrders(benchmark::internal::Benchmark* bench) {
 
 BENCHMARK(SolveAndInvert<CorvaleCholesky>)->Name("Cholesky/Corvale")->Apply(Orders);
 BENCHMARK(SolveAndInvert<CorvaleCholesky2>)->Name("Cholesky/Corvale2")->Apply(Orders);
-BENCHMARK(SolveAndInvert<literal::Cholesky>)->Name("Cholesky/plain")->Apply(Orders);
+BENCHMARK(SolveAndInvert<reference::Cholesky>)->Name("Cholesky/plain")->Apply(Orders);
 BENCHMARK(SolveAndInvert<EigenCholesky>)->Name("Cholesky/Eigen")->Apply(Orders);
 BENCHMARK(SolveAndInvert<LapackCholesky<OpenBlas>>)->Name("Cholesky/OpenBLAS")->Apply(Orders);
 BENCHMARK(SolveAndInvert<LapackCholesky<Reference>>)->Name("Cholesky/LAPACK")->Apply(Orders);
-BENCHMARK(Invert<CorvaleMtxInv, test::Random>)->Name("Inverse/Corvale")->Apply(Orders);
-BENCHMARK(Invert<CorvaleMInv, test::PositiveDefinite>)->Name("Inverse/CorvaleMInv")->Apply(Orders);
-BENCHMARK(Invert<literal::MtxInv, test::Random>)->Name("Inverse/plain")->Apply(Orders);
-BENCHMARK(Invert<literal::MInv, test::PositiveDefinite>)->Name("Inverse/plainMInv")->Apply(Orders);
-BENCHMARK(Invert<EigenInverse, test::Random>)->Name("Inverse/Eigen")->Apply(Orders);
-BENCHMARK(Invert<LapackInverse<OpenBlas>, test::Random>)->Name("Inverse/OpenBLAS")->Apply(Orders);
-BENCHMARK(Invert<LapackInverse<Reference>, test::Random>)->Name("Inverse/LAPACK")->Apply(Orders);
+BENCHMARK(Invert<CorvaleMtxInv, reference::Random>)->Name("Inverse/Corvale")->Apply(Orders);
+BENCHMARK(Invert<CorvaleMInv, reference::PositiveDefinite>)
+    ->Name("Inverse/CorvaleMInv")
+    ->Apply(Orders);
+BENCHMARK(Invert<reference::MtxInv, reference::Random>)->Name("Inverse/plain")->Apply(Orders);
+BENCHMARK(Invert<reference::MInv, reference::PositiveDefinite>)
+    ->Name("Inverse/plainMInv")
+    ->Apply(Orders);
+BENCHMARK(Invert<EigenInverse, reference::Random>)->Name("Inverse/Eigen")->Apply(Orders);
+BENCHMARK(Invert<LapackInverse<OpenBlas>, reference::Random>)
+    ->Name("Inverse/OpenBLAS")
+    ->Apply(Orders);
+BENCHMARK(Invert<LapackInverse<Reference>, reference::Random>)
+    ->Name("Inverse/LAPACK")
+    ->Apply(Orders);
 BENCHMARK(Packed<Move::kPack>)->Name("Packed/SqrMtx2Lta")->Apply(PackedOrders);
 BENCHMARK(Packed<Move::kUnpack>)->Name("Packed/Lta2SqrMtx")->Apply(PackedOrders);
 BENCHMARK(Packed<Move::kCopy>)->Name("Packed/memcpy")->Apply(PackedOrders);

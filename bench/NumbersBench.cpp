@@ -1,6 +1,6 @@
 // Numbers and rows: fields to reals and integers, reals to fixed notation, rows made short.
 // A peer that reads or writes anything else than Corvale is not timed.
-#include "literal/LiteralNumbers.hpp"
+#include "reference/CompactNumbers.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 
@@ -279,7 +279,7 @@ void CompressWithCorvale(std::string& row) {
 }
 
 void CompressAsMachine(std::string& row) {
-    test::LiteralCompressor(row).Run(row);
+    reference::CompressCsvLine(row);
 }
 
 template <auto Compress>

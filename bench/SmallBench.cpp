@@ -4,7 +4,9 @@
 #include <corvale/numeric/GenFunctions.hpp>
 
 #include "EigenVectors.hpp"
-#include "literal/LiteralNumeric.hpp"
+#include "reference/Angles.hpp"
+#include "reference/IntegerLists.hpp"
+#include "reference/SmallHelpers.hpp"
 
 #include <benchmark/benchmark.h>
 #include <algorithm>
@@ -19,7 +21,7 @@
 namespace {
 
 namespace gen = corvale::GenFunctions;
-namespace literal = corvale::literal;
+namespace reference = corvale::reference;
 using gen::Vector3;
 
 constexpr std::size_t kMany = 4096;
@@ -100,13 +102,13 @@ void WriteDegrees(benchmark::State& state, double low, double high, Write write,
         for (const double deg : degrees) benchmark::DoNotOptimize(write(deg)[5]);
     state.SetItemsProcessed(state.iterations() * std::ssize(degrees));
 }
-BENCHMARK_CAPTURE(WriteDegrees, , -90, 90, gen::DegToDDMMSSSSS_Str, literal::DegreeText)
+BENCHMARK_CAPTURE(WriteDegrees, , -90, 90, gen::DegToDDMMSSSSS_Str, reference::DegreeText)
     ->Name("DegToDDMMSSSSS_Str/Corvale");
-BENCHMARK_CAPTURE(WriteDegrees, , -90, 90, literal::DegreeText, literal::DegreeText)
+BENCHMARK_CAPTURE(WriteDegrees, , -90, 90, reference::DegreeText, reference::DegreeText)
     ->Name("DegToDDMMSSSSS_Str/snprintf");
-BENCHMARK_CAPTURE(WriteDegrees, , 0, 360, gen::DegToHHMMSSS_Str, literal::HourText)
+BENCHMARK_CAPTURE(WriteDegrees, , 0, 360, gen::DegToHHMMSSS_Str, reference::HourText)
     ->Name("DegToHHMMSSS_Str/Corvale");
-BENCHMARK_CAPTURE(WriteDegrees, , 0, 360, literal::HourText, literal::HourText)
+BENCHMARK_CAPTURE(WriteDegrees, , 0, 360, reference::HourText, reference::HourText)
     ->Name("DegToHHMMSSS_Str/snprintf");
 
 // ---- vectors
@@ -218,10 +220,10 @@ void Lengths(benchmark::internal::Benchmark* bench) {
 }
 BENCHMARK(Lists<InOrder<gen::IDupe>>)->Name("IDupe/Corvale")->Apply(Lengths);
 BENCHMARK(Lists<SortUnique>)->Name("IDupe/std_sort_unique")->Apply(Lengths);
-BENCHMARK(Lists<InOrder<literal::IDupe>>)->Name("IDupe/plain")->Arg(30)->Arg(100)->Arg(10'000);
+BENCHMARK(Lists<InOrder<reference::IDupe>>)->Name("IDupe/plain")->Arg(30)->Arg(100)->Arg(10'000);
 BENCHMARK(Lists<gen::ISort>)->Name("ISort/Corvale")->Apply(Lengths);
 BENCHMARK(Lists<SortUnique>)->Name("ISort/std_sort_unique")->Apply(Lengths);
-BENCHMARK(Lists<literal::ISort>)->Name("ISort/plain")->Arg(30)->Arg(100)->Arg(10'000);
+BENCHMARK(Lists<reference::ISort>)->Name("ISort/plain")->Arg(30)->Arg(100)->Arg(10'000);
 
 // ---- table search
 
@@ -262,7 +264,7 @@ void Search(benchmark::State& state, Spacing spacing, Find find) {
 }
 BENCHMARK_CAPTURE(Search, , Spacing::Even, gen::FindRecIdx)->Name("FindRecIdx_even/Corvale");
 BENCHMARK_CAPTURE(Search, , Spacing::Even, FindByBisection)->Name("FindRecIdx_even/upper_bound");
-BENCHMARK_CAPTURE(Search, , Spacing::Even, literal::FindRecIdx)->Name("FindRecIdx_even/plain");
+BENCHMARK_CAPTURE(Search, , Spacing::Even, reference::FindRecIdx)->Name("FindRecIdx_even/plain");
 BENCHMARK_CAPTURE(Search, , Spacing::Jittered, gen::FindRecIdx)
     ->Name("FindRecIdx_jittered/Corvale");
 BENCHMARK_CAPTURE(Search, , Spacing::Jittered, FindByBisection)

@@ -3,7 +3,7 @@
 // so that short ones are not learnt by heart.
 #include <corvale/sorting/Sorting.hpp>
 
-#include "literal/KeyPatterns.hpp"
+#include "reference/inputs/KeyPatterns.hpp"
 
 #include <benchmark/benchmark.h>
 #include <algorithm>
@@ -16,8 +16,8 @@
 
 namespace {
 
+using corvale::reference::Pattern;
 using corvale::Sorting::Key;
-using corvale::test::Pattern;
 
 struct Record {
     Key key;
@@ -57,9 +57,9 @@ const Blocks& BlocksOf(Pattern pattern, std::size_t n) {
     blocks.n = n;
     std::mt19937_64 random(n);
     for (std::size_t size = 0; size < std::max<std::size_t>(n, 20000); size += n) {
-        std::vector<Key> keys = corvale::test::MakeKeys(pattern, n, random);
+        std::vector<Key> keys = corvale::reference::MakeKeys(pattern, n, random);
         blocks.keys.insert(blocks.keys.end(), keys.begin(), keys.end());
-        std::sort(keys.begin(), keys.end(), corvale::test::IsPlainlyLess);
+        std::sort(keys.begin(), keys.end(), corvale::reference::IsLess);
         blocks.sorted.insert(blocks.sorted.end(), keys.begin(), keys.end());
     }
     for (const Key& key : blocks.keys) {
@@ -126,7 +126,7 @@ void Records(benchmark::State& state, Pattern pattern, Sort sort) {
 }
 
 void Register(Pattern pattern, std::size_t n) {
-    const std::string topic = corvale::test::kPatternNames[static_cast<int>(pattern)];
+    const std::string topic = corvale::reference::kPatternNames[static_cast<int>(pattern)];
     const auto add = [&](const char* peer, auto body) {
         benchmark::RegisterBenchmark((topic + "/" + peer).c_str(), body)
             ->Arg(static_cast<std::int64_t>(n))
@@ -152,7 +152,7 @@ void Register(Pattern pattern, std::size_t n) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    for (int pattern = 0; pattern < corvale::test::kPatterns; ++pattern)
+    for (int pattern = 0; pattern < corvale::reference::kPatterns; ++pattern)
         for (std::size_t n = 10; n <= 10'000'000; n *= 10)
             Register(static_cast<Pattern>(pattern), n);
     benchmark::Initialize(&argc, argv);

@@ -1,8 +1,9 @@
 // Angles, vectors and the two functions of a real, bit for bit against their formulas.
 #include "Targets.hpp"
 
-#include "literal/LiteralNumeric.hpp"
-#include "literal/LiteralVectors.hpp"
+#include "reference/Angles.hpp"
+#include "reference/SmallHelpers.hpp"
+#include "reference/Vectors.hpp"
 
 #include <corvale/numeric/Angles.hpp>
 #include <corvale/numeric/SmallHelpers.hpp>
@@ -32,21 +33,21 @@ void Degrees(double deg) {
     if (!isInRange)
         ExpectSame(View(DegToDDMMSSSSS_Str(deg)).substr(1), "**********", "DegToDDMMSSSSS_Str");
     else if (std::fabs(deg) < 1e9)
-        ExpectSame(View(DegToDDMMSSSSS_Str(deg)), literal::DegreeText(deg), "DegToDDMMSSSSS_Str");
+        ExpectSame(View(DegToDDMMSSSSS_Str(deg)), reference::DegreeText(deg), "DegToDDMMSSSSS_Str");
 }
 
 void HoursOf(double deg) {
     std::int32_t hours = -1, minutes = -1;
     double seconds = -1.0;
     DegToHHMMSSS(deg, hours, minutes, seconds);
-    const literal::Hours wanted =
-        std::isfinite(deg) ? literal::CarriedHours(deg) : literal::Hours{0, 0, NAN};
+    const reference::Hours wanted =
+        std::isfinite(deg) ? reference::CarriedHours(deg) : reference::Hours{0, 0, NAN};
     ExpectSame(hours, wanted.hours, "DegToHHMMSSS hours");
     ExpectSame(minutes, wanted.minutes, "DegToHHMMSSS minutes");
     ExpectSame(seconds, wanted.seconds, "DegToHHMMSSS seconds");
     const auto text = DegToHHMMSSS_Str(deg);
     if (std::isfinite(deg))
-        ExpectSame(View(text), literal::HourText(deg), "DegToHHMMSSS_Str");
+        ExpectSame(View(text), reference::HourText(deg), "DegToHHMMSSS_Str");
     else
         ExpectSame(View(text), "*******", "DegToHHMMSSS_Str");
 }
@@ -57,21 +58,21 @@ void ExpectVector(const Vector3& got, const Vector3& wanted, const char* what) {
 }
 
 void RealsOf(double a, double b) {
-    ExpectSame(FMod2P(a), literal::FMod2P(a), "FMod2P");
-    ExpectSame(DeltaAngleLT180(a, b), literal::DeltaAngleLT180(a, b), "DeltaAngleLT180");
-    ExpectSameHere(AcTan(a, b), literal::AcTan(a, b), "AcTan");
-    ExpectSameHere(AcSin(a), literal::AcSin(a), "AcSin");
-    ExpectSameHere(CubRt(a), literal::CubRt(a), "CubRt");
-    ExpectSameHere(SerExp(b), literal::SerExp(b), "SerExp");
+    ExpectSame(FMod2P(a), reference::FMod2P(a), "FMod2P");
+    ExpectSame(DeltaAngleLT180(a, b), reference::DeltaAngleLT180(a, b), "DeltaAngleLT180");
+    ExpectSameHere(AcTan(a, b), reference::AcTan(a, b), "AcTan");
+    ExpectSameHere(AcSin(a), reference::AcSin(a), "AcSin");
+    ExpectSameHere(CubRt(a), reference::CubRt(a), "CubRt");
+    ExpectSameHere(SerExp(b), reference::SerExp(b), "SerExp");
 }
 
 constexpr void (*kExact)(double, double, const char*) = ExpectSame;
 
 void Pair(const Vector3& a, const Vector3& b) {
-    ExpectSame(Mag(a), literal::Mag(a), "Mag");
-    ExpectVector<kExact>(UnitVec(a), literal::UnitVec(a), "UnitVec");
-    ExpectVector<kExact>(Cross(a, b), literal::Cross(a, b), "Cross");
-    ExpectSameHere(AngleOf2Vecs(a, b), literal::AngleOf2Vecs(a, b), "AngleOf2Vecs");
+    ExpectSame(Mag(a), reference::Mag(a), "Mag");
+    ExpectVector<kExact>(UnitVec(a), reference::UnitVec(a), "UnitVec");
+    ExpectVector<kExact>(Cross(a, b), reference::Cross(a, b), "Cross");
+    ExpectSameHere(AngleOf2Vecs(a, b), reference::AngleOf2Vecs(a, b), "AngleOf2Vecs");
 }
 
 }  // namespace angles
@@ -94,8 +95,8 @@ void Angles(Choices in) {
     if (kind == 3) return Pair(v, other);
     const auto axis = static_cast<std::int32_t>(in.Below(5));
     const double angle = in.Real();
-    ExpectVector(Rotate(v, axis, angle), literal::Rotate(v, axis, angle), "Rotate");
-    ExpectVector(RodriguesRot(v, angle, other), literal::RodriguesRot(v, angle, other),
+    ExpectVector(Rotate(v, axis, angle), reference::Rotate(v, axis, angle), "Rotate");
+    ExpectVector(RodriguesRot(v, angle, other), reference::RodriguesRot(v, angle, other),
                  "RodriguesRot");
 }
 

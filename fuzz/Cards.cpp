@@ -3,7 +3,7 @@
 #include "Targets.hpp"
 
 #include "../tools/CardLines.hpp"
-#include "literal/LiteralCards.hpp"
+#include "reference/CorvaleCardReading.hpp"
 
 #include <corvale/Corvale.h>
 #include <corvale/core/CorvaleCardReading.hpp>
@@ -103,7 +103,7 @@ void Load(const char* path, std::size_t face) {
 }
 
 // What the program says that loading the file sets.
-void CompareExplained(const char* path, const test::CardOutcome& wanted) {
+void CompareExplained(const char* path, const reference::CardOutcome& wanted) {
     tool::FileContent said;
     tool::InputFile input(path);
     for (tool::Line line; input.ReadLine(line, tool::kLineKept);)
@@ -149,14 +149,14 @@ void Cards(Choices in) {
     const std::size_t face = in.Below(4);
     const auto count = static_cast<std::int32_t>(in.Below(200)) - 20;
     const std::string_view content = in.Text(kPieces, room);
-    test::CardOutcome wanted;
+    reference::CardOutcome wanted;
     wanted.moic.fill(kOld);
-    test::ReadLiterally(content, wanted);
+    reference::ReadCards(content, wanted);
 
     ResetState();
     file.Fill(content);
     Load(file.Path(), face);
-    const test::CardModes modes{GetElsetKeyMode(), GetAllKeyMode(), UseAllKeyMode()};
+    const reference::CardModes modes{GetElsetKeyMode(), GetAllKeyMode(), UseAllKeyMode()};
     Expect(modes == wanted.modes, "the modes after loading");
     for (std::size_t i = 0; i < wanted.moic.size(); ++i)
         ExpectSame(MoicArr[i], wanted.moic[i], "MoicArr");

@@ -1,14 +1,12 @@
 // A number and a word in an input line against the reading rules, taken one by one.
 #include "Targets.hpp"
 
-#include "literal/LiteralText.hpp"
+#include "reference/NumericFields.hpp"
 
 #include <corvale/text/NumericFields.hpp>
 
 namespace corvale::fuzz {
 namespace free_form {
-
-using namespace test;
 
 constexpr std::string_view kPieces[] = {"=",   " = ", "1",   "-2.5", "1.5E+2", "e",     " ",  ",",
                                         " , ", ";",   "/",   "'",    "\"",     "''",    "km", "sec",
@@ -26,12 +24,14 @@ void FreeForm(Choices in) {
     StrFunctions::InputStrToNumStr(line, number, word);
 
     const std::size_t equals = line.find('=');
-    std::optional<NumberAndWord> wanted;
-    if (equals != std::string_view::npos) wanted = LiteralReader(line.substr(equals + 1)).Read();
-    std::string text = wanted.value_or(NumberAndWord()).word.substr(0, word.size());
+    std::optional<reference::NumberAndWord> wanted;
+    if (equals != std::string_view::npos)
+        wanted = reference::FreeFormReader(line.substr(equals + 1)).Read();
+    std::string text = wanted.value_or(reference::NumberAndWord()).word.substr(0, word.size());
     text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
     text.resize(word.size(), ' ');
-    ExpectSame(number, wanted.value_or(NumberAndWord()).number, "InputStrToNumStr, number");
+    ExpectSame(number, wanted.value_or(reference::NumberAndWord()).number,
+               "InputStrToNumStr, number");
     ExpectSame({word.data(), word.size()}, text, "InputStrToNumStr, word");
 }
 

@@ -2,7 +2,7 @@
 // information line.
 #include "Targets.hpp"
 
-#include "literal/LiteralNumeric.hpp"
+#include "reference/SatelliteNumbers.hpp"
 
 #include <corvale/Corvale.h>
 #include <corvale/core/CorvaleCardReading.hpp>
@@ -35,9 +35,9 @@ void SatelliteKeys(std::int64_t key) {
 void SatelliteNumbers(std::int32_t number, std::string_view text) {
     const auto code = NumToAlpha5(number);
     const std::string_view view(code.data(), code.size());
-    ExpectSame(view, literal::NumToAlpha5(number), "NumToAlpha5");
+    ExpectSame(view, reference::NumToAlpha5(number), "NumToAlpha5");
     if (number >= 0 && number < 340000) ExpectSame(Alpha5ToNum(view), number, "a round trip");
-    ExpectSame(Alpha5ToNum(text), literal::Alpha5ToNum(std::string(text)), "Alpha5ToNum");
+    ExpectSame(Alpha5ToNum(text), reference::Alpha5ToNum(std::string(text)), "Alpha5ToNum");
 }
 
 void CheckSum(std::string_view line, std::int32_t first, std::int32_t last) {

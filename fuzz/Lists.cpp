@@ -1,7 +1,8 @@
 // Integer lists and table searches against the plain versions, short and long.
 #include "Targets.hpp"
 
-#include "literal/LiteralNumeric.hpp"
+#include "reference/IntegerLists.hpp"
+#include "reference/SmallHelpers.hpp"
 
 #include <corvale/numeric/IntegerLists.hpp>
 #include <corvale/numeric/SmallHelpers.hpp>
@@ -43,10 +44,10 @@ void IntegerList(Choices& in, std::size_t count) {
     auto n = static_cast<std::int32_t>(count), plainCount = n;
     if (order == 3) {
         GenFunctions::IDupe(list, n);
-        literal::IDupe(plain.data(), plainCount);
+        reference::IDupe(plain.data(), plainCount);
     } else {
         GenFunctions::ISort(static_cast<std::int32_t>(order) - 1, list, n);
-        literal::ISort(static_cast<std::int32_t>(order) - 1, plain.data(), plainCount);
+        reference::ISort(static_cast<std::int32_t>(order) - 1, plain.data(), plainCount);
     }
     ExpectSame(n, plainCount, "the count of an integer list");
     for (std::size_t i = 0; i < count; ++i) ExpectSame(list[i], plain[i], "an integer list");
@@ -76,7 +77,7 @@ void Search(Choices& in, std::size_t count) {
     const std::int32_t index = GenFunctions::FindRecIdx(table, n, value);
     if (count == 0) return ExpectSame(index, 0, "FindRecIdx of no table");
     if (isAscending && !std::isnan(value))
-        return ExpectSame(index, literal::FindRecIdx(table, n, value), "FindRecIdx");
+        return ExpectSame(index, reference::FindRecIdx(table, n, value), "FindRecIdx");
     Expect(index >= 1 && index <= n, "FindRecIdx stays inside");
 }
 

@@ -2,7 +2,7 @@
 // lead nowhere, units that change their file, one file on several units.
 #include "Targets.hpp"
 
-#include "literal/LiteralUnits.hpp"
+#include "reference/TextUnits.hpp"
 
 #include <corvale/Corvale.h>
 #include <corvale/core/FileIO.hpp>
@@ -63,7 +63,7 @@ class Scratch {
 };
 
 // The model, and at its end the comparison of every file.
-class Model : public test::LiteralUnits {
+class Model : public reference::Units {
   public:
     explicit Model(std::string raw) : descriptors_(OpenDescriptors()) {
         std::ofstream("raw", std::ios::binary) << raw;
@@ -195,7 +195,7 @@ void StoreAndLock(Choices& in, Model&) {
     store.Store(text);
     const std::span<char, 128> message(gOtherRoom.Of(128), 128);
     store.Load(message);
-    ExpectSame({message.data(), 128}, test::Stored(std::string(text)), "MessageStore");
+    ExpectSame({message.data(), 128}, reference::Stored(std::string(text)), "MessageStore");
     std::mutex& lock = NamedLocks::NamedLock(name);
     Expect(&lock == &NamedLocks::NamedLock(gRoom.HoldView(name)) && lock.try_lock(), "NamedLock");
     lock.unlock();

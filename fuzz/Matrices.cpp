@@ -2,8 +2,10 @@
 // any elements changed, all orders to 8, many to 40 and some to 140, strides of any sign, results in place.
 #include "Targets.hpp"
 
-#include "literal/LiteralMatrices.hpp"
-#include "literal/MatrixKinds.hpp"
+#include "reference/Cholesky.hpp"
+#include "reference/MatrixInversion.hpp"
+#include "reference/PackedSymmetric.hpp"
+#include "reference/inputs/MatrixKinds.hpp"
 
 #include <corvale/numeric/GenFunctions.hpp>
 
@@ -13,7 +15,7 @@ namespace corvale::fuzz {
 namespace matrices {
 
 using namespace GenFunctions;
-using test::Matrix;
+using reference::Matrix;
 
 constexpr double kAround = 0x1.23456789abcdep+77;  // what lies between the elements of a view
 
@@ -68,7 +70,7 @@ class Strided {
 
 // One of the kinds, with so many elements changed as the input has bytes for.
 Matrix AnyMatrix(Choices& in, std::int32_t n, const Choices& changes) {
-    Matrix a = in.Pick(test::kMatrixKinds).make(n);
+    Matrix a = in.Pick(reference::kMatrixKinds).make(n);
     Choices rest = changes;
     while (rest.Left() > 2) a[rest.Byte() % a.size()] = rest.Real();
     return a;
@@ -78,17 +80,17 @@ void Solve(Choices& in, std::int32_t n, bool hasRoots) {
     static thread_local Room<8 * kMost * kMost> aRoom, inverseRoom;
     static thread_local Room<8 * kMost> bRoom, xRoom;
     const bool isInPlace = in.Flip();
-    const Matrix a = AnyMatrix(in, n, in), b = test::RandomMatrix(n, 1, n);
+    const Matrix a = AnyMatrix(in, n, in), b = reference::RandomMatrix(n, 1, n);
     Matrix inverse(a.size()), x(b.size());
-    (hasRoots ? literal::Cholesky : literal::Cholesky2)(a.data(), b.data(), n, inverse.data(),
-                                                        x.data());
+    (hasRoots ? reference::Cholesky : reference::Cholesky2)(a.data(), b.data(), n, inverse.data(),
+                                                            x.data());
     auto* const given = aRoom.Of<double>(a.size());
     auto* const right = bRoom.Of<double>(b.size());
     std::copy(a.begin(), a.end(), given);
     std::copy(b.begin(), b.end(), right);
     const auto order = static_cast<std::size_t>(n);
     for (std::size_t j = 0; j < order; ++j)  // what lies below the diagonal has no influence
-        std::fill(given + j * order + j + 1, given + (j + 1) * order, test::kNaN);
+        std::fill(given + j * order + j + 1, given + (j + 1) * order, reference::kNaN);
     double* const result = isInPlace ? given : inverseRoom.Of<double>(a.size());
     double* const solution = isInPlace ? right : xRoom.Of<double>(b.size());
     (hasRoots ? GenFunctions::Cholesky : GenFunctions::Cholesky2)(given, right, n, result,
@@ -102,7 +104,7 @@ void Invert(Choices& in, std::int32_t n, bool pivots) {
     const Strided from(gFromRoom, n, n, in);
     const Matrix a = AnyMatrix(in, n, in);
     Matrix wanted(a.size());
-    (pivots ? literal::MtxInv : literal::MInv)(a.data(), n, wanted.data());
+    (pivots ? reference::MtxInv : reference::MInv)(a.data(), n, wanted.data());
     from.Fill(a);
     const auto invert = pivots ? GenFunctions::MtxInv : GenFunctions::MInv;
     if (isInPlace) {
@@ -119,7 +121,7 @@ void CopyOblong(Choices& in, std::int32_t rows, bool pivots) {
     const auto columns = static_cast<std::int32_t>(1 + in.Below(12));
     if (columns == rows) return;
     const Strided from(gFromRoom, rows, columns, in), result(gToRoom, rows, columns, in);
-    const Matrix a = test::RandomMatrix(rows, columns, rows);
+    const Matrix a = reference::RandomMatrix(rows, columns, rows);
     from.Fill(a);
     (pivots ? GenFunctions::MtxInv : GenFunctions::MInv)(from.View(), result.View());
     result.Expect(pivots ? a : Matrix(a.size()), "what comes of a matrix that is not square");
@@ -140,8 +142,8 @@ void Pack(Choices& in, std::int32_t n) {
     const VectorView<double> packed(isTurned ? memory + last : memory, length,
                                     isTurned ? -stride : stride);
     Matrix wanted(count), square(a.size());
-    literal::SqrMtx2Lta(a.data(), n, wanted.data());
-    literal::Lta2SqrMtx(wanted.data(), n, square.data());
+    reference::SqrMtx2Lta(a.data(), n, wanted.data());
+    reference::Lta2SqrMtx(wanted.data(), n, square.data());
     SqrMtx2Lta(from.View(), packed);
     for (std::int32_t i = 1; i <= length; ++i)
         ExpectSame(packed(i), wanted[static_cast<std::size_t>(i) - 1], "SqrMtx2Lta");

@@ -1,8 +1,8 @@
 // The two writers of short numbers against the C library's formatted output.
 #include "Targets.hpp"
 
-#include "literal/LiteralNumbers.hpp"
-#include "text/NumberEnvironment.hpp"
+#include "reference/CompactNumbers.hpp"
+#include "tests/support/NumberEnvironment.hpp"
 
 #include <corvale/text/CompactNumbers.hpp>
 
@@ -25,9 +25,9 @@ void NumberText(Choices in) {
         const std::string rendering =  // more than 30 decimals never fit
             n > 30 && !hasSign && std::isfinite(value)
                 ? std::string(31, '0')
-                : test::LiteralFixed(value, hasSign ? 8 : n, hasSign);
+                : reference::FixedNotation(value, hasSign ? 8 : n, hasSign);
         const auto shown = std::min({static_cast<std::size_t>(n), width, out.size()});
-        wanted = test::LiteralCut(rendering, width, shown);
+        wanted = reference::CutToWidth(rendering, width, shown);
         wanted.resize(out.size(), ' ');
     }
     ExpectSame({out.data(), out.size()}, wanted, hasSign ? "Fx0ToSignAx" : "Fx0ToAx");

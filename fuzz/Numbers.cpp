@@ -2,8 +2,8 @@
 // goes one character at a time and converts with the C library.
 #include "Targets.hpp"
 
-#include "literal/LiteralText.hpp"
-#include "text/NumberEnvironment.hpp"
+#include "reference/NumericFields.hpp"
+#include "tests/support/NumberEnvironment.hpp"
 
 #include <corvale/text/NumericFields.hpp>
 
@@ -42,17 +42,18 @@ void TwoReals(std::string_view text, int mode) {
         StrTo2Reals(text, first, second);
     }
     constexpr std::string_view kCharacters = "+-.0123456789";
-    const auto [run, rest] = TakeRun(text, kCharacters);
-    ExpectSame(first, LiteralStrToReal(run), "StrTo2Reals, first");
-    ExpectSame(second, LiteralStrToReal(TakeRun(rest, kCharacters).first), "StrTo2Reals, second");
+    const auto [run, rest] = reference::TakeRun(text, kCharacters);
+    ExpectSame(first, reference::StrToReal(run), "StrTo2Reals, first");
+    ExpectSame(second, reference::StrToReal(reference::TakeRun(rest, kCharacters).first),
+               "StrTo2Reals, second");
 }
 
 void TwoInts(std::string_view text) {
     std::int32_t first = -1, second = -1;
     StrTo2Ints(text, first, second);
-    const auto [run, rest] = TakeRun(text, "+-0123456789");
-    ExpectSame(first, LiteralStrToInt(run), "StrTo2Ints, first");
-    ExpectSame(second, LiteralStrToInt(rest), "StrTo2Ints, second");
+    const auto [run, rest] = reference::TakeRun(text, "+-0123456789");
+    ExpectSame(first, reference::StrToInt(run), "StrTo2Ints, first");
+    ExpectSame(second, reference::StrToInt(rest), "StrTo2Ints, second");
 }
 
 void OneReal(std::string_view text, int mode, bool isLine) {
@@ -62,7 +63,8 @@ void OneReal(std::string_view text, int mode, bool isLine) {
         got = isLine ? InputStrToReal(text) : StrToReal(text);
     }
     const bool hasValue = !isLine || text.find('=') != std::string_view::npos;
-    const double wanted = hasValue ? LiteralStrToReal(isLine ? ValueOf(text) : text) : 0.0;
+    const double wanted =
+        hasValue ? reference::StrToReal(isLine ? reference::ValueOf(text) : text) : 0.0;
     ExpectSame(got, wanted, isLine ? "InputStrToReal" : "StrToReal");
 }
 
@@ -85,14 +87,14 @@ void Numbers(Choices in) {
         case 2:
             return TwoReals(text, mode);
         case 3:
-            return ExpectSame(StrToInt(text), LiteralStrToInt(text), "StrToInt");
+            return ExpectSame(StrToInt(text), reference::StrToInt(text), "StrToInt");
         case 4:
             return TwoInts(text);
         case 5:
-            return ExpectSame(InputStrToInt(text), hasValue ? LiteralInputStrToInt(text) : 0,
+            return ExpectSame(InputStrToInt(text), hasValue ? reference::InputStrToInt(text) : 0,
                               "InputStrToInt");
         default:
-            return ExpectSame(OnOff2Int(text), Capitals(text).starts_with("ON") ? 1 : 0,
+            return ExpectSame(OnOff2Int(text), reference::Capitals(text).starts_with("ON") ? 1 : 0,
                               "OnOff2Int");
     }
 }

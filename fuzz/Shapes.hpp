@@ -7,8 +7,8 @@
 // compilers evaluate arguments and operands in different orders.
 #pragma once
 
-#include "Bits.hpp"
-#include "GuardPage.hpp"
+#include "tests/support/Bits.hpp"
+#include "tests/support/GuardPage.hpp"
 
 #include <algorithm>
 #include <bit>

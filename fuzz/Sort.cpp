@@ -1,7 +1,7 @@
 // The sort: keys ascending, each beside its companion; one partition step against the plain one.
 #include "Targets.hpp"
 
-#include "literal/KeyPatterns.hpp"
+#include "reference/inputs/KeyPatterns.hpp"
 
 #include <corvale/sorting/Sorting.hpp>
 
@@ -11,7 +11,7 @@ namespace corvale::fuzz {
 namespace sort {
 
 using namespace Sorting;
-using test::IsPlainlyLess;
+using reference::IsLess;
 
 constexpr std::size_t kMost = 4096;
 
@@ -43,8 +43,9 @@ std::size_t AnyKeys(Choices& in) {
     std::mt19937_64 random(in.Raw<std::uint16_t>());
     std::size_t n = 0;
     for (std::size_t stretches = 1 + in.Below(6); stretches > 0; --stretches) {
-        const auto pattern = static_cast<test::Pattern>(in.Below(test::kPatterns));
-        const std::vector<Key> keys = test::MakeKeys(pattern, in.Below((kMost - n) / 2), random);
+        const auto pattern = static_cast<reference::Pattern>(in.Below(reference::kPatterns));
+        const std::vector<Key> keys =
+            reference::MakeKeys(pattern, in.Below((kMost - n) / 2), random);
         std::copy(keys.begin(), keys.end(), &gBefore[n]);
         n += keys.size();
     }
@@ -56,7 +57,7 @@ void ExpectSorted(const Key* keys, const std::int64_t* companion, std::size_t n)
     for (std::size_t i = 0; i < n; ++i) {
         const auto from = static_cast<std::size_t>(companion[i]);
         Expect(from < n && keys[i] == gBefore[from], "a companion stays beside its key");
-        Expect(i == 0 || !IsPlainlyLess(keys[i], keys[i - 1]), "keys ascend");
+        Expect(i == 0 || !IsLess(keys[i], keys[i - 1]), "keys ascend");
         Note(from);
         isThere[from] = true;
     }
@@ -70,7 +71,7 @@ void OneStep(Choices& in, std::size_t n, Key* keys, std::int64_t* companion) {
     const auto low = static_cast<std::int32_t>(1 + in.Below(n));
     const auto high = static_cast<std::int32_t>(1 + in.Below(n));
     const std::int32_t place = Partition(low, high, keys, companion);
-    ExpectSame(place, test::LiteralPartition(low, high, gBefore.data(), plain.data()), "Partition");
+    ExpectSame(place, reference::Partition(low, high, gBefore.data(), plain.data()), "Partition");
     Expect(std::equal(keys, keys + n, gBefore.begin()), "the keys of a partition");
     Expect(std::equal(companion, companion + n, plain.begin()), "the companions of a partition");
 }

@@ -2,7 +2,7 @@
 // in place, buffers that end or start beside memory that cannot be touched.
 #include "Targets.hpp"
 
-#include "literal/LiteralText.hpp"
+#include "reference/FixedWidthText.hpp"
 
 #include <corvale/text/FixedWidthText.hpp>
 
@@ -10,7 +10,8 @@ namespace corvale::fuzz {
 namespace text {
 
 using namespace StrFunctions;
-using namespace test;
+using reference::Cased;
+using reference::Fit;
 using namespace std::literals;
 
 constexpr std::string_view kPieces[] = {"aA", " ", "    ", "=",  " = ", "\\", "\\\\", "/",  "\0"sv,
@@ -19,14 +20,15 @@ constexpr std::string_view kPieces[] = {"aA", " ", "    ", "=",  " = ", "\\", "\
 using OneText = void (*)(std::string_view, std::span<char>) noexcept;
 struct Operation {
     OneText run;
-    std::string (*literal)(const std::string&);
+    std::string (*plain)(const std::string&);
 };
 const Operation kOperations[] = {
     {ToLowerCase, [](const std::string& text) { return Cased(text, 'A', 32); }},
     {ToUpperCase, [](const std::string& text) { return Cased(text, 'a', -32); }},
-    {GetInputStr, [](const std::string& text) { return Cased(LiteralValue(text), 'a', -32); }},
-    {GetInputFileName, LiteralValue},
-    {RemSpaceSlashChars, LiteralDigits}};
+    {GetInputStr,
+     [](const std::string& text) { return Cased(reference::GetInputFileName(text), 'a', -32); }},
+    {GetInputFileName, reference::GetInputFileName},
+    {RemSpaceSlashChars, reference::RemSpaceSlashChars}};
 
 thread_local Room<1024> gTextRoom, gPatternRoom, gReplacementRoom, gResultRoom;
 
@@ -68,7 +70,8 @@ void Replace(Choices& in, const std::string& text, const std::string& rest) {
     const std::string pattern = rest.substr(0, in.Below(6));
     const std::string replacement = rest.substr(pattern.size(), in.Below(12));
     const bool isInPlace = in.Flip() && replacement.size() <= pattern.size();
-    const std::string wanted = Fit(LiteralReplace(text, pattern, replacement), text.size());
+    const std::string wanted =
+        Fit(reference::ReplaceString(text, pattern, replacement), text.size());
     const std::span<char> held = gTextRoom.Hold(text);
     const std::span<char> result = isInPlace ? held : gResultRoom.Text(in.Below(100));
     ReplaceString({held.data(), held.size()}, gPatternRoom.HoldView(pattern),
@@ -80,7 +83,7 @@ void OneOf(Choices& in, const Operation& operation, const std::string& text) {
     const std::span<char> held = gTextRoom.Hold(text);
     const std::span<char> result = in.Flip() ? held : gResultRoom.Text(in.Below(100));
     operation.run({held.data(), held.size()}, result);
-    ExpectSame({result.data(), result.size()}, Fit(operation.literal(text), result.size()),
+    ExpectSame({result.data(), result.size()}, Fit(operation.plain(text), result.size()),
                "an operation on one text");
 }
 

@@ -22,7 +22,7 @@ sources() {
 
 check_format() {
     echo "== format"
-    (cd "$top" && sources corvale tools examples tests bench fuzz bindings |
+    (cd "$top" && sources corvale tools examples tests reference bench fuzz bindings |
         xargs clang-format --dry-run -Werror)
 }
 

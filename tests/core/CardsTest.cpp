@@ -4,9 +4,9 @@
 #include <corvale/core/FileIO.hpp>
 #include <corvale/platform/TextUnits.hpp>
 
-#include <Bits.hpp>
-#include <TestFiles.hpp>
-#include <literal/LiteralCards.hpp>
+#include "reference/CorvaleCardReading.hpp"
+#include "tests/support/Bits.hpp"
+#include "tests/support/TestFiles.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -28,7 +28,7 @@ using namespace std::literals;
 constexpr double kOld = -77.5;  // what an element holds that no card has given a value
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-using Modes = test::CardModes;
+using Modes = reference::CardModes;
 Modes CurrentModes() {
     return {ElsetKeyModeGet(), AllKeyModeGet(), UseAllKeyMode()};
 }
@@ -186,9 +186,9 @@ TEST_F(Cards, ComeThroughAPipeInPiecesOfAnySize) {
         content += "QZ_MOIC " + std::to_string(times % 128) + "* " + std::string(c.numbers);
         content += std::string(static_cast<std::size_t>(times) % 600, ' ') + "\n";
     }
-    test::CardOutcome expected;
+    reference::CardOutcome expected;
     expected.moic.fill(kOld);
-    test::ReadLiterally(content, expected);
+    reference::ReadCards(content, expected);
     ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
     for (const std::size_t most : {40U, 5000U}) {
         std::thread writer([&] {

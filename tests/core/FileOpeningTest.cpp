@@ -3,7 +3,7 @@
 #include <corvale/core/FileIO.hpp>
 #include <corvale/platform/TextUnits.hpp>
 
-#include <TestFiles.hpp>
+#include "tests/support/TestFiles.hpp"
 
 #include <gtest/gtest.h>
 #include <algorithm>

@@ -5,8 +5,8 @@
 #include <corvale/core/FileIO.hpp>
 #include <corvale/platform/TextUnits.hpp>
 
-#include <GuardPage.hpp>
-#include <TestFiles.hpp>
+#include "tests/support/GuardPage.hpp"
+#include "tests/support/TestFiles.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

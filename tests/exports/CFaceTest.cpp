@@ -2,8 +2,8 @@
 #include <corvale/core/CorvaleCardReading.hpp>
 #include <corvale/numeric/SoftwareInfo.hpp>
 
-#include "GuardPage.hpp"
-#include "TestFiles.hpp"
+#include "tests/support/GuardPage.hpp"
+#include "tests/support/TestFiles.hpp"
 
 #include <gtest/gtest.h>
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include <corvale/Corvale.h>
 
-#include "GuardPage.hpp"
-#include "TestFiles.hpp"
+#include "tests/support/GuardPage.hpp"
+#include "tests/support/TestFiles.hpp"
 
 #include <gtest/gtest.h>
 #include <bit>

@@ -2,7 +2,7 @@
 // come of it.
 #pragma once
 
-#include <TestFiles.hpp>
+#include "tests/support/TestFiles.hpp"
 
 #include <functional>
 #include <string>

@@ -1,6 +1,6 @@
 #include <corvale/numeric/Angles.hpp>
 
-#include "Bits.hpp"
+#include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
 #include <cmath>

@@ -2,9 +2,10 @@
 // results, bad shapes, missing memory, floating-point traps.
 #include <corvale/numeric/GenFunctions.hpp>
 
-#include "Bits.hpp"
-#include "literal/LiteralMatrices.hpp"
-#include "literal/MatrixKinds.hpp"
+#include "reference/Cholesky.hpp"
+#include "reference/MatrixInversion.hpp"
+#include "reference/inputs/MatrixKinds.hpp"
+#include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -36,8 +37,8 @@ void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept 
 namespace corvale::GenFunctions {
 namespace {
 
+using reference::Matrix;
 using test::Bits;
-using test::Matrix;
 
 void ExpectSameBits(const Matrix& got, const Matrix& wanted, const std::string& why) {
     ASSERT_EQ(got.size(), wanted.size());
@@ -69,7 +70,7 @@ TEST(Packed, GoesRowByRow) {
     Matrix packed{1, 2, 3, 4, 5, 6, 99, 98}, square(9, -1.0), again(8, 0.0);
     Lta2SqrMtx(VectorView<const double>(packed.data(), 8), MatrixView<double>(square.data(), 3, 3));
     EXPECT_EQ(square, (Matrix{1, 2, 4, 2, 3, 5, 4, 5, 6})) << "incomplete rows are ignored";
-    square[3] = square[6] = square[7] = test::kNaN;
+    square[3] = square[6] = square[7] = reference::kNaN;
     SqrMtx2Lta(MatrixView<const double>(square.data(), 3, 3), VectorView<double>(again.data(), 8));
     EXPECT_EQ(again, (Matrix{1, 2, 3, 4, 5, 6, 0, 0})) << "nothing above the diagonal is read";
 }
@@ -129,13 +130,18 @@ TEST(Inversion, KnownSmallMatrices) {
         {2, 2, {1, 2, 2, 4}, {0.5, 0.5, 0, -2}, {0, 0, 0, 0}, "singular: as far as reduced"},
         {2, 2, {2, -2, 1, -1}, {0.5, -1, -0.5, 0}, {0, 0, 0, 0}, "a tie goes to the first row"},
         {2, 2, {0, -0.0, 1, 2}, {0, -0.0, 1, 2}, {0, 0, 0, 0}, "zeros of either sign are no pivot"},
-        {1, 1, {0x1p-1074}, {test::kInfinity}, {test::kInfinity}, "a subnormal pivot"},
-        {1, 1, {test::kNaN}, {test::kNaN}, {test::kNaN}, "a NaN: not chosen, but taken"},
+        {1, 1, {0x1p-1074}, {reference::kInfinity}, {reference::kInfinity}, "a subnormal pivot"},
+        {1,
+         1,
+         {reference::kNaN},
+         {reference::kNaN},
+         {reference::kNaN},
+         "a NaN: not chosen, but taken"},
         {2,
          2,
-         {test::kNaN, 2, 1, 0},
-         {test::kNaN, 0.5, test::kNaN, 0},
-         Matrix(4, test::kNaN),
+         {reference::kNaN, 2, 1, 0},
+         {reference::kNaN, 0.5, reference::kNaN, 0},
+         Matrix(4, reference::kNaN),
          "the row without NaN comes first, then only a NaN is left"},
         {2, 3, {1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}, {0, 0, 0, 0, 0, 0}, "not square"},
     };
@@ -177,7 +183,7 @@ TEST(Cholesky, KnownSmallSystems) {
     EXPECT_EQ(inverse[3], -1.0 / 3) << "1/D(2)";
     Cholesky(indefinite.data(), ones.data(), 2, inverse.data(), x.data());
     inverse.insert(inverse.end(), x.begin(), x.end());
-    ExpectSameBits(inverse, Matrix(6, test::kNaN), "not positive definite");
+    ExpectSameBits(inverse, Matrix(6, reference::kNaN), "not positive definite");
 }
 
 // U is finite and its inverse is not, or that is and its product with 1/D is not.
@@ -200,8 +206,8 @@ TEST(Cholesky, TakesInZerosWhereTheyMeetInfinities) {
             const auto order = static_cast<std::int32_t>(n);
             for (const bool hasRoots : {false, true}) {
                 kSolvers[hasRoots ? 0 : 1](a.data(), a.data(), order, got.data(), x.data());
-                (hasRoots ? literal::Cholesky : literal::Cholesky2)(a.data(), a.data(), order,
-                                                                    wanted.data(), wantedX.data());
+                (hasRoots ? reference::Cholesky : reference::Cholesky2)(
+                    a.data(), a.data(), order, wanted.data(), wantedX.data());
                 ExpectSameBits(got, wanted, "inverse");
                 ExpectSameBits(x, wantedX, "solution");
             }
@@ -218,13 +224,13 @@ TEST(Cholesky, TouchesNothingBelowOrderOne) {
 // Beyond 256 and 512 columns another block begins.
 TEST(Matrices, AgreeWithPlainLoopsAtLargeOrders) {
     for (const std::int32_t n : {270, test::Times(520)}) {
-        const Matrix a = test::RandomMatrix(n, n, n), spd = test::PositiveDefinite(n);
+        const Matrix a = reference::RandomMatrix(n, n, n), spd = reference::PositiveDefinite(n);
         Matrix got(a.size()), wanted(a.size()), x(520), wantedX(520);
         MtxInv({a.data(), n, n}, {got.data(), n, n});
-        literal::MtxInv(a.data(), n, wanted.data());
+        reference::MtxInv(a.data(), n, wanted.data());
         ExpectSameBits(got, wanted, "MtxInv");
         Cholesky(spd.data(), a.data(), n, got.data(), x.data());
-        literal::Cholesky(spd.data(), a.data(), n, wanted.data(), wantedX.data());
+        reference::Cholesky(spd.data(), a.data(), n, wanted.data(), wantedX.data());
         ExpectSameBits(got, wanted, "Cholesky, inverse");
         ExpectSameBits(x, wantedX, "Cholesky, solution");
     }
@@ -232,20 +238,20 @@ TEST(Matrices, AgreeWithPlainLoopsAtLargeOrders) {
 
 TEST(Matrices, AreNaNWithoutMemory) {
     const std::int32_t n = 20;
-    const Matrix a = test::PositiveDefinite(n), nan(a.size(), test::kNaN);
+    const Matrix a = reference::PositiveDefinite(n), nan(a.size(), reference::kNaN);
     Matrix result(a.size()), x(20);
     gNoMemory = true;
     for (const Solver solve : kSolvers) {
         solve(a.data(), a.data(), n, result.data(), x.data());
         ExpectSameBits(result, nan, "inverse");
-        ExpectSameBits(x, Matrix(20, test::kNaN), "solution");
+        ExpectSameBits(x, Matrix(20, reference::kNaN), "solution");
     }
     for (const auto invert : {&MtxInv, &MInv}) {
         result.assign(result.size(), 0.0);
         invert(MatrixView<const double>(a.data(), n, n), MatrixView<double>(result.data(), n, n));
         ExpectSameBits(result, nan, "inverse of a general matrix");
     }
-    Cholesky(test::PositiveDefinite(16).data(), a.data(), 16, result.data(), x.data());
+    Cholesky(reference::PositiveDefinite(16).data(), a.data(), 16, result.data(), x.data());
     EXPECT_FALSE(std::isnan(x[0])) << "no memory is needed up to order 16";
     gNoMemory = false;
 }
@@ -253,7 +259,7 @@ TEST(Matrices, AreNaNWithoutMemory) {
 #if defined(__GLIBC__) && defined(__x86_64__)
 TEST(Matrices, RaiseNoTrapOnGoodInput) {
     for (std::int32_t n = 1; n <= 70; ++n) {
-        const Matrix a = test::PositiveDefinite(n), b = test::RandomMatrix(n, 1, n);
+        const Matrix a = reference::PositiveDefinite(n), b = reference::RandomMatrix(n, 1, n);
         Matrix result(a.size()), x(b.size());
         std::feclearexcept(FE_ALL_EXCEPT);
         feenableexcept(FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW);

@@ -1,6 +1,6 @@
 #include <corvale/numeric/SmallHelpers.hpp>
 
-#include "Bits.hpp"
+#include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
 #include <climits>

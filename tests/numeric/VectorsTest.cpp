@@ -1,6 +1,6 @@
 #include <corvale/numeric/Vectors.hpp>
 
-#include "Bits.hpp"
+#include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
 #include <cmath>

@@ -2,9 +2,9 @@
 
 #include <corvale/numeric/MatrixInversion.hpp>
 
-#include "Bits.hpp"
-#include "literal/LiteralMatrices.hpp"
-#include "literal/MatrixKinds.hpp"
+#include "reference/MatrixInversion.hpp"
+#include "reference/inputs/MatrixKinds.hpp"
+#include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -49,24 +49,24 @@ TEST(Views, HaveNoNegativeExtent) {
 }
 
 TEST(Views, OverlapOfResultAndInputChangesNothing) {
-    using Literal = void (*)(const double*, std::int32_t, double*);
+    using Plain = void (*)(const double*, std::int32_t, double*);
     struct Case {
         void (*invert)(MatrixView<const double>, MatrixView<double>) noexcept;
-        Literal literal;
+        Plain plain;
     };
-    for (const auto& [invert, literal] :
-         {Case{&MtxInv, &literal::MtxInv}, Case{&MInv, &literal::MInv}})
+    for (const auto& [invert, plain] :
+         {Case{&MtxInv, &reference::MtxInv}, Case{&MInv, &reference::MInv}})
         for (const std::int32_t n : {3, 11, 15, 20, 45}) {
-            const test::Matrix a = test::PositiveDefinite(n);
-            test::Matrix memory(2 * a.size()), wanted(a.size());
-            literal(a.data(), n, wanted.data());
+            const reference::Matrix a = reference::PositiveDefinite(n);
+            reference::Matrix memory(2 * a.size()), wanted(a.size());
+            plain(a.data(), n, wanted.data());
             std::copy(a.begin(), a.end(), memory.begin());
             const MatrixView<double> shifted(memory.data() + n, n, n, n, 1);
             invert(MatrixView<double>(memory.data(), n, n), shifted);
             for (std::int32_t j = 1; j <= n; ++j)
                 for (std::int32_t i = 1; i <= n; ++i)
                     ASSERT_EQ(test::Bits(shifted(i, j)),
-                              test::Bits(test::Element(wanted, n, i - 1, j - 1)))
+                              test::Bits(reference::Element(wanted, n, i - 1, j - 1)))
                         << n << " " << i << " " << j;
         }
 }

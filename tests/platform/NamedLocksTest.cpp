@@ -1,6 +1,6 @@
 #include <corvale/platform/NamedLocks.hpp>
 
-#include <TestFiles.hpp>
+#include "tests/support/TestFiles.hpp"
 
 #include <gtest/gtest.h>
 #include <set>

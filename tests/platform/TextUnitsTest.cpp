@@ -2,7 +2,7 @@
 
 #include <corvale/core/FileIO.hpp>
 
-#include <TestFiles.hpp>
+#include "tests/support/TestFiles.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 // bit. Then Fx0ToSignAx writes it into a field and "%+.8f" says what has to stand there. glibc's
 // strtod and printf are exact: they work on all digits of the binary value and round once, halfway
 // to even. The checksum covers every bit that the library gave.
-#include "Bits.hpp"
+#include "tests/support/Bits.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 

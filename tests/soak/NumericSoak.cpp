@@ -3,7 +3,8 @@
 // so many-th angle is taken, and every 13th code.
 #include <corvale/numeric/GenFunctions.hpp>
 
-#include "literal/LiteralNumeric.hpp"
+#include "reference/Angles.hpp"
+#include "reference/SatelliteNumbers.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -15,7 +16,7 @@
 namespace {
 
 namespace gen = corvale::GenFunctions;
-namespace literal = corvale::literal;
+namespace reference = corvale::reference;
 
 template <std::size_t Width>
 std::string Text(const std::array<char, Width>& text) {
@@ -32,7 +33,7 @@ void Expect(bool isSame, const std::string& what) {
 void SoakNumbers() {
     for (std::int32_t n = -1000; n < 1'000'000; ++n) {
         const std::string code = Text(gen::NumToAlpha5(n));
-        Expect(code == literal::NumToAlpha5(n), "NumToAlpha5 of " + std::to_string(n));
+        Expect(code == reference::NumToAlpha5(n), "NumToAlpha5 of " + std::to_string(n));
         if (n >= 0 && n < 340'000) Expect(gen::Alpha5ToNum(code) == n, "Alpha5ToNum of " + code);
     }
 }
@@ -45,7 +46,7 @@ void SoakCodes(int stride) {
         std::string code;
         for (int rest = number, i = 0; i < 5; ++i, rest /= 20)
             code += kAlphabet[static_cast<std::size_t>(rest % 20)];
-        Expect(gen::Alpha5ToNum(code) == literal::Alpha5ToNum(code), "Alpha5ToNum of " + code);
+        Expect(gen::Alpha5ToNum(code) == reference::Alpha5ToNum(code), "Alpha5ToNum of " + code);
     }
 }
 
@@ -53,9 +54,9 @@ void SoakAngles(int stride) {
     constexpr int kTenths = 360 * 36000;
     for (int tenth = -kTenths; tenth <= kTenths; tenth += stride) {
         const double deg = tenth / 36000.0;
-        Expect(Text(gen::DegToDDMMSSSSS_Str(deg)) == literal::DegreeText(deg),
+        Expect(Text(gen::DegToDDMMSSSSS_Str(deg)) == reference::DegreeText(deg),
                "DegToDDMMSSSSS_Str of " + std::to_string(deg));
-        Expect(Text(gen::DegToHHMMSSS_Str(deg)) == literal::HourText(deg),
+        Expect(Text(gen::DegToHHMMSSS_Str(deg)) == reference::HourText(deg),
                "DegToHHMMSSS_Str of " + std::to_string(deg));
     }
 }

@@ -1,8 +1,8 @@
 // 16 threads at once on all that threads may share, as many rounds as the argument says (16 without
 // one). Ends where anything is not as it should be. In every round each thread does each of the things in kWorks, beginning with another.
-#include "RandomInput.hpp"
-#include "Targets.hpp"
-#include "TestFiles.hpp"
+#include "fuzz/RandomInput.hpp"
+#include "fuzz/Targets.hpp"
+#include "tests/support/TestFiles.hpp"
 
 #include <corvale/Corvale.h>
 #include <corvale/core/FileIO.hpp>

@@ -1,6 +1,7 @@
 #include <corvale/sorting/Sorting.hpp>
 
 #include "SortsRight.hpp"
+#include "reference/inputs/KeyPatterns.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -10,8 +11,8 @@
 namespace corvale::Sorting {
 namespace {
 
-using test::Padded;
-using test::Pattern;
+using reference::Padded;
+using reference::Pattern;
 
 // Around the lengths at which the method changes.
 constexpr std::size_t kSizes[] = {1,   2,   3,   5,   8,   9,    10,   16,   17,   64,   100,
@@ -19,18 +20,18 @@ constexpr std::size_t kSizes[] = {1,   2,   3,   5,   8,   9,    10,   16,   17,
 
 TEST(QuickSortIterative, SortsEveryPatternAndSize) {
     std::mt19937_64 random(1);
-    for (int pattern = 0; pattern < test::kPatterns; ++pattern)
+    for (int pattern = 0; pattern < reference::kPatterns; ++pattern)
         for (const std::size_t n : kSizes)
             for (std::size_t round = 0; round < 500 / n + 1; ++round)
                 EXPECT_TRUE(
-                    test::SortsRight(test::MakeKeys(static_cast<Pattern>(pattern), n, random)))
-                    << test::kPatternNames[pattern] << ", n = " << n;
+                    test::SortsRight(reference::MakeKeys(static_cast<Pattern>(pattern), n, random)))
+                    << reference::kPatternNames[pattern] << ", n = " << n;
 }
 
 TEST(QuickSortIterative, MergesAListBehindAGreaterOne) {
     std::mt19937_64 random(1);
     for (const std::size_t n : kSizes) {
-        std::vector<Key> keys = test::MakeKeys(Pattern::Sorted, n, random);
+        std::vector<Key> keys = reference::MakeKeys(Pattern::Sorted, n, random);
         std::rotate(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(n / 3), keys.end());
         EXPECT_TRUE(test::SortsRight(keys)) << n;
     }

@@ -1,6 +1,6 @@
-#include "Bits.hpp"
-#include "GuardPage.hpp"
-#include "NumberEnvironment.hpp"
+#include "tests/support/Bits.hpp"
+#include "tests/support/GuardPage.hpp"
+#include "tests/support/NumberEnvironment.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 

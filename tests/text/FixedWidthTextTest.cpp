@@ -1,6 +1,6 @@
 #include <corvale/text/StrFunctions.hpp>
 
-#include "GuardPage.hpp"
+#include "tests/support/GuardPage.hpp"
 
 #include <gtest/gtest.h>
 #include <climits>

@@ -1,4 +1,4 @@
-#include "tools/ProgramRuns.hpp"
+#include "ProgramRuns.hpp"
 
 #include <algorithm>
 #include <string>

@@ -1,7 +1,7 @@
 // Test help: the program corvale, run as its users run it.
 #pragma once
 
-#include "TestFiles.hpp"
+#include "tests/support/TestFiles.hpp"
 
 #include <fcntl.h>
 #include <pty.h>

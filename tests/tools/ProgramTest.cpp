@@ -1,7 +1,7 @@
 #include <corvale/Corvale.h>
 
-#include "Bits.hpp"
-#include "tools/ProgramRuns.hpp"
+#include "ProgramRuns.hpp"
+#include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
 #include <array>

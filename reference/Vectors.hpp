@@ -1,5 +1,4 @@
-// Test help: the formulas of angles, vectors and functions of a real, written out as they are
-// described, through the C library.
+// The formulas of the vectors through the C library. For round-to-nearest.
 #pragma once
 
 #include <array>
@@ -7,49 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace corvale::literal {
+namespace corvale::reference {
 
 using Vector = std::array<double, 3>;
 
-inline constexpr double kTwoPi = 6.283185307179586, kPi = 3.141592653589793;
-
-inline double FMod2P(double x) {
-    const double r = std::fabs(x) >= kTwoPi ? std::fmod(x, kTwoPi) : x;
-    return r < 0.0 ? r + kTwoPi : r;
-}
-
-inline double AcTan(double s, double c) {
-    const double a = std::atan2(s, c);
-    return a < 0.0 ? a + kTwoPi : a;
-}
-
-inline double AcSin(double x) {
-    if (std::isnan(x)) return x;
-    if (std::fabs(x) < 1.0) return std::atan(x / std::sqrt(1.0 - x * x));
-    return std::copysign(1.5707963267948966, x);
-}
-
-inline double DeltaAngleLT180(double a, double b) {
-    const double d = std::fmod(a, 360.0) - std::fmod(b, 360.0);
-    if (std::fabs(d) <= 180.0) return d;
-    return std::copysign(std::fabs(360.0 - std::fabs(d)), -d);
-}
-
-inline double CubRt(double x) {
-    return std::copysign(std::pow(std::fabs(x), 0.3333333333333333), x);
-}
-
-inline double SerExp(double x) {
-    if (std::fabs(x) > 0.75) return 1.0 / x;
-    if (std::fabs(x) > 0.01) return (1.0 - std::exp(-100.0 * (x * x))) / x;
-    double term = 100.0 * x, sum = term;
-    for (int k = 2; k <= 21; ++k) {
-        term = -term * (100.0 * (x * x)) / k;
-        sum = sum + term;
-        if (term < 1e-10 * x || term < 1e-24) break;
-    }
-    return sum;
-}
+inline constexpr double kPi = 3.141592653589793;
 
 inline double Mag(const Vector& v) {
     return std::sqrt(0.0 + v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
@@ -88,4 +49,4 @@ inline Vector RodriguesRot(const Vector& v, double angle, const Vector& k) {
     return turned;
 }
 
-}  // namespace corvale::literal
+}  // namespace corvale::reference

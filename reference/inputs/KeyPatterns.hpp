@@ -1,47 +1,22 @@
-// Keys in the orders that sorts stumble over, for tests, soak runs and benchmarks.
+// Keys in the orders that sorts stumble over: inputs of tests, fuzz targets and benchmarks.
 #pragma once
 
-#include <corvale/sorting/Sorting.hpp>
+#include "reference/Sorting.hpp"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
-namespace corvale::test {
-
-using Sorting::Key;
+namespace corvale::reference {
 
 inline Key Padded(const std::string& text) {
     Key key;
     key.fill(' ');
     std::copy_n(text.begin(), std::min(text.size(), key.size()), key.begin());
     return key;
-}
-
-inline bool IsPlainlyLess(const Key& a, const Key& b) {
-    return std::lexicographical_compare(
-        a.begin(), a.end(), b.begin(), b.end(), [](char left, char right) {
-            return static_cast<unsigned char>(left) < static_cast<unsigned char>(right);
-        });
-}
-
-/// One step of the quicksort, exchange by exchange.
-inline std::int32_t LiteralPartition(std::int32_t low, std::int32_t high, Key* keys,
-                                     std::int64_t* companion) {
-    const auto swap = [&](std::int32_t i, std::int32_t j) {
-        std::swap(keys[i - 1], keys[j - 1]);
-        std::swap(companion[i - 1], companion[j - 1]);
-    };
-    const Key pivot = keys[high - 1];
-    std::int32_t i = low - 1;
-    for (std::int32_t j = low; j < high; ++j)
-        if (IsPlainlyLess(keys[j - 1], pivot)) swap(++i, j);
-    swap(low >= high ? low : i + 1, high);
-    return low >= high ? low : i + 1;
 }
 
 enum class Pattern {
@@ -52,7 +27,7 @@ enum class Pattern {
     OrganPipe,     // every other key up, the rest down
     Few,           // 16 keys
     Prefix,        // long common beginnings and middles
-    TwoLists,      // two sorted lists, one behind the other
+    TwoLists,      // two sorted lists, one after the other
     NearlySorted,  // sorted, one in a hundred exchanged
     Bytes,         // all 32 bytes of any value
     LastByte,      // only the last byte differs
@@ -101,7 +76,7 @@ inline Key RandomKey(Pattern pattern, std::mt19937_64& random) {
 inline std::vector<Key> MakeKeys(Pattern pattern, std::size_t n, std::mt19937_64& random) {
     std::vector<Key> keys(n);
     for (Key& key : keys) key = RandomKey(pattern, random);
-    const auto sort = [&](auto begin, auto end) { std::sort(begin, end, IsPlainlyLess); };
+    const auto sort = [&](auto begin, auto end) { std::sort(begin, end, IsLess); };
     const auto middle = keys.begin() + static_cast<std::ptrdiff_t>(n / 2);
     if (pattern == Pattern::Sorted || pattern == Pattern::Reversed ||
         pattern == Pattern::NearlySorted)
@@ -117,4 +92,4 @@ inline std::vector<Key> MakeKeys(Pattern pattern, std::size_t n, std::mt19937_64
     return keys;
 }
 
-}  // namespace corvale::test
+}  // namespace corvale::reference

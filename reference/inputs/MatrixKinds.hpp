@@ -1,4 +1,5 @@
-// Test help: matrices of every kind that has its own way of going wrong, by columns.
+// Matrices of every kind that fails in a way of its own, column by column: inputs of tests, fuzz
+// targets and benchmarks.
 #pragma once
 
 #include <cmath>
@@ -8,7 +9,7 @@
 #include <random>
 #include <vector>
 
-namespace corvale::test {
+namespace corvale::reference {
 
 using Matrix = std::vector<double>;
 
@@ -47,7 +48,7 @@ inline Matrix Random(std::int32_t n) {
     return RandomMatrix(n, n, 1000 + n);
 }
 
-/// Small whole numbers: many equal magnitudes, many exact zeros on the way.
+/// Small whole numbers: many equal magnitudes, many exact zeros during elimination.
 inline Matrix Ties(std::int32_t n) {
     Matrix a = Random(n);
     for (double& value : a) value = std::nearbyint(3.0 * value);
@@ -79,7 +80,7 @@ inline Matrix Scaled(Matrix a, double factor) {
     return a;
 }
 
-/// Rows of very different size, so that sums overflow on the way.
+/// Rows of very different size, so that intermediate sums overflow.
 inline Matrix Uneven(std::int32_t n) {
     Matrix a = PositiveDefinite(n);
     for (std::int32_t j = 0; j < n; ++j)
@@ -115,4 +116,4 @@ inline constexpr MatrixKind kMatrixKinds[] = {
     {"zeros", [](std::int32_t n) { return Scaled(Random(n), 0.0); }},
 };
 
-}  // namespace corvale::test
+}  // namespace corvale::reference

@@ -1,5 +1,5 @@
-// Test help: the cards of an input file read by the simplest reader: one line after the other, all
-// of each. Call in the "C" locale and in round-to-nearest.
+// The simplest reader of the cards of an input file: every line in order, every item of a card. For
+// the "C" locale and round-to-nearest.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvale::test {
+namespace corvale::reference {
 
 struct CardModes {
     std::int32_t elset, all, useAll;
@@ -21,7 +21,7 @@ struct CardOutcome {
     std::array<double, 128> moic;
 };
 
-inline double ValueOf(const std::string& number) {
+inline double CardValue(const std::string& number) {
     const std::size_t exponent = std::min(number.find_first_of("EeDdQq+-", 1), number.size());
     const bool hasLetter = exponent < number.size() && number[exponent] > '9';
     const std::string rest = number.substr(exponent + (hasLetter ? 1 : 0));
@@ -64,13 +64,13 @@ inline void ReadNumbers(const std::string& record, std::array<double, 128>& moic
         }
         if (count < 1 || (!item.empty() && !IsReal(item))) return;
         for (; count > 0 && element < 128; --count, ++element)
-            if (!item.empty()) moic[element] = ValueOf(item);
+            if (!item.empty()) moic[element] = CardValue(item);
         at = skip(end);
         if (at < record.size() && record[at] == ',') at = skip(at + 1);
     }
 }
 
-inline void ReadLiterally(std::string_view content, CardOutcome& outcome) {
+inline void ReadCards(std::string_view content, CardOutcome& outcome) {
     while (!content.empty()) {
         const std::size_t end = content.find('\n');
         std::string line(content.substr(0, end));
@@ -90,4 +90,4 @@ inline void ReadLiterally(std::string_view content, CardOutcome& outcome) {
     }
 }
 
-}  // namespace corvale::test
+}  // namespace corvale::reference

@@ -1,7 +1,7 @@
 // Test help: a folder of the test's own, whole files, work in a child process.
 #pragma once
 
-#include "Bits.hpp"
+#include "tests/support/Bits.hpp"
 
 #include <corvale/core/FileIO.hpp>
 

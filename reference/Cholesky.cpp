@@ -1,29 +1,13 @@
-#include "LiteralMatrices.hpp"
+#include "reference/Cholesky.hpp"
 
-#include <algorithm>
+#include "reference/Square.hpp"
+
 #include <cmath>
 #include <cstddef>
 #include <vector>
 
-namespace corvale::literal {
+namespace corvale::reference {
 namespace {
-
-/// An n-by-n matrix by columns, counted from 1.
-struct Square {
-    explicit Square(std::int32_t n) : order(n), own(Count(), 0.0), elements(own.data()) {}
-    Square(double* data, std::int32_t n) : order(n), elements(data) {}
-    std::size_t Count() const {
-        return static_cast<std::size_t>(order) * static_cast<std::size_t>(order);
-    }
-    Square(const Square&) = delete;  // `elements` may point into `own`
-    Square& operator=(const Square&) = delete;
-    double& operator()(std::int32_t i, std::int32_t j) const {
-        return elements[std::ptrdiff_t{j - 1} * order + i - 1];
-    }
-    std::int32_t order;
-    std::vector<double> own;
-    double* elements;
-};
 
 using Column = std::vector<double>;  // element 0 is not used
 
@@ -71,19 +55,6 @@ Column SolveTransposed(const Square& u, const double* b) {
     return y;
 }
 
-/// One Gauss-Jordan step with the pivot in row p and column k.
-void Eliminate(const Square& r, std::int32_t p, std::int32_t k) {
-    const double q = 1.0 / r(p, k);
-    r(p, k) = 1.0;
-    for (std::int32_t i = 1; i <= r.order; ++i) r(i, k) = r(i, k) * q;
-    for (std::int32_t j = 1; j <= r.order; ++j) {
-        if (j == k) continue;
-        const double t = r(p, j);
-        r(p, j) = 0.0;
-        for (std::int32_t i = 1; i <= r.order; ++i) r(i, j) = r(i, j) - r(i, k) * t;
-    }
-}
-
 }  // namespace
 
 void Cholesky(const double* a, const double* b, std::int32_t n, double* inverse, double* x) {
@@ -127,45 +98,4 @@ void Cholesky2(const double* a, const double* b, std::int32_t n, double* inverse
     inverse[z.Count() - 1] = 1.0 / v(n, n);
 }
 
-void MtxInv(const double* a, std::int32_t n, double* result) {
-    const Square r(result, n), reduced(n);
-    std::copy(a, a + r.Count(), result);
-    std::vector<std::int32_t> record(static_cast<std::size_t>(n) + 1, 0);
-    for (std::int32_t k = 1; k <= n; ++k) {
-        std::int32_t p = 0;
-        double largest = 0.0;
-        for (std::int32_t i = 1; i <= n; ++i)
-            if (record[static_cast<std::size_t>(i)] == 0 && std::fabs(r(i, k)) > largest)
-                p = i, largest = std::fabs(r(i, k));
-        if (p == 0) return;
-        record[static_cast<std::size_t>(p)] = k;
-        Eliminate(r, p, k);
-    }
-    std::copy(result, result + r.Count(), reduced.elements);
-    for (std::int32_t j = 1; j <= n; ++j)
-        for (std::int32_t i = 1; i <= n; ++i)
-            r(record[static_cast<std::size_t>(i)], j) =
-                reduced(i, record[static_cast<std::size_t>(j)]);
-}
-
-void MInv(const double* a, std::int32_t n, double* result) {
-    const Square r(result, n);
-    std::copy(a, a + r.Count(), result);
-    for (std::int32_t k = 1; k <= n; ++k) {
-        if (r(k, k) == 0.0) return std::fill(result, result + r.Count(), 0.0);
-        Eliminate(r, k, k);
-    }
-}
-
-void SqrMtx2Lta(const double* square, std::int32_t n, double* packed) {
-    for (std::int32_t i = 0; i < n; ++i)
-        for (std::int32_t j = 0; j <= i; ++j) *packed++ = square[std::ptrdiff_t{j} * n + i];
-}
-
-void Lta2SqrMtx(const double* packed, std::int32_t n, double* square) {
-    for (std::int32_t i = 0; i < n; ++i)
-        for (std::int32_t j = 0; j <= i; ++j)
-            square[std::ptrdiff_t{j} * n + i] = square[std::ptrdiff_t{i} * n + j] = *packed++;
-}
-
-}  // namespace corvale::literal
+}  // namespace corvale::reference

@@ -1,74 +1,19 @@
-// Test help: the rules for numbers and rows one by one, slow and plain, one character at a time and
-// through the C library. Call in the "C" locale and in round-to-nearest.
+// Fixed notation through the C library, and the rules of the row compressor one by one. For the "C"
+// locale and round-to-nearest.
 #pragma once
 
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
-namespace corvale::test {
+namespace corvale::reference {
 
-// The field as digits, point and 'e' for strtod; nothing where it is no number.
-inline std::optional<std::string> NormalisedReal(std::string_view field) {
-    enum class In { Start, Mantissa, Exponent, ExponentDigits } state = In::Start;
-    std::string mantissa, exponent, sign;
-    bool hasPoint = false, hasDigit = false;
-    for (const char c : field.substr(0, 80)) {
-        const bool isSign = c == '+' || c == '-';
-        if (isSign && state == In::Start) {
-            sign = c;
-            state = In::Mantissa;
-        } else if (isSign && state != In::ExponentDigits) {
-            exponent += c;
-            state = In::ExponentDigits;
-        } else if (c >= '0' && c <= '9') {
-            hasDigit = hasDigit || state < In::Exponent;
-            (state < In::Exponent ? mantissa : exponent) += c;
-            state = state < In::Exponent ? In::Mantissa : In::ExponentDigits;
-        } else if (c == '.' && state < In::Exponent && !hasPoint) {
-            mantissa += c;
-            hasPoint = true;
-            state = In::Mantissa;
-        } else if (std::string_view("eEdD").find(c) != std::string_view::npos &&
-                   state < In::Exponent) {
-            state = In::Exponent;
-        } else {
-            return std::nullopt;
-        }
-    }
-    if (!hasDigit) return "0";
-    if (exponent.find_first_of("0123456789") == std::string::npos)
-        exponent += '0';  // a bare sign, or nothing
-    return sign + mantissa + "e" + exponent;
-}
-
-inline double LiteralStrToReal(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return 0.0;
-    text.remove_prefix(first);
-    const auto number = NormalisedReal(text.substr(0, text.find_first_not_of("+-.0123456789eEdD")));
-    return number ? std::strtod(number->c_str(), nullptr) : 0.0;
-}
-
-inline std::int32_t LiteralStrToInt(std::string_view text) {
-    constexpr std::string_view kCharacters = "+-0123456789";
-    const std::size_t first = text.find_first_of(kCharacters);
-    if (first == std::string_view::npos) return 0;
-    text.remove_prefix(first);
-    const std::string field(text.substr(0, text.find_first_not_of(kCharacters)).substr(0, 12));
-    if (field.find_first_of("+-", 1) != std::string::npos) return 0;
-    const long long value = std::strtoll(field.c_str(), nullptr, 10);
-    return value < INT32_MIN || value > INT32_MAX ? 0 : static_cast<std::int32_t>(value);
-}
-
-// Fixed notation as it is described for the two writers.
-inline std::string LiteralFixed(double value, int decimals, bool signAlways) {
+// The fixed notation of both writers: no zero before the point.
+inline std::string FixedNotation(double value, int decimals, bool signAlways) {
     if (std::isnan(value)) return "NaN";
     const std::string sign = std::signbit(value) ? "-" : signAlways ? "+" : "";
     if (std::isinf(value)) return sign + "Inf";
@@ -78,7 +23,7 @@ inline std::string LiteralFixed(double value, int decimals, bool signAlways) {
 }
 
 // The first `n` characters of what a field of `width` shows, in a text of `n`.
-inline std::string LiteralCut(std::string rendering, std::size_t width, std::size_t n) {
+inline std::string CutToWidth(std::string rendering, std::size_t width, std::size_t n) {
     if (rendering.size() > width) rendering.assign(width, '*');
     rendering.resize(width, ' ');
     rendering.resize(n, ' ');
@@ -86,14 +31,14 @@ inline std::string LiteralCut(std::string rendering, std::size_t width, std::siz
 }
 
 // The rules of the row compressor in their order; positions count from 1.
-class LiteralCompressor {
+class Compressor {
   public:
-    explicit LiteralCompressor(std::string_view line)
+    explicit Compressor(std::string_view line)
         : line_(line), last_(static_cast<int>(line.find_last_not_of(' ') + 1)) {
         out_.fill(' ');
     }
 
-    // Writes the outcome to a text as wide as the line, which may be the line itself.
+    // Writes the result to a text as wide as the line, which may be the line itself.
     void Run(std::span<char> result) {
         while (i_ <= last_ && j_ <= 512) Step();
         for (std::size_t k = 0; k < result.size(); ++k) result[k] = k < 512 ? out_[k + 1] : ' ';
@@ -178,4 +123,8 @@ class LiteralCompressor {
     bool flag_ = false;
 };
 
-}  // namespace corvale::test
+inline void CompressCsvLine(std::span<char> line) {
+    Compressor({line.data(), line.size()}).Run(line);
+}
+
+}  // namespace corvale::reference

@@ -1,4 +1,4 @@
-// Test help: text files, units and messages as strings in memory, step by step.
+// Text files, units, the log and messages as strings in memory.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvale::test {
+namespace corvale::reference {
 
 inline std::string Stored(std::string text) {
     text.resize(128, ' ');
@@ -17,7 +17,7 @@ inline std::string Stored(std::string text) {
 struct File {
     std::string content;
     int writers = 0;         // units that have it open to write
-    bool isUnclear = false;  // several units wrote it: what it holds depends on more than we follow
+    bool isUnclear = false;  // several units wrote it: its content depends on their buffers
     int version = 0;
 };
 
@@ -29,7 +29,7 @@ struct Unit {
 };
 
 // What files, units and messages must hold after the same steps.
-class LiteralUnits {
+class Units {
   public:
     [[nodiscard]] const Unit* Find(std::int32_t number) const {
         const auto found = units.find(number);
@@ -102,4 +102,4 @@ class LiteralUnits {
     std::map<std::int32_t, Unit> units;
 };
 
-}  // namespace corvale::test
+}  // namespace corvale::reference

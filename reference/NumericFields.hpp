@@ -1,49 +1,68 @@
-// Test help: the operations on texts and the readers of input lines, rule by rule, with strings that
-// grow. Numbers go through LiteralNumbers.hpp and what it asks for.
+// Numbers and words in fields and input lines, one character at a time and through the C library. For
+// the "C" locale and round-to-nearest.
 #pragma once
 
-#include "LiteralNumbers.hpp"
-
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
-namespace corvale::test {
+namespace corvale::reference {
 
-// A result that is cut or blank-filled.
-inline std::string Fit(std::string text, std::size_t width) {
-    text.resize(width, ' ');
-    return text;
+// The field as digits, point and 'e' for strtod; nothing where it is no number.
+inline std::optional<std::string> NormalisedReal(std::string_view field) {
+    enum class In { Start, Mantissa, Exponent, ExponentDigits } state = In::Start;
+    std::string mantissa, exponent, sign;
+    bool hasPoint = false, hasDigit = false;
+    for (const char c : field.substr(0, 80)) {
+        const bool isSign = c == '+' || c == '-';
+        if (isSign && state == In::Start) {
+            sign = c;
+            state = In::Mantissa;
+        } else if (isSign && state != In::ExponentDigits) {
+            exponent += c;
+            state = In::ExponentDigits;
+        } else if (c >= '0' && c <= '9') {
+            hasDigit = hasDigit || state < In::Exponent;
+            (state < In::Exponent ? mantissa : exponent) += c;
+            state = state < In::Exponent ? In::Mantissa : In::ExponentDigits;
+        } else if (c == '.' && state < In::Exponent && !hasPoint) {
+            mantissa += c;
+            hasPoint = true;
+            state = In::Mantissa;
+        } else if (std::string_view("eEdD").find(c) != std::string_view::npos &&
+                   state < In::Exponent) {
+            state = In::Exponent;
+        } else {
+            return std::nullopt;
+        }
+    }
+    if (!hasDigit) return "0";
+    if (exponent.find_first_of("0123456789") == std::string::npos)
+        exponent += '0';  // a bare sign, or nothing
+    return sign + mantissa + "e" + exponent;
 }
 
-inline std::string Cased(std::string text, char first, int distance) {
-    for (char& c : text)
-        if (c >= first && c <= first + 25) c = static_cast<char>(c + distance);
-    return text;
+inline double StrToReal(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos) return 0.0;
+    text.remove_prefix(first);
+    const auto number = NormalisedReal(text.substr(0, text.find_first_not_of("+-.0123456789eEdD")));
+    return number ? std::strtod(number->c_str(), nullptr) : 0.0;
 }
 
-inline std::string LiteralReplace(const std::string& text, const std::string& pattern,
-                                  const std::string& replacement) {
-    if (pattern.empty()) return "";
-    std::string result;
-    std::size_t from = 0;
-    for (std::size_t at; (at = text.find(pattern, from)) != std::string::npos;
-         from = at + pattern.size())
-        result += text.substr(from, at - from) + replacement;
-    return result + text.substr(from);
-}
-
-inline std::string LiteralValue(const std::string& line) {
-    const std::string value = line.substr(line.find('=') + 1);  // the whole line without one
-    return value.substr(std::min(value.find_first_not_of(' '), value.size()));
-}
-
-inline std::string LiteralDigits(const std::string& text) {
-    std::string kept;
-    for (const char c : text)
-        if (c == '.' || (c >= '0' && c <= '9')) kept += c;
-    return kept;
+inline std::int32_t StrToInt(std::string_view text) {
+    constexpr std::string_view kCharacters = "+-0123456789";
+    const std::size_t first = text.find_first_of(kCharacters);
+    if (first == std::string_view::npos) return 0;
+    text.remove_prefix(first);
+    const std::string field(text.substr(0, text.find_first_not_of(kCharacters)).substr(0, 12));
+    if (field.find_first_of("+-", 1) != std::string::npos) return 0;
+    const long long value = std::strtoll(field.c_str(), nullptr, 10);
+    return value < INT32_MIN || value > INT32_MAX ? 0 : static_cast<std::int32_t>(value);
 }
 
 inline std::string_view ValueOf(std::string_view line) {
@@ -66,13 +85,13 @@ inline std::string Capitals(std::string_view text) {
     return capitals;
 }
 
-inline std::int32_t LiteralInputStrToInt(std::string_view line) {
+inline std::int32_t InputStrToInt(std::string_view line) {
     constexpr std::pair<std::string_view, std::int32_t> kWords[] = {
         {"YES", 1}, {"ON", 1}, {"TRUE", 1}, {"NO", 0}, {"OFF", 0}};
     const std::string start = Capitals(ValueOf(line));
     for (const auto& [word, value] : kWords)
         if (start.starts_with(word)) return value;
-    return LiteralStrToInt(ValueOf(line));
+    return StrToInt(ValueOf(line));
 }
 
 struct NumberAndWord {
@@ -80,10 +99,10 @@ struct NumberAndWord {
     std::string word;  // not yet as wide as its target
 };
 
-// Reads them from what follows the "=" of a line, rule by rule.
-class LiteralReader {
+// Reads them from what follows the "=" of a line.
+class FreeFormReader {
   public:
-    explicit LiteralReader(std::string_view rest) : rest_(rest) {}
+    explicit FreeFormReader(std::string_view rest) : rest_(rest) {}
 
     // Nothing where the reading fails.
     std::optional<NumberAndWord> Read() {
@@ -135,4 +154,4 @@ class LiteralReader {
     std::string_view rest_;
 };
 
-}  // namespace corvale::test
+}  // namespace corvale::reference
