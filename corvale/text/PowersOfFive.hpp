@@ -3,14 +3,14 @@
 // The powers of five that turn decimal exponents into binary ones, made while compiling. 10 KB.
 #pragma once
 
+#include <corvale/base/Uint128.hpp>
+
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 
 namespace corvale::internal {
-
-__extension__ using Uint128 = unsigned __int128;
 
 /// The 128 leading bits of a power of five: between 2^127 and 2^128.
 struct PowerOfFive {

@@ -1,0 +1,53 @@
+// Internal to numeric/: not installed, may change in any commit.
+//
+// Arithmetic of the fast phases: a value as the unevaluated sum of two doubles, and the test that
+// says whether the sum rounds safely.
+//
+// The leading products must be exact, and the bits must not depend on whether a processor has a
+// fused multiply-add. So factors are cut to heads of 26 bits: the product of two heads has 52 bits
+// and is exact as a double. A table stores its values as a head and the rest.
+//
+// Source     T. J. Dekker, Numer. Math. 18 (1971), 224-242; A. Ziv, ACM Trans. Math. Softw. 17
+//            (1991), 410-423 (the rounding test)
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+namespace corvale::internal {
+
+/// The value `high` + `low`.
+struct DoubleDouble {
+    double high;
+    double low;
+};
+
+/// `x` with the last 27 of its 53 bits cleared: 26 bits, towards 0. x - Head(x) is exact and below
+/// 2^-25 |x|. Not for subnormal values: their heads can be 0.
+inline double Head(double x) noexcept {
+    constexpr std::uint64_t kTail = (std::uint64_t{1} << 27U) - 1;
+    return std::bit_cast<double>(std::bit_cast<std::uint64_t>(x) & ~kTail);
+}
+
+/// a + b without error where |a| >= |b| or a = 0. Otherwise the error is below 2^-52 |b|.
+inline DoubleDouble FastTwoSum(double a, double b) noexcept {
+    const double sum = a + b;
+    return {sum, b - (sum - a)};
+}
+
+/// Both ends of the interval `value` +- `error`, rounded. Where they are equal they are the value
+/// that was approximated, rounded to nearest: rounding is monotonic.
+struct RoundedEnds {
+    double lower;
+    double upper;
+
+    [[nodiscard]] bool Agree() const noexcept { return lower == upper; }
+};
+
+/// Precondition: `value.low` + `error` is exact but for a relative 2^-53, which the caller's
+/// `error` includes.
+inline RoundedEnds RoundBothEnds(DoubleDouble value, double error) noexcept {
+    return {value.high + (value.low - error), value.high + (value.low + error)};
+}
+
+}  // namespace corvale::internal
