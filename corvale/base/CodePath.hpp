@@ -1,14 +1,25 @@
 // Internal: not installed, may change in any commit.
 //
-// One loop, compiled twice: for every x86-64 processor and for those with AVX2. The results are the
-// same, only the speed differs. A loop is a type with an always-inlined call operator:
+// Code paths: a loop that gains from wider vectors is compiled twice, for every x86-64 processor
+// and for those with AVX2; the call picks one. Both copies do the same operations on each element,
+// so only the speed differs. The library is built for the oldest processor, and one file serves
+// all; a build for each processor would be faster by nothing but the loops that are here already.
 //
-//     struct UpperCaseLoop {
-//         CORVALE_LOOP void operator()(const char* in, char* out, std::size_t n) const noexcept;
+// A loop is a template on its path, with a call operator that is always inlined: so it is compiled
+// with the instructions of the function around it. Its vectors are those of the path, because 32
+// bytes without AVX2 are split by the compiler into many times as many instructions.
+//
+//     template <class Path>
+//     struct ChangeLoop {
+//         CORVALE_INLINE void operator()(const char* in, char* out, std::size_t n) const noexcept {
+//             using Bytes [[gnu::vector_size(Path::kVectorBytes)]] = unsigned char;
+//             ...
+//         }
 //     };
-//     OnBestPath<UpperCaseLoop>(in, out, n);
+//     OnBestPath<ChangeLoop>(in, out, n);
 //
-// Bench: Text512 in bench/TextBench.cpp shows what the second copy brings.
+// Vectors go to other functions by reference or not at all: how a call passes them depends on the
+// processor. Bench: Text512 in bench/TextBench.cpp shows what the second copy brings.
 #pragma once
 
 #include <cstddef>
@@ -25,9 +36,20 @@
 #include <cstdint>
 #endif
 
-#define CORVALE_LOOP [[gnu::always_inline]] inline
+/// Inlined by every compiler at every level of optimisation: for what is part of a loop.
+#define CORVALE_INLINE [[gnu::always_inline]] inline
 
 namespace corvale::internal {
+
+/// What every processor has that the library is built for.
+struct BaselinePath {
+    static constexpr std::size_t kVectorBytes = 16;
+};
+
+/// What processors with AVX2 have.
+struct Avx2Path {
+    static constexpr std::size_t kVectorBytes = 32;
+};
 
 #if CORVALE_HAS_AVX2_PATH
 enum class Avx2 : std::uint8_t { Unknown, Absent, Present };
@@ -52,30 +74,39 @@ extern constinit std::atomic<Avx2> knownAvx2;
 }
 
 #if CORVALE_HAS_AVX2_PATH
-/// The copy of `Loop` for processors with AVX2.
-template <class Loop, class... Args>
-[[gnu::target("avx2")]] auto WithAvx2(Args... args) noexcept {
-    return Loop{}(args...);
+/// Calls `Work` as a function of its own with the instructions of AVX2.
+template <class Work, class... Args>
+[[gnu::target("avx2")]] auto CallWithAvx2(Args... args) noexcept {
+    return Work{}(args...);
 }
 #endif
 
-/// Runs `Loop` on `args` with the best code that the processor has.
-template <class Loop, class... Args>
-auto OnBestPath(Args... args) noexcept {
-#if CORVALE_HAS_AVX2_PATH
-    if (HasAvx2()) return WithAvx2<Loop>(args...);
-#endif
-    return Loop{}(args...);
+/// Calls `Work` as a function of its own with the instructions of every processor.
+template <class Work, class... Args>
+[[gnu::noinline]] auto CallBaseline(Args... args) noexcept {
+    return Work{}(args...);
 }
 
-/// Runs `Loop`, made for vectors of as many bytes as the processor has: 32 or 16. Written for 32
-/// alone it is many times as long, and slow, where they are taken apart.
-template <template <std::size_t Width> class Loop, class... Args>
-CORVALE_LOOP auto OnWidestBytes(Args... args) noexcept {
+/// Calls `Work` as a function of its own with the instructions of `Path` (or of what is derived
+/// from it): the parts of a loop that is too long for one function. Only from within that path.
+template <class Path, class Work, class... Args>
+CORVALE_INLINE auto CallOnPath(Args... args) noexcept {
 #if CORVALE_HAS_AVX2_PATH
-    if (HasAvx2()) return WithAvx2<Loop<32>>(args...);
+    if constexpr (Path::kVectorBytes == Avx2Path::kVectorBytes)
+        return CallWithAvx2<Work>(args...);
+    else
 #endif
-    return Loop<16>{}(args...);
+        return CallBaseline<Work>(args...);
+}
+
+/// Runs `Work` on the best path of this processor.
+template <template <class Path> class Work, class Wide = Avx2Path, class Narrow = BaselinePath,
+          class... Args>
+CORVALE_INLINE auto OnBestPath(Args... args) noexcept {
+#if CORVALE_HAS_AVX2_PATH
+    if (HasAvx2()) return CallOnPath<Wide, Work<Wide>>(args...);
+#endif
+    return CallOnPath<Narrow, Work<Narrow>>(args...);
 }
 
 }  // namespace corvale::internal

@@ -1,12 +1,11 @@
 #include <corvale/core/CandidateLines.hpp>
 
 #include <corvale/base/CodePath.hpp>
+#include <corvale/base/Words.hpp>
 #include <corvale/platform/UnitFiles.hpp>
-#include <corvale/text/DigitWords.hpp>
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
 
 namespace corvale::internal {
@@ -34,13 +33,14 @@ bool IsCandidate(const char* at) noexcept {
 // Where the first line that begins with QZ in any case begins; `n` when there is none. `text[-1]`
 // and `text[n]` are looked at too. Nothing is done for each line: the search runs over line ends as
 // over any other character (bench: CardFile).
-template <std::size_t Width>
+template <class Path>
 struct CandidateLoop {
+    static constexpr std::size_t Width = Path::kVectorBytes;
     static constexpr std::size_t kBlock = 8 * Width;
     using Bytes [[gnu::vector_size(Width)]] = char;
 
     // One bit at least in the byte of each place where a candidate begins.
-    CORVALE_LOOP static void AddCandidates(const char* at, Bytes& found) noexcept {
+    CORVALE_INLINE static void AddCandidates(const char* at, Bytes& found) noexcept {
         constexpr char lower = 0x20;
         Bytes before, first, second;
         std::memcpy(&before, at - 1, Width);
@@ -49,15 +49,15 @@ struct CandidateLoop {
         found |= (before == '\n') & ((first | lower) == 'q') & ((second | lower) == 'z');
     }
     // The place of the first byte that is not 0; `Width` when all are.
-    CORVALE_LOOP static std::size_t FirstPlace(const Bytes& found) noexcept {
+    CORVALE_INLINE static std::size_t FirstPlace(const Bytes& found) noexcept {
         std::array<char, Width> bytes;
         std::memcpy(bytes.data(), &found, Width);
         for (std::size_t i = 0; i < Width; i += 8)
-            if (const std::uint64_t word = LoadEight(bytes.data() + i); word != 0)
-                return i + static_cast<std::size_t>(std::countr_zero(word)) / 8;
+            if (const std::uint64_t word = LoadLittle<std::uint64_t>(bytes.data() + i); word != 0)
+                return i + ZeroBytesFirst(word);
         return Width;
     }
-    CORVALE_LOOP std::size_t operator()(const char* text, std::size_t n) const noexcept {
+    CORVALE_INLINE std::size_t operator()(const char* text, std::size_t n) const noexcept {
         std::size_t i = 0;
         for (; i + kBlock <= n; i += kBlock) {
             Bytes found{};
@@ -80,7 +80,7 @@ struct CandidateLoop {
 // Where one such line follows another no search is begun.
 const char* NextCandidate(const char* at, const char* end) noexcept {
     if (end - at > 2 && IsCandidate(at + 1)) return at + 1;
-    return at + OnWidestBytes<CandidateLoop>(at, static_cast<std::size_t>(end - at));
+    return at + OnBestPath<CandidateLoop>(at, static_cast<std::size_t>(end - at));
 }
 
 // The line that begins at `at`, as far as it matters, and whether all of that is there.

@@ -1,11 +1,11 @@
 #include <corvale/core/CorvaleCardReading.hpp>
 
 #include <corvale/base/CodePath.hpp>
+#include <corvale/base/Words.hpp>
 #include <corvale/core/CandidateLines.hpp>
 #include <corvale/core/CorvaleTypes.hpp>
 #include <corvale/core/FileIO.hpp>
 #include <corvale/platform/TextUnits.hpp>
-#include <corvale/text/DigitWords.hpp>
 #include <corvale/text/FixedWidthText.hpp>
 #include <corvale/text/FreeFormReader.hpp>
 
@@ -45,8 +45,9 @@ constexpr internal::FreeFormRules kCardRules = {.real = {.exponentQ = true, .emp
 // no value precedes, can begin: those above a blank that follow a comma or no character above a
 // blank. `numbers` ends a line of `ReadCandidateLines`: the 32 characters before it are read, too,
 // so that all steps are whole.
-template <std::size_t Width>
+template <class Path>
 struct MostValuesLoop {
+    static constexpr std::size_t Width = Path::kVectorBytes;
     using Bytes [[gnu::vector_size(Width)]] = unsigned char;
     static constexpr unsigned char kRepeats = 0x80;
     // From place i on the last i bytes of a step are all ones.
@@ -56,7 +57,7 @@ struct MostValuesLoop {
         return bytes;
     }();
 
-    CORVALE_LOOP std::size_t operator()(const char* numbers, std::size_t n) const noexcept {
+    CORVALE_INLINE std::size_t operator()(const char* numbers, std::size_t n) const noexcept {
         constexpr unsigned char blank = ' ';
         Bytes counts{};  // of each place in a step: at most 32, so that a bit is left for the star
         for (std::size_t left = n; left > 0; left -= std::min(left, Width)) {
@@ -71,19 +72,19 @@ struct MostValuesLoop {
         return Sum(counts);
     }
 
-    CORVALE_LOOP static std::size_t Sum(const Bytes& counts) noexcept {
+    CORVALE_INLINE static std::size_t Sum(const Bytes& counts) noexcept {
         constexpr std::uint64_t eachSecond = 0x00FF00FF00FF00FFU;
         std::array<char, Width> bytes;
         std::memcpy(bytes.data(), &counts, Width);
         std::uint64_t all = 0;
         std::uint64_t pairs = 0;
         for (std::size_t i = 0; i < Width; i += 8) {
-            const std::uint64_t word = internal::LoadEight(bytes.data() + i);
+            const std::uint64_t word = internal::LoadLittle<std::uint64_t>(bytes.data() + i);
             all |= word;
             pairs += (word & eachSecond) + (word >> 8U & eachSecond);
         }
-        if ((all & internal::kEachByte * kRepeats) != 0) return MoicArr.size();
-        return static_cast<std::size_t>(pairs * 0x0001000100010001U >> 48U);
+        if ((all & internal::EachByte(kRepeats)) != 0) return MoicArr.size();
+        return static_cast<std::size_t>(internal::SumOfLanes16(pairs));
     }
 };
 
@@ -93,8 +94,7 @@ struct MostValuesLoop {
 class MoicCards {
   public:
     void TakeEarlier(std::string_view numbers) noexcept {
-        if (internal::OnWidestBytes<MostValuesLoop>(numbers.data(), numbers.size()) <=
-            settledFront_)
+        if (internal::OnBestPath<MostValuesLoop>(numbers.data(), numbers.size()) <= settledFront_)
             return;
         Read(numbers);
         while (settledFront_ < MoicArr.size() && isSettled_[settledFront_]) ++settledFront_;
@@ -136,8 +136,8 @@ class MoicCards {
 bool IsMoicCard(std::string_view line) noexcept {
     constexpr std::uint64_t anyCase =
         0xFFDFDFDFDFFFDFDFU;  // the underscore and the blank have none
-    return line.size() >= kNumbersColumn &&
-           (internal::LoadEight(line.data()) & anyCase) == internal::LoadEight("QZ_MOIC ");
+    return line.size() >= kNumbersColumn && (internal::LoadLittle<std::uint64_t>(line.data()) &
+                                             anyCase) == internal::WordOf("QZ_MOIC ");
 }
 
 void ApplyModeCard(std::string_view line) noexcept {

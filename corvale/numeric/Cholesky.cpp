@@ -14,9 +14,12 @@ namespace corvale::GenFunctions {
 namespace {
 
 using internal::CholeskyWork;
+using internal::FourLanes;
 using internal::kLongestPanelRow;
 using internal::kOrderWithoutHeap;
+using internal::OnBestPath;
 using internal::RoundUp;
+using internal::TwoLanes;
 
 /// The doubles that `matrices` matrices in panels and four vectors take.
 constexpr std::size_t Room(std::size_t n, std::size_t matrices) noexcept {
@@ -54,13 +57,13 @@ void FillWithNaN(std::size_t n, double* inverse, double* x) noexcept {
 template <bool rootFree>
 void Run(CholeskyWork& work) noexcept {
     if constexpr (rootFree) {
-        internal::OnWidestLanes<internal::FactorWithoutRoots>(&work);
-        internal::OnWidestLanes<internal::Solve>(&work);
-        internal::OnWidestLanes<internal::InvertWithoutRoots>(&work);
+        OnBestPath<internal::FactorWithoutRoots, FourLanes, TwoLanes>(&work);
+        OnBestPath<internal::Solve, FourLanes, TwoLanes>(&work);
+        OnBestPath<internal::InvertWithoutRoots, FourLanes, TwoLanes>(&work);
     } else {
-        internal::OnWidestLanes<internal::FactorWithRoots>(&work);
-        internal::OnWidestLanes<internal::Solve>(&work);
-        internal::OnWidestLanes<internal::InvertWithRoots>(&work);
+        OnBestPath<internal::FactorWithRoots, FourLanes, TwoLanes>(&work);
+        OnBestPath<internal::Solve, FourLanes, TwoLanes>(&work);
+        OnBestPath<internal::InvertWithRoots, FourLanes, TwoLanes>(&work);
     }
 }
 
@@ -69,9 +72,9 @@ template <bool rootFree>
 bool DoneSmall(const internal::SmallSystem& system) noexcept {
     if (system.n > kSmallOrder) return false;
     if constexpr (rootFree) {
-        return internal::OnWidestLanes<internal::SolveSmallWithoutRoots>(&system);
+        return OnBestPath<internal::SolveSmallWithoutRoots, FourLanes, TwoLanes>(&system);
     } else {
-        return internal::OnWidestLanes<internal::SolveSmallWithRoots>(&system);
+        return OnBestPath<internal::SolveSmallWithRoots, FourLanes, TwoLanes>(&system);
     }
 }
 

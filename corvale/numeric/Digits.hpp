@@ -6,11 +6,11 @@
 // and DegToHHMMSSS_Str in bench/SmallBench.cpp).
 #pragma once
 
+#include <corvale/base/Words.hpp>
+
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 namespace corvale::internal {
 
@@ -42,24 +42,12 @@ inline constexpr auto kTwoDigits = [] {
     return TwoDigits(tens) | OneDigit(value - 10 * tens) << 16U;
 }
 
-/// Writes the first `Count` of `characters` to `target`, in pieces of 8, 4, 2 and 1.
-template <std::size_t Count>
-void Put(Characters characters, char* target) noexcept {
-    if constexpr (Count > 0) {
-        constexpr std::size_t kPiece = std::bit_floor(Count);
-        Characters piece = characters;
-        if constexpr (std::endian::native == std::endian::big) piece = __builtin_bswap64(piece);
-        std::memcpy(target, &piece, kPiece);
-        if constexpr (kPiece < 8) Put<Count - kPiece>(characters >> 8 * kPiece, target + kPiece);
-    }
-}
-
 /// The characters of one or two words as a text.
 template <std::size_t Width>
 [[nodiscard]] std::array<char, Width> TextOf(Characters first, Characters second = 0) noexcept {
     std::array<char, Width> text;
-    Put<(Width < 8 ? Width : 8)>(first, text.data());
-    if constexpr (Width > 8) Put<Width - 8>(second, text.data() + 8);
+    StoreFirst<(Width < 8 ? Width : 8)>(first, text.data());
+    if constexpr (Width > 8) StoreFirst<Width - 8>(second, text.data() + 8);
     return text;
 }
 

@@ -151,10 +151,11 @@ class Inversion {
     }
 
     std::size_t ReduceBySteps() noexcept {
-        if (order_ <= 4) return OnWidestLanes<Invert4>(matrix_, &record_);
-        if (order_ <= 8) return OnWidestLanes<Invert8>(matrix_, &record_);
-        if (order_ <= kSmallOrder) return OnWidestLanes<Invert12>(matrix_, &record_);
-        return OnWidestLanes<InvertBySteps>(matrix_, length_, &record_, w_);
+        if (order_ <= 4) return OnBestPath<Invert4, FourLanes, TwoLanes>(matrix_, &record_);
+        if (order_ <= 8) return OnBestPath<Invert8, FourLanes, TwoLanes>(matrix_, &record_);
+        if (order_ <= kSmallOrder)
+            return OnBestPath<Invert12, FourLanes, TwoLanes>(matrix_, &record_);
+        return OnBestPath<InvertBySteps, FourLanes, TwoLanes>(matrix_, length_, &record_, w_);
     }
 
     Outcome ReduceInPanels(const MatrixView<const double>& a) noexcept {
@@ -169,7 +170,7 @@ class Inversion {
         Begin();
         panel_ = PanelWidth();
         Load(a);
-        return OnWidestLanes<InvertByPanels>(&work);
+        return OnBestPath<InvertByPanels, FourLanes, TwoLanes>(&work);
     }
 
     static std::size_t PanelWidth() noexcept {

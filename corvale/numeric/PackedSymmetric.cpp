@@ -12,6 +12,9 @@ namespace corvale::GenFunctions {
 namespace {
 
 using internal::Block;
+using internal::FourLanes;
+using internal::OnBestPath;
+using internal::TwoLanes;
 
 // The order from which blocks are faster than a plain double loop (Packed in
 // bench/MatrixBench.cpp).
@@ -49,7 +52,7 @@ struct Pack {
     double* packed;
 
     template <class L>
-    CORVALE_LOOP void Below(std::size_t i, std::size_t j) const noexcept {
+    CORVALE_INLINE void Below(std::size_t i, std::size_t j) const noexcept {
         const double* from = square + j * columnStride + i;
         double* to = packed + RowStart(i) + j;
         Block<L> block;
@@ -59,7 +62,7 @@ struct Pack {
     }
     // Element by element: those above the diagonal are not to be read.
     template <class L>
-    CORVALE_LOOP void Diagonal(std::size_t i) const noexcept {
+    CORVALE_INLINE void Diagonal(std::size_t i) const noexcept {
         for (std::size_t r = i; r < i + L::kLanes; ++r)
             for (std::size_t c = i; c <= r; ++c)
                 packed[RowStart(r) + c] = square[c * columnStride + r];
@@ -74,19 +77,19 @@ struct Unpack {
     bool areRowsCopied;
 
     template <class L>
-    CORVALE_LOOP Block<L> Load(std::size_t i, std::size_t j) const noexcept {
+    CORVALE_INLINE Block<L> Load(std::size_t i, std::size_t j) const noexcept {
         const double* from = packed + RowStart(i) + j;
         Block<L> block;
         block.Load([=](std::size_t r) { return from + RowsAfter(i, r); });
         return block;
     }
     template <class L>
-    CORVALE_LOOP void Store(const Block<L>& block, std::size_t i, std::size_t j) const noexcept {
+    CORVALE_INLINE void Store(const Block<L>& block, std::size_t i, std::size_t j) const noexcept {
         double* to = square + j * columnStride + i;
         block.Store([=, *this](std::size_t c) { return to + c * columnStride; });
     }
     template <class L>
-    CORVALE_LOOP void Below(std::size_t i, std::size_t j) const noexcept {
+    CORVALE_INLINE void Below(std::size_t i, std::size_t j) const noexcept {
         Block<L> block = Load<L>(i, j);
         if (!areRowsCopied) Store(block, j, i);
         block.Turn();
@@ -94,7 +97,7 @@ struct Unpack {
     }
     // What a block has above the diagonal belongs to other rows; the turned one has it right.
     template <class L>
-    CORVALE_LOOP void Diagonal(std::size_t i) const noexcept {
+    CORVALE_INLINE void Diagonal(std::size_t i) const noexcept {
         Block<L> block = Load<L>(i, i);
         Block<L> turned = block;
         turned.Turn();
@@ -115,7 +118,7 @@ struct Unpack {
 /// blocks. The blocks end with the last row and column. Where the first rows and columns do not
 /// fill one, they are in two that overlap the others, and so is the first block of each row.
 template <class L, class Way>
-CORVALE_LOOP void WalkTriangle(const Way& way, std::size_t n, std::size_t width) noexcept {
+CORVALE_INLINE void WalkTriangle(const Way& way, std::size_t n, std::size_t width) noexcept {
     constexpr std::size_t step = L::kLanes;
     const std::size_t unfilled = n % step;
     if (unfilled != 0) {
@@ -134,13 +137,13 @@ CORVALE_LOOP void WalkTriangle(const Way& way, std::size_t n, std::size_t width)
 
 template <class L>
 struct PackByColumns {
-    CORVALE_LOOP void operator()(Pack way, std::size_t n) const noexcept {
+    CORVALE_INLINE void operator()(Pack way, std::size_t n) const noexcept {
         WalkTriangle<L>(way, n, StripeWidth(way.columnStride));
     }
 };
 template <class L>
 struct UnpackByColumns {
-    CORVALE_LOOP void operator()(Unpack way, std::size_t n) const noexcept {
+    CORVALE_INLINE void operator()(Unpack way, std::size_t n) const noexcept {
         WalkTriangle<L>(way, n, StripeWidth(way.columnStride));
     }
 };
@@ -170,7 +173,7 @@ void SqrMtx2Lta(MatrixView<const double> square, VectorView<double> packed) noex
     const bool fits = std::int64_t{packed.Size()} >= std::int64_t{n} * (std::int64_t{n} + 1) / 2;
     if (n == 0 || square.Columns() < n || !fits) return;
     if (WorthBlocks(packed, square.RowStride(), square.ColumnStride(), n))
-        return internal::OnWidestLanes<PackByColumns>(
+        return OnBestPath<PackByColumns, FourLanes, TwoLanes>(
             Pack{square.Data(), static_cast<std::size_t>(square.ColumnStride()), packed.Data()},
             static_cast<std::size_t>(n));
 
@@ -186,7 +189,7 @@ void Lta2SqrMtx(VectorView<const double> packed, MatrixView<double> square) noex
         const auto stride = static_cast<std::size_t>(square.ColumnStride());
         const Unpack way{packed.Data(), square.Data(), stride, SharePlaces(stride)};
         if (way.areRowsCopied) way.CopyRows(static_cast<std::size_t>(n));
-        return internal::OnWidestLanes<UnpackByColumns>(way, static_cast<std::size_t>(n));
+        return OnBestPath<UnpackByColumns, FourLanes, TwoLanes>(way, static_cast<std::size_t>(n));
     }
 
     std::int32_t position = 0;

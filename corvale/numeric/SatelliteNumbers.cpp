@@ -1,10 +1,9 @@
 #include <corvale/numeric/SatelliteNumbers.hpp>
 
 #include <corvale/numeric/Digits.hpp>
+#include <corvale/text/DigitWords.hpp>
 
-#include <bit>
 #include <cstddef>
-#include <cstring>
 #include <optional>
 
 namespace corvale::GenFunctions {
@@ -67,11 +66,8 @@ constexpr std::int32_t kNotPlain = -1;
 
 // Four digits as a number, all at once.
 std::int32_t ReadFourDigits(const char* digits) noexcept {
-    std::uint32_t word;
-    std::memcpy(&word, digits, sizeof word);
-    if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap32(word);
-    const std::uint32_t values = word - 0x30303030U;  // the first digit in the lowest byte
-    if (((values | (word + 0x46464646U)) & 0x80808080U) != 0) return kNotPlain;
+    const std::uint32_t values = internal::DigitValues(internal::LoadLittle<std::uint32_t>(digits));
+    if (internal::MarkFirstAbove<9>(values) != 0) return kNotPlain;
 
     const std::uint32_t pairs = (values * 10 + (values >> 8U)) & 0x00FF00FFU;
     return static_cast<std::int32_t>((pairs * 100 + (pairs >> 16U)) & 0xFFFFU);

@@ -22,12 +22,12 @@ struct Steps {
 };
 // Takes the words that begin at byte `offset`. No branch depends on them, and all that is not
 // needed stays unwritten: at ten keys clearing the words took as long as sorting them.
-CORVALE_LOOP Steps LoadWords(const KeyRange& range, std::size_t offset, Words& words) noexcept {
+CORVALE_INLINE Steps LoadWords(const KeyRange& range, std::size_t offset, Words& words) noexcept {
     bool up = false;
     bool notUp = false;
-    std::uint64_t before = words[0] = WordAt(range.keys[0], offset);
+    std::uint64_t before = words[0] = BigWordAt(range.keys[0], offset);
     for (std::size_t i = 1; i < range.count; ++i) {
-        const std::uint64_t word = words[i] = WordAt(range.keys[i], offset);
+        const std::uint64_t word = words[i] = BigWordAt(range.keys[i], offset);
         up |= word > before;
         notUp |= word <= before;
         before = word;
@@ -37,14 +37,14 @@ CORVALE_LOOP Steps LoadWords(const KeyRange& range, std::size_t offset, Words& w
 
 // Moves the keys to the order of the first seven bytes of `words`; those that agree there keep
 // theirs. Returns whether some do.
-template <class Rank>
+template <class Path>
 struct MoveByRank {
-    CORVALE_LOOP bool operator()(const KeyRange* range, const Words* words) const noexcept {
+    CORVALE_INLINE bool operator()(const KeyRange* range, const Words* words) const noexcept {
         const std::size_t count = range->count;
         std::uint64_t marked[kRanked];
         for (std::size_t i = 0; i < kRanked; ++i) marked[i] = ((*words)[i] & ~kPlace) | i;
         std::int64_t places[kRanked];
-        Rank{}(marked, count, places);
+        Rank<Path>{}(marked, count, places);
 
         // By way of a copy: in place a branch for each cycle could not be foreseen.
         Key keys[kRanked];
@@ -67,7 +67,7 @@ struct MoveByRank {
         return someAgree;
     }
     // As one vector: GCC copies an array in halves, an eighth of the time at three and ten keys.
-    CORVALE_LOOP static void CopyKey(const Key* from, Key* to) noexcept {
+    CORVALE_INLINE static void CopyKey(const Key* from, Key* to) noexcept {
         using Vector [[gnu::vector_size(sizeof(Key)), gnu::aligned(1), gnu::may_alias]] = char;
         *reinterpret_cast<Vector*>(to) = *reinterpret_cast<const Vector*>(from);
     }
@@ -91,8 +91,8 @@ Difference FindDifference(const KeyRange& range) noexcept {
     while (first < 4 && bits[first] == 0) ++first;
     if (first == 4) return {0, 0};
     while (bits[last - 1] == 0) --last;
-    return {8 * first + static_cast<std::size_t>(std::countl_zero(InOrder(bits[first]))) / 8,
-            8 * last - static_cast<std::size_t>(std::countr_zero(InOrder(bits[last - 1]))) / 8};
+    return {8 * first + static_cast<std::size_t>(std::countl_zero(NativeToBig(bits[first]))) / 8,
+            8 * last - static_cast<std::size_t>(std::countr_zero(NativeToBig(bits[last - 1]))) / 8};
 }
 
 void InsertOneByOne(const KeyRange& range) noexcept {
@@ -127,7 +127,7 @@ void SortFewKeys(const KeyRange& range) noexcept {
         for (std::uint64_t& word : words) word <<= 8 * (first - inside);
     }
     if (!steps.up && SortOneRun(range)) return;
-    const bool someAgree = WithRanks<MoveByRank>(&range, &words);
+    const bool someAgree = OnBestPath<MoveByRank>(&range, &words);
     if (someAgree && first + kWindow < FindDifference(range).end) InsertOneByOne(range);
 }
 

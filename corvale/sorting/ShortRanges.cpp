@@ -19,15 +19,15 @@ void Load(const KeyRange& range, std::size_t offset, std::uint64_t* words) noexc
     const std::size_t inside = std::min(offset, kKeyBytes - 8);
     const std::size_t shift = 8 * (offset - inside);
     for (std::size_t i = 0; i < range.count; ++i)
-        words[i] = (WordAt(range.keys[i], inside) << shift & ~kPlace) | i;
+        words[i] = (BigWordAt(range.keys[i], inside) << shift & ~kPlace) | i;
 }
 
-template <class Rank>
+template <class Path>
 struct SortByRank {
-    CORVALE_LOOP void operator()(const std::uint64_t* in, std::size_t count,
-                                 std::uint64_t* out) const noexcept {
+    CORVALE_INLINE void operator()(const std::uint64_t* in, std::size_t count,
+                                   std::uint64_t* out) const noexcept {
         std::int64_t places[kRanked];
-        Rank{}(in, count, places);
+        Rank<Path>{}(in, count, places);
         for (std::size_t i = 0; i < count; ++i) out[places[i]] = in[i];
     }
 };
@@ -67,7 +67,7 @@ std::uint64_t* SortWords(std::uint64_t* words, std::uint64_t* other, std::size_t
     while (count > kRanked * parts) parts *= 2;
     const auto border = [&](std::size_t i) { return i * count / parts; };
     for (std::size_t i = 0; i < parts; ++i)
-        WithRanks<SortByRank>(words + border(i), border(i + 1) - border(i), other + border(i));
+        OnBestPath<SortByRank>(words + border(i), border(i + 1) - border(i), other + border(i));
 
     for (; parts > 1; parts /= 2) {
         std::swap(words, other);

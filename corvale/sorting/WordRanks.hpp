@@ -17,15 +17,16 @@ constexpr std::size_t kRanked = 16;
 /// Lets the compiler take `words` for written, with whatever they hold: those that stay unwritten
 /// are looked at in vain, and have to have values for that. Not one instruction.
 template <class Words>
-CORVALE_LOOP void TakeForWritten(Words& words) noexcept {
+CORVALE_INLINE void TakeForWritten(Words& words) noexcept {
     asm("" : "=m"(words));
 }
 
 /// One word against the others, one by one.
-struct RankOneByOne {
+template <class Path>
+struct Rank {
     /// The places of `count` words of `in` among them, counted from 0.
-    CORVALE_LOOP void operator()(const std::uint64_t* in, std::size_t count,
-                                 std::int64_t* places) const noexcept {
+    CORVALE_INLINE void operator()(const std::uint64_t* in, std::size_t count,
+                                   std::int64_t* places) const noexcept {
         for (std::size_t i = 0; i < count; ++i) {
             std::int64_t place = 0;
             for (std::size_t j = 0; j < count; ++j) place += in[j] < in[i] ? 1 : 0;
@@ -36,9 +37,10 @@ struct RankOneByOne {
 
 /// All words against one at once. `in` and `places` have room for kRanked words: what stands behind
 /// `count` is looked at in vain.
-struct RankSideBySide {
-    CORVALE_LOOP void operator()(const std::uint64_t* in, std::size_t count,
-                                 std::int64_t* places) const noexcept {
+template <>
+struct Rank<Avx2Path> {
+    CORVALE_INLINE void operator()(const std::uint64_t* in, std::size_t count,
+                                   std::int64_t* places) const noexcept {
         constexpr std::size_t kVectors = kRanked / 4;
         using Lanes [[gnu::vector_size(32), gnu::aligned(8), gnu::may_alias]] = std::int64_t;
         Lanes words[kVectors], ranks[kVectors];
@@ -56,14 +58,5 @@ struct RankSideBySide {
         for (std::size_t v = 0; v < kVectors; ++v) reinterpret_cast<Lanes*>(places)[v] = ranks[v];
     }
 };
-
-/// Runs `Loop` with the faster of the two ways to rank.
-template <template <class> class Loop, class... Args>
-[[gnu::noinline]] auto WithRanks(Args... args) noexcept {
-#if CORVALE_HAS_AVX2_PATH
-    if (HasAvx2()) return WithAvx2<Loop<RankSideBySide>>(args...);
-#endif
-    return Loop<RankOneByOne>{}(args...);
-}
 
 }  // namespace corvale::internal

@@ -33,18 +33,18 @@ struct AlignedDecimal {
 [[nodiscard]] inline __m128i LastSixteen(std::string_view text) noexcept {
     const std::size_t width = std::min<std::size_t>(text.size(), 16);
     const char* const end = text.data() + text.size();
-    const std::size_t missing = 16 - width;  // 0 to 8; a word is shifted in two steps
-    const std::uint64_t blanks = kEachByte * ' ';
-    const std::uint64_t first = (LoadEight(end - width) ^ blanks) << 4 * missing << 4 * missing;
-    return _mm_set_epi64x(static_cast<std::int64_t>(LoadEight(end - 8)),
+    const std::uint64_t blanks = EachByte(' ');
+    const std::uint64_t first =
+        PutZerosFirst(LoadLittle<std::uint64_t>(end - width) ^ blanks, 16 - width);
+    return _mm_set_epi64x(static_cast<std::int64_t>(LoadLittle<std::uint64_t>(end - 8)),
                           static_cast<std::int64_t>(first ^ blanks));
 }
 
 /// Whether the first characters, up to the last sixteen, are blank: of a text of 8 to 24.
 [[nodiscard]] inline bool IsBlankBeforeSixteen(std::string_view text) noexcept {
     const std::size_t others = 8 - (std::max<std::size_t>(text.size(), 16) - 16);
-    const std::uint64_t first = LoadEight(text.data()) ^ kEachByte * ' ';
-    return first << 4 * others << 4 * others == 0;
+    const std::uint64_t first = LoadLittle<std::uint64_t>(text.data()) ^ EachByte(' ');
+    return PutZerosFirst(first, others) == 0;
 }
 
 /// One bit for each byte of `bytes` that is `c`.

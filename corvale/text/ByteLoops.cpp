@@ -15,13 +15,13 @@ namespace {
 
 // Vectors by reference: how a call would pass them depends on the processor.
 template <class Bytes>
-CORVALE_LOOP void Apply(Replacement change, Bytes& bytes) noexcept {
+CORVALE_INLINE void Apply(Replacement change, Bytes& bytes) noexcept {
     const Bytes to = change.to - Bytes{};
     bytes = bytes == change.from ? to : bytes;
 }
 
 template <class Bytes>
-CORVALE_LOOP void Apply(CaseChange change, Bytes& bytes) noexcept {
+CORVALE_INLINE void Apply(CaseChange change, Bytes& bytes) noexcept {
     // Not the type of a comparison: in Clang that is char, which has no sign on some processors.
     using Signed [[gnu::vector_size(sizeof(Bytes))]] = signed char;
     bytes ^= Bytes(Signed(bytes + change.toTop) > change.below) & change.caseBit;
@@ -33,13 +33,13 @@ struct Changer {
     using Bytes [[gnu::vector_size(Width)]] = unsigned char;
     Change change;
 
-    CORVALE_LOOP void One(const char* in, char* out) const noexcept {
+    CORVALE_INLINE void One(const char* in, char* out) const noexcept {
         Bytes bytes;
         std::memcpy(&bytes, in, Width);
         Apply(change, bytes);
         std::memcpy(out, &bytes, Width);
     }
-    CORVALE_LOOP void Four(const char* in, char* out) const noexcept {
+    CORVALE_INLINE void Four(const char* in, char* out) const noexcept {
         One(in, out);
         One(in + Width, out + Width);
         One(in + 2 * Width, out + 2 * Width);
@@ -47,7 +47,7 @@ struct Changer {
     }
     // All of `n` >= Width. The last vector ends with the text and may overlap the one before it:
     // what is changed twice there is the same as changed once.
-    CORVALE_LOOP void All(const char* in, char* out, std::size_t n) const noexcept {
+    CORVALE_INLINE void All(const char* in, char* out, std::size_t n) const noexcept {
         std::size_t i = 0;
         for (; i + 4 * Width <= n; i += 4 * Width) Four(in + i, out + i);
         for (; i + Width <= n; i += Width) One(in + i, out + i);
@@ -55,12 +55,14 @@ struct Changer {
     }
 };
 
-template <std::size_t Width>
+template <class Path>
 struct ChangeLoop {
+    static constexpr std::size_t kWidth = Path::kVectorBytes;
+
     template <class Change>
-    CORVALE_LOOP void operator()(const char* in, char* out, std::size_t n,
-                                 const Change* change) const noexcept {
-        if (n >= Width) return Changer<Width, Change>{*change}.All(in, out, n);
+    CORVALE_INLINE void operator()(const char* in, char* out, std::size_t n,
+                                   const Change* change) const noexcept {
+        if (n >= kWidth) return Changer<kWidth, Change>{*change}.All(in, out, n);
         if (n >= 8) return Changer<8, Change>{*change}.All(in, out, n);
         for (std::size_t i = 0; i < n; ++i) Changer<1, Change>{*change}.One(in + i, out + i);
     }
@@ -98,11 +100,11 @@ constexpr std::size_t kBlock = 256;
 }  // namespace
 
 void ChangeBytes(const char* in, char* out, std::size_t n, const Replacement& change) noexcept {
-    OnWidestBytes<ChangeLoop>(in, out, n, &change);
+    OnBestPath<ChangeLoop>(in, out, n, &change);
 }
 
 void ChangeBytes(const char* in, char* out, std::size_t n, const CaseChange& change) noexcept {
-    OnWidestBytes<ChangeLoop>(in, out, n, &change);
+    OnBestPath<ChangeLoop>(in, out, n, &change);
 }
 
 // All are blanks when the first one is and each equals the one before it.

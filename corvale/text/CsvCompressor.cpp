@@ -4,7 +4,6 @@
 #include <corvale/text/TextParts.hpp>
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 namespace corvale::internal {
@@ -21,15 +20,16 @@ struct WideField {
     explicit WideField(const char* first) noexcept
         : sign(first[0]),
           digit(first[1]),
-          point(LoadEight(first + 2)),
-          fraction(LoadEight(first + 10)),
-          exponent(LoadEight(first + kWideWidth - 8) >> 24U) {}
+          point(LoadLittle<std::uint64_t>(first + 2)),
+          fraction(LoadLittle<std::uint64_t>(first + 10)),
+          exponent(LoadLittle<std::uint64_t>(first + kWideWidth - 8) >> 24U) {}
 
     // What follows the 'E' may be anything: the rules move it unseen, but for leading zeros.
     [[nodiscard]] bool IsValid() const noexcept {
         const std::uint64_t values = point ^ kPointAndZeros;
-        const std::uint64_t wrong = NonDigits(values) | (values & 0xFFU) |
-                                    NonDigits(DigitValues(fraction)) | ((exponent & 0xFFU) ^ 'E');
+        const std::uint64_t wrong = MarkFirstAbove<9>(values) | (values & 0xFFU) |
+                                    MarkFirstAbove<9>(DigitValues(fraction)) |
+                                    ((exponent & 0xFFU) ^ 'E');
         return wrong == 0 && (sign == kBlank || sign == '-') && digit >= '0' && digit <= '9';
     }
 
@@ -46,15 +46,15 @@ struct WideField {
     // How many zeros the exponent begins with, of which the last digit is none.
     [[nodiscard]] std::size_t ExponentZeros() const noexcept {
         const std::uint64_t digits = DigitValues(exponent >> 16U) & 0xFFFFU;
-        return static_cast<std::size_t>(std::countr_zero(digits | 0x10000U)) / 8;
+        return ZeroBytesFirst(digits | 0x10000U);
     }
 
-    static constexpr std::uint64_t kPointAndZeros = kEachByte * '0' ^ '0' ^ '.';
+    static constexpr std::uint64_t kPointAndZeros = WordOf(".0000000");
     // The zero bytes at the end of eight in the order of the text, 7 at most. Counting from the low
     // end of the turned word is much faster than from the high end on processors without LZCNT.
     static std::size_t ZeroBytesAtEnd(std::uint64_t word) noexcept {
-        const std::uint64_t turned = __builtin_bswap64(word) | std::uint64_t{1} << 63U;
-        return static_cast<std::size_t>(std::countr_zero(turned)) / 8;
+        const std::uint64_t turned = ReverseBytes(word) | std::uint64_t{1} << 63U;
+        return ZeroBytesFirst(turned);
     }
 
     char sign;
@@ -83,7 +83,7 @@ bool TakeWideField(std::string_view& input, char*& out) noexcept {
     const std::size_t width = 5 - zeros;
     const std::uint64_t digits = field.exponent >> 16U >> 8 * zeros << 16U;
     const std::uint64_t comma = std::uint64_t{','} << 8 * width;
-    StoreEight((field.exponent & 0xFFFFU) | digits | comma, out);
+    StoreLittle((field.exponent & 0xFFFFU) | digits | comma, out);
     out += width + (isAtEnd ? 0 : 1);
     input.remove_prefix(kWideWidth + (isAtEnd ? 0 : 1));
     return true;

@@ -84,11 +84,11 @@ constexpr std::uint64_t kEightDigits = 100000000;
 void PutDigits(std::uint64_t number, std::size_t count, char* end) noexcept {
     while (count > 8) {
         end -= 8;
-        StoreEight(EightDigits(number % kEightDigits), end);
+        StoreLittle(EightDigits(number % kEightDigits), end);
         number /= kEightDigits;
         count -= 8;
     }
-    StoreEight(EightDigits(number), end - 8);
+    StoreLittle(EightDigits(number), end - 8);
 }
 
 // Writes `number` before `end`, likewise, and returns how many digits it has: none for 0. Counting
@@ -100,8 +100,8 @@ std::size_t PutWhole(std::uint64_t number, char* end) noexcept {
         return count;
     }
     const std::uint64_t digits = EightDigits(number);
-    StoreEight(digits, end - 8);
-    return 8 - static_cast<std::size_t>(std::countr_zero(DigitValues(digits))) / 8;
+    StoreLittle(digits, end - 8);
+    return 8 - ZeroBytesFirst(DigitValues(digits));
 }
 
 std::string_view RenderParts(Parts parts, std::size_t decimals, char sign,

@@ -14,7 +14,7 @@ template <class L, bool rootFree>
 struct Factor {
     using V = typename L::Vector;
 
-    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         for (std::size_t row = 0; row < work->steps; row += kBlock) {
             const std::size_t end = std::min(row + kBlock, work->steps);
             AddRowsAbove(*work, row, end);
@@ -23,8 +23,8 @@ struct Factor {
         }
     }
 
-    CORVALE_LOOP static void AddRowsAbove(const CholeskyWork& work, std::size_t row,
-                                          std::size_t end) noexcept {
+    CORVALE_INLINE static void AddRowsAbove(const CholeskyWork& work, std::size_t row,
+                                            std::size_t end) noexcept {
         for (std::size_t step = 0; step < row; step += kChunk)
             for (std::size_t lane = row; lane < work.steps; lane += L::kPanel) {
                 double* panel = Place<L>(work.u, work.steps, lane, 0);
@@ -33,12 +33,12 @@ struct Factor {
                               row,      std::min(end, lane + L::kPanel),
                               step,     std::min(step + kChunk, row),
                               step == 0};
-                OnLanes<AddSteps<L>, L>(&sum);
+                CallOnPath<L, AddSteps<L>>(&sum);
             }
     }
 
-    CORVALE_LOOP static void FinishPanel(const CholeskyWork& work, std::size_t row, std::size_t end,
-                                         std::size_t lane) noexcept {
+    CORVALE_INLINE static void FinishPanel(const CholeskyWork& work, std::size_t row,
+                                           std::size_t end, std::size_t lane) noexcept {
         double* panel = Place<L>(work.u, work.steps, lane, 0);
         end = std::min(end, lane + L::kPanel);
         for (std::size_t k = row; k < end; k += kTileRows) {
@@ -57,8 +57,8 @@ struct Factor {
 
     /// Rows k to k + 3 of A in the columns from `lane` on: A above and on the diagonal, zeros below
     /// it, and ones on the diagonal beyond the order.
-    CORVALE_LOOP static void GivenTile(const CholeskyWork& work, std::size_t k, std::size_t lane,
-                                       double* given) noexcept {
+    CORVALE_INLINE static void GivenTile(const CholeskyWork& work, std::size_t k, std::size_t lane,
+                                         double* given) noexcept {
         const std::size_t n = work.n;
         if (k + kTileRows <= lane && lane + L::kPanel <= n) {
             for (std::size_t c = 0; c < L::kPanel; c += L::kLanes)
@@ -81,8 +81,8 @@ struct Factor {
     }
 
     /// Four rows of U beside the diagonal.
-    CORVALE_LOOP static void Rows(const CholeskyWork& work, std::size_t k, std::size_t lane,
-                                  Tile<L>& sums, const double* given) noexcept {
+    CORVALE_INLINE static void Rows(const CholeskyWork& work, std::size_t k, std::size_t lane,
+                                    Tile<L>& sums, const double* given) noexcept {
 #pragma GCC unroll 4
         for (std::size_t r = 0; r < kTileRows; ++r) {
             const double pivot = rootFree ? work.reciprocals[k + r] : work.pivots[k + r];
@@ -97,8 +97,9 @@ struct Factor {
     }
 
     /// Four rows of U with the diagonal in them: zeros before it.
-    CORVALE_LOOP static void DiagonalRows(const CholeskyWork& work, std::size_t k, std::size_t lane,
-                                          Tile<L>& sums, const double* given) noexcept {
+    CORVALE_INLINE static void DiagonalRows(const CholeskyWork& work, std::size_t k,
+                                            std::size_t lane, Tile<L>& sums,
+                                            const double* given) noexcept {
 #pragma GCC unroll 4
         for (std::size_t r = 0; r < kTileRows; ++r) {
             const std::size_t at = k + r - lane;
@@ -124,8 +125,8 @@ struct Factor {
     }
 
     /// Notes pivot k and its reciprocal.
-    CORVALE_LOOP static double NextPivot(const CholeskyWork& work, std::size_t k, double given,
-                                         double sum) noexcept {
+    CORVALE_INLINE static double NextPivot(const CholeskyWork& work, std::size_t k, double given,
+                                           double sum) noexcept {
         const double rest = given - (rootFree ? work.squares[k] : sum);
         const double pivot = rootFree ? rest : std::sqrt(rest);
         work.pivots[k] = pivot;
@@ -134,8 +135,8 @@ struct Factor {
     }
 
     /// Stores one vector of row k of U, and what follows from it.
-    CORVALE_LOOP static void Keep(const CholeskyWork& work, std::size_t k, std::size_t lane,
-                                  const V& u) noexcept {
+    CORVALE_INLINE static void Keep(const CholeskyWork& work, std::size_t k, std::size_t lane,
+                                    const V& u) noexcept {
         At<V>(Place<L>(work.u, work.steps, lane, k)) = u;
         if constexpr (rootFree) {
             At<V>(Place<L>(work.v, work.steps, lane, k)) = work.pivots[k] * u;
@@ -144,8 +145,9 @@ struct Factor {
     }
 
     /// The term of row k + r in the sums of the tile's later rows.
-    CORVALE_LOOP static void AddToRowsBelow(const CholeskyWork& work, std::size_t k, std::size_t r,
-                                            std::size_t h, const V& u, Tile<L>& sums) noexcept {
+    CORVALE_INLINE static void AddToRowsBelow(const CholeskyWork& work, std::size_t k,
+                                              std::size_t r, std::size_t h, const V& u,
+                                              Tile<L>& sums) noexcept {
         const double* factors = Place<L>(work.v, work.steps, k, k + r);
 #pragma GCC unroll 4
         for (std::size_t below = 0; below < kTileRows; ++below)

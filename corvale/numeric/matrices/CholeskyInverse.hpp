@@ -14,7 +14,7 @@ template <class L, bool rootFree>
 struct InvertFactor {
     using V = typename L::Vector;
 
-    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         for (std::size_t column = 0; column < work->steps; column += kBlock) {
             const std::size_t end = std::min(column + kBlock, work->steps);
             AddColumnsBefore(*work, column, end);
@@ -23,8 +23,8 @@ struct InvertFactor {
         }
     }
 
-    CORVALE_LOOP static void AddColumnsBefore(const CholeskyWork& work, std::size_t column,
-                                              std::size_t end) noexcept {
+    CORVALE_INLINE static void AddColumnsBefore(const CholeskyWork& work, std::size_t column,
+                                                std::size_t end) noexcept {
         for (std::size_t step = 0; step < column; step += kChunk)
             for (std::size_t lane = 0; lane < std::min(step + kChunk, column); lane += L::kPanel) {
                 double* panel = Place<L>(work.w, work.steps, lane, 0);
@@ -37,12 +37,12 @@ struct InvertFactor {
                               std::max(step, lane),
                               std::min(step + kChunk, column),
                               lane >= step};
-                OnLanes<AddSteps<L>, L>(&sum);
+                CallOnPath<L, AddSteps<L>>(&sum);
             }
     }
 
-    CORVALE_LOOP static void FinishPanel(const CholeskyWork& work, std::size_t column,
-                                         std::size_t end, std::size_t lane) noexcept {
+    CORVALE_INLINE static void FinishPanel(const CholeskyWork& work, std::size_t column,
+                                           std::size_t end, std::size_t lane) noexcept {
         double* panel = Place<L>(work.w, work.steps, lane, 0);
         const std::size_t from = std::max(column, lane);
         for (std::size_t j = from; j < end; j += kTileRows) {
@@ -55,8 +55,8 @@ struct InvertFactor {
 
     /// Four columns of W: minus each sum times the diagonal element of W; on the diagonal that
     /// element, below it zeros.
-    CORVALE_LOOP static void Columns(const CholeskyWork& work, std::size_t j, std::size_t lane,
-                                     Tile<L>& sums) noexcept {
+    CORVALE_INLINE static void Columns(const CholeskyWork& work, std::size_t j, std::size_t lane,
+                                       Tile<L>& sums) noexcept {
 #pragma GCC unroll 4
         for (std::size_t r = 0; r < kTileRows; ++r) {
             const double diagonal = rootFree ? 1.0 : work.reciprocals[j + r];
@@ -76,8 +76,8 @@ struct InvertFactor {
         }
     }
 
-    CORVALE_LOOP static V OnDiagonal(const V& w, std::size_t at, std::size_t half,
-                                     double diagonal) noexcept {
+    CORVALE_INLINE static V OnDiagonal(const V& w, std::size_t at, std::size_t half,
+                                       double diagonal) noexcept {
         const V zero{}, lanes = LaneNumbers<L>(half);
         const V position = Splat<V>(static_cast<double>(at));
         const V above = lanes < position ? w : zero;
@@ -88,7 +88,7 @@ struct InvertFactor {
 /// W sum by sum, with all its zeros, for factors that are not finite.
 template <class L, bool rootFree>
 struct InvertFactorPlainly {
-    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         const std::size_t steps = work->steps;
         for (std::size_t i = 0; i < work->n; ++i)
             for (std::size_t j = i; j < work->n; ++j) {
@@ -106,7 +106,7 @@ struct InvertFactorPlainly {
 /// Writes the zeros of W that the panels leave out, and what they are in W D^-1.
 template <class L, bool rootFree>
 struct FillZeros {
-    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         for (std::size_t i = 0; i < work->steps; ++i)
             for (std::size_t k = 0; k < std::min(i, work->n); ++k) {
                 *Place<L>(work->w, work->steps, i, k) = 0.0;
@@ -120,8 +120,8 @@ struct FillZeros {
 template <class L>
 struct AllFinite {
     using V = typename L::Vector;
-    CORVALE_LOOP bool operator()(const double* panels, std::size_t steps, std::size_t end,
-                                 bool isUpper) const noexcept {
+    CORVALE_INLINE bool operator()(const double* panels, std::size_t steps, std::size_t end,
+                                   bool isUpper) const noexcept {
         V sum{};
         for (std::size_t lane = 0; lane < end; lane += L::kPanel) {
             const std::size_t first = isUpper ? 0 : lane;
@@ -131,11 +131,11 @@ struct AllFinite {
         return IsZero(sum);
     }
     // Zero times a finite number is a zero, times any other NaN.
-    CORVALE_LOOP static void Add(const double* from, std::size_t count, V& sum) noexcept {
+    CORVALE_INLINE static void Add(const double* from, std::size_t count, V& sum) noexcept {
         for (std::size_t k = 0; k < count; ++k, from += L::kPanel)
             sum += At<V>(from) * 0.0 + At<V>(from + L::kLanes) * 0.0;
     }
-    CORVALE_LOOP static bool IsZero(const V& sum) noexcept {
+    CORVALE_INLINE static bool IsZero(const V& sum) noexcept {
         double total = 0.0;
         for (std::size_t i = 0; i < L::kLanes; ++i) total += sum[i];
         return total == 0.0;
@@ -146,13 +146,13 @@ struct AllFinite {
 /// zeros in too.
 template <class L>
 struct Product {
-    CORVALE_LOOP void operator()(const CholeskyWork* work, bool wholeRows) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work, bool wholeRows) const noexcept {
         for (std::size_t step = 0; step < work->n; step += kChunk)
             for (std::size_t row = 0; row < work->steps; row += kBlock)
                 AddToRows(*work, step, row, wholeRows);
     }
-    CORVALE_LOOP static void AddToRows(const CholeskyWork& work, std::size_t step, std::size_t row,
-                                       bool wholeRows) noexcept {
+    CORVALE_INLINE static void AddToRows(const CholeskyWork& work, std::size_t step,
+                                         std::size_t row, bool wholeRows) noexcept {
         const std::size_t end = std::min(step + kChunk, work.n);
         for (std::size_t lane = row; lane < work.n; lane += L::kPanel) {
             if (!wholeRows && lane >= end) break;
@@ -165,7 +165,7 @@ struct Product {
                           wholeRows ? step : std::max(step, lane),
                           end,
                           wholeRows ? step == 0 : lane >= step};
-            OnLanes<AddSteps<L>, L>(&sum);
+            CallOnPath<L, AddSteps<L>>(&sum);
         }
     }
 };
@@ -173,7 +173,7 @@ struct Product {
 /// Writes the product to both triangles of the result.
 template <class L>
 struct WriteSymmetric {
-    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         const std::size_t n = work->n;
         for (std::size_t lane = 0; lane < n; lane += L::kPanel) {
             const double* panel = Place<L>(work->u, work->steps, lane, 0);
@@ -186,8 +186,8 @@ struct WriteSymmetric {
                         panel[i * L::kPanel + j - lane];
         }
     }
-    CORVALE_LOOP static void WriteTile(const double* tile, std::size_t i, std::size_t lane,
-                                       std::size_t n, double* inverse) noexcept {
+    CORVALE_INLINE static void WriteTile(const double* tile, std::size_t i, std::size_t lane,
+                                         std::size_t n, double* inverse) noexcept {
         for (std::size_t c = 0; c < L::kPanel; c += L::kLanes)
             for (std::size_t r = 0; r < kTileRows; r += L::kLanes) {
                 const double* from = tile + r * L::kPanel + c;
@@ -205,7 +205,7 @@ struct WriteSymmetric {
 /// The inverse from W.
 template <class L>
 struct MultiplyAndWrite {
-    CORVALE_LOOP void operator()(const CholeskyWork* work, bool wholeRows) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work, bool wholeRows) const noexcept {
         Product<L>{}(work, wholeRows);
         WriteSymmetric<L>{}(work);
     }
@@ -214,9 +214,9 @@ struct MultiplyAndWrite {
 /// All of it, once the factors are there.
 template <class L, bool rootFree>
 struct Invert {
-    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         const auto areFinite = [=](const double* panels, std::size_t end, bool isUpper) {
-            return OnLanes<AllFinite<L>, L>(panels, work->steps, end, isUpper);
+            return CallOnPath<L, AllFinite<L>>(panels, work->steps, end, isUpper);
         };
         bool finite = areFinite(work->u, work->steps, true);
         if (finite) {
@@ -224,10 +224,10 @@ struct Invert {
             finite = areFinite(work->w, work->n, false) &&
                      (!rootFree || areFinite(work->z, work->n, false));
         } else {
-            OnLanes<InvertFactorPlainly<L, rootFree>, L>(work);
+            CallOnPath<L, InvertFactorPlainly<L, rootFree>>(work);
         }
-        if (!finite) OnLanes<FillZeros<L, rootFree>, L>(work);
-        OnLanes<MultiplyAndWrite<L>, L>(work, !finite);
+        if (!finite) CallOnPath<L, FillZeros<L, rootFree>>(work);
+        CallOnPath<L, MultiplyAndWrite<L>>(work, !finite);
     }
 };
 

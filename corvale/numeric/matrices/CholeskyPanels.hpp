@@ -33,7 +33,7 @@ constexpr std::size_t kChunk = 256;
 
 /// The element in lane `lane`, counted over all panels, and step `step`.
 template <class L, class T>
-CORVALE_LOOP T* Place(T* panels, std::size_t steps, std::size_t lane, std::size_t step) noexcept {
+CORVALE_INLINE T* Place(T* panels, std::size_t steps, std::size_t lane, std::size_t step) noexcept {
     return panels + (lane / L::kPanel * steps + step) * L::kPanel + lane % L::kPanel;
 }
 
@@ -51,7 +51,7 @@ struct Sum {
 /// Adds the steps of `sum` to its rows, tile by tile.
 template <class L>
 struct AddSteps {
-    CORVALE_LOOP void operator()(const Sum* sum) const noexcept {
+    CORVALE_INLINE void operator()(const Sum* sum) const noexcept {
         const double* x = sum->x + sum->first * L::kPanel;
         for (std::size_t row = sum->firstRow; row < sum->endRow; row += kTileRows) {
             Tile<L> tile;

@@ -28,7 +28,7 @@ struct SolveSmall {
     using Rows = Row[width];
 
     // Elements of all rows are also read one by one.
-    CORVALE_LOOP static const double* Of(const Row& row) noexcept {
+    CORVALE_INLINE static const double* Of(const Row& row) noexcept {
         return reinterpret_cast<const double*>(row.v);
     }
 
@@ -40,7 +40,7 @@ struct SolveSmall {
     };
 
     /// False where something is not finite: then nothing was written.
-    CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
+    CORVALE_INLINE bool operator()(const SmallSystem* system) const noexcept {
         const std::size_t n = system->n;
         if (n < 1 || n > width) return false;  // never so, but the loops are shorter for it
         Work work;
@@ -61,13 +61,13 @@ struct SolveSmall {
         return true;
     }
 
-    CORVALE_LOOP static V Position(std::size_t lane) noexcept {
+    CORVALE_INLINE static V Position(std::size_t lane) noexcept {
         return Splat<V>(static_cast<double>(lane));
     }
 
     /// Row k of A behind the diagonal, zeros elsewhere. Put together in registers: a vector that is
     /// loaded right after its elements were stored has to wait, a tenth of the time at order 3.
-    CORVALE_LOOP static Row GivenRow(const SmallSystem& system, std::size_t k) noexcept {
+    CORVALE_INLINE static Row GivenRow(const SmallSystem& system, std::size_t k) noexcept {
         Row given;
         for (std::size_t c = 0; c < kVectors; ++c) {
             V part{};
@@ -82,8 +82,8 @@ struct SolveSmall {
     }
 
     /// Row k of U: zeros before the diagonal.
-    CORVALE_LOOP static void FactorRow(const SmallSystem& system, Work& work,
-                                       std::size_t k) noexcept {
+    CORVALE_INLINE static void FactorRow(const SmallSystem& system, Work& work,
+                                         std::size_t k) noexcept {
         const Row given = GivenRow(system, k);
         Row sum{};
         for (std::size_t i = 0; i < k; ++i) {
@@ -105,8 +105,8 @@ struct SolveSmall {
     }
 
     /// The sum under a pivot is a chain of its own, so that it does not wait for a whole row.
-    CORVALE_LOOP static double NextPivot(const SmallSystem& system, const Work& work,
-                                         std::size_t k) noexcept {
+    CORVALE_INLINE static double NextPivot(const SmallSystem& system, const Work& work,
+                                           std::size_t k) noexcept {
         double sum = 0.0;
         for (std::size_t i = 0; i < k; ++i) {
             const double u = Of(work.u[i])[k];
@@ -116,7 +116,7 @@ struct SolveSmall {
         return rootFree ? rest : std::sqrt(rest);
     }
 
-    CORVALE_LOOP static double DownElement(const Work& work, std::size_t k, double b) noexcept {
+    CORVALE_INLINE static double DownElement(const Work& work, std::size_t k, double b) noexcept {
         if (k == 0) return rootFree ? b : b / work.pivots[0];
         double sum = 0.0;
         for (std::size_t i = 0; i < k; ++i) sum += Of(work.u[i])[k] * work.y[i];
@@ -124,7 +124,7 @@ struct SolveSmall {
     }
 
     /// Column k of W: zeros below the diagonal.
-    CORVALE_LOOP static void InverseColumn(Work& work, std::size_t k) noexcept {
+    CORVALE_INLINE static void InverseColumn(Work& work, std::size_t k) noexcept {
         Row sum{};
         for (std::size_t i = 0; i < k; ++i)
 #pragma GCC unroll 8
@@ -143,7 +143,7 @@ struct SolveSmall {
         }
     }
 
-    CORVALE_LOOP static void SolveUp(Work& work, std::size_t n) noexcept {
+    CORVALE_INLINE static void SolveUp(Work& work, std::size_t n) noexcept {
         double* y = work.y;
         y[n - 1] = y[n - 1] / work.pivots[n - 1];
         for (std::size_t k = n - 1; k > 0; --k) {
@@ -158,7 +158,7 @@ struct SolveSmall {
 
     /// The first n elements; whole vectors first, because a call of memcpy for each column takes a
     /// fifth of the time.
-    CORVALE_LOOP static void WriteColumn(const Row& row, std::size_t n, double* column) noexcept {
+    CORVALE_INLINE static void WriteColumn(const Row& row, std::size_t n, double* column) noexcept {
 #pragma GCC unroll 8
         for (std::size_t c = 0; c < kVectors; ++c) {
             const std::size_t first = c * L::kLanes;
@@ -173,7 +173,7 @@ struct SolveSmall {
     }
 
     /// The inverse column by column. Element (i,j) and element (j,i) are the same sum.
-    CORVALE_LOOP static void Multiply(const Work& work, std::size_t n, double* inverse) noexcept {
+    CORVALE_INLINE static void Multiply(const Work& work, std::size_t n, double* inverse) noexcept {
         const Row* left = rootFree ? work.z : work.w;
         for (std::size_t i = 0; i < n; ++i) {
             Row sum{};
@@ -194,22 +194,22 @@ struct SolveSmall {
 /// The width for an order that does not fit in four: with two lanes one width serves all of them,
 /// for the size of the library.
 template <class L, bool rootFree>
-CORVALE_LOOP bool SolveSmallOrder(const SmallSystem* system) noexcept {
-    if (system->n <= 4) return OnLanes<SolveSmall<L, 4, rootFree>, L>(system);
+CORVALE_INLINE bool SolveSmallOrder(const SmallSystem* system) noexcept {
+    if (system->n <= 4) return CallOnPath<L, SolveSmall<L, 4, rootFree>>(system);
     if constexpr (L::kLanes == 4)
-        if (system->n <= 8) return OnLanes<SolveSmall<L, 8, rootFree>, L>(system);
-    return OnLanes<SolveSmall<L, 12, rootFree>, L>(system);
+        if (system->n <= 8) return CallOnPath<L, SolveSmall<L, 8, rootFree>>(system);
+    return CallOnPath<L, SolveSmall<L, 12, rootFree>>(system);
 }
 
 template <class L>
 struct SolveSmallWithRoots {
-    CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
+    CORVALE_INLINE bool operator()(const SmallSystem* system) const noexcept {
         return SolveSmallOrder<L, false>(system);
     }
 };
 template <class L>
 struct SolveSmallWithoutRoots {
-    CORVALE_LOOP bool operator()(const SmallSystem* system) const noexcept {
+    CORVALE_INLINE bool operator()(const SmallSystem* system) const noexcept {
         return SolveSmallOrder<L, true>(system);
     }
 };

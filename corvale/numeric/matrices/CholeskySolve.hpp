@@ -13,12 +13,12 @@ template <class L>
 struct Solve {
     using V = typename L::Vector;
 
-    CORVALE_LOOP void operator()(const CholeskyWork* work) const noexcept {
+    CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         Down(*work);
         Up(*work);
     }
 
-    CORVALE_LOOP static void Down(const CholeskyWork& work) noexcept {
+    CORVALE_INLINE static void Down(const CholeskyWork& work) noexcept {
         for (std::size_t lane = 0; lane < work.n; lane += L::kPanel) {
             const double* panel = Place<L>(work.u, work.steps, lane, 0);
             V s0{}, s1{};
@@ -32,8 +32,8 @@ struct Solve {
         }
     }
 
-    CORVALE_LOOP static void DownPanel(const CholeskyWork& work, std::size_t lane,
-                                       const double* panel, double* sums) noexcept {
+    CORVALE_INLINE static void DownPanel(const CholeskyWork& work, std::size_t lane,
+                                         const double* panel, double* sums) noexcept {
         const std::size_t count = std::min(L::kPanel, work.n - lane);
         for (std::size_t c = 0; c < count; ++c) {
             const std::size_t k = lane + c;
@@ -43,13 +43,13 @@ struct Solve {
         }
     }
 
-    CORVALE_LOOP static double DownElement(const CholeskyWork& work, std::size_t k, double b,
-                                           double sum) noexcept {
+    CORVALE_INLINE static double DownElement(const CholeskyWork& work, std::size_t k, double b,
+                                             double sum) noexcept {
         if (work.rootFree) return k == 0 ? b : b - sum;
         return k == 0 ? b / work.pivots[0] : work.reciprocals[k] * (b - sum);
     }
 
-    CORVALE_LOOP static void Up(const CholeskyWork& work) noexcept {
+    CORVALE_INLINE static void Up(const CholeskyWork& work) noexcept {
         double* sums = work.squares;  // no longer needed for pivots
         std::fill(sums, sums + work.steps, 0.0);
         for (std::size_t after = (work.n + L::kPanel - 1) / L::kPanel; after > 0; --after) {
@@ -68,8 +68,9 @@ struct Solve {
         }
     }
 
-    CORVALE_LOOP static void UpPanel(const CholeskyWork& work, std::size_t lane, std::size_t count,
-                                     const double* panel, double* sums) noexcept {
+    CORVALE_INLINE static void UpPanel(const CholeskyWork& work, std::size_t lane,
+                                       std::size_t count, const double* panel,
+                                       double* sums) noexcept {
         for (std::size_t c = count; c > 0; --c) {
             const std::size_t k = lane + c - 1;
             work.y[k] = k + 1 == work.n ? work.y[k] / work.pivots[k]
@@ -81,8 +82,8 @@ struct Solve {
 
     /// The terms of a panel's columns, last to first, in the sums of as many rows as there are
     /// lanes.
-    CORVALE_LOOP static void AddColumns(const double* rows, const double* x,
-                                        double* sums) noexcept {
+    CORVALE_INLINE static void AddColumns(const double* rows, const double* x,
+                                          double* sums) noexcept {
         V sum = At<V>(sums);
         for (std::size_t c = L::kPanel; c > 0; c -= L::kLanes) {
             const double* from = rows + c - L::kLanes;

@@ -40,15 +40,15 @@ template <class L>
 struct InvertByPanels {
     using V = typename L::Vector;
 
-    CORVALE_LOOP Outcome operator()(const InversionWork* work) const noexcept {
+    CORVALE_INLINE Outcome operator()(const InversionWork* work) const noexcept {
         const std::size_t n = work->record.order;
         for (std::size_t k = 0; k < n; k += kOuterSteps) {
             const std::size_t end = std::min(k + kOuterSteps, n);
             std::size_t made = 0;
             std::fill(work->pivotW, work->pivotW + kOuterSteps * kOuterSteps, 0.0);
             if (!ReduceGroup(*work, k, end, made)) return Outcome::NotFinite;
-            if (!OnLanes<TakeStepsToColumns, L>(work, std::size_t{0}, made, std::size_t{0}, k) ||
-                !OnLanes<TakeStepsToColumns, L>(work, std::size_t{0}, made, end, n))
+            if (!CallOnPath<L, TakeStepsToColumns>(work, std::size_t{0}, made, std::size_t{0}, k) ||
+                !CallOnPath<L, TakeStepsToColumns>(work, std::size_t{0}, made, end, n))
                 return Outcome::NotFinite;
             if (k + made < end) return Outcome::Stopped;
         }
@@ -57,14 +57,14 @@ struct InvertByPanels {
 
     /// Makes the steps from k to `end` on the columns k to `end`. `made` is how many there were
     /// pivots for. False where something is not finite.
-    CORVALE_LOOP static bool ReduceGroup(const InversionWork& work, std::size_t k, std::size_t end,
-                                         std::size_t& made) noexcept {
+    CORVALE_INLINE static bool ReduceGroup(const InversionWork& work, std::size_t k,
+                                           std::size_t end, std::size_t& made) noexcept {
         for (std::size_t first = k; first < end; first += kInnerSteps) {
             const std::size_t innerEnd = std::min(first + kInnerSteps, end);
             const std::size_t before = made;
-            made += OnLanes<ReduceColumns, L>(&work, k, first, innerEnd);
-            if (!OnLanes<TakeStepsToColumns, L>(&work, before, made, k, first) ||
-                !OnLanes<TakeStepsToColumns, L>(&work, before, made, innerEnd, end))
+            made += CallOnPath<L, ReduceColumns>(&work, k, first, innerEnd);
+            if (!CallOnPath<L, TakeStepsToColumns>(&work, before, made, k, first) ||
+                !CallOnPath<L, TakeStepsToColumns>(&work, before, made, innerEnd, end))
                 return false;
             if (k + made < innerEnd) break;
         }
@@ -74,8 +74,8 @@ struct InvertByPanels {
     /// Makes the steps `first` to `end` of the group that began with step k on their own columns.
     /// Returns how many there were pivots for.
     struct ReduceColumns {
-        CORVALE_LOOP std::size_t operator()(const InversionWork* work, std::size_t k,
-                                            std::size_t first, std::size_t end) const noexcept {
+        CORVALE_INLINE std::size_t operator()(const InversionWork* work, std::size_t k,
+                                              std::size_t first, std::size_t end) const noexcept {
             const std::size_t length = Length(*work);
             double* w = work->columns + kInnerSteps * length;
             CopyColumns<true>(*work, first, end);
@@ -92,13 +92,13 @@ struct InvertByPanels {
         }
     };
 
-    CORVALE_LOOP static std::size_t Length(const InversionWork& work) noexcept {
+    CORVALE_INLINE static std::size_t Length(const InversionWork& work) noexcept {
         return (work.record.order + L::kPanel - 1) / L::kPanel * L::kPanel;
     }
 
     template <bool out>
-    CORVALE_LOOP static void CopyColumns(const InversionWork& work, std::size_t first,
-                                         std::size_t end) noexcept {
+    CORVALE_INLINE static void CopyColumns(const InversionWork& work, std::size_t first,
+                                           std::size_t end) noexcept {
         const std::size_t length = Length(work), order = work.record.order;
         for (std::size_t i = 0; i < length; i += L::kPanel)
             for (std::size_t j = first; j < end; ++j) {
@@ -111,8 +111,8 @@ struct InvertByPanels {
     }
 
     /// Puts the w of step s of the group, made with pivot row `row`, where the tiles read them.
-    CORVALE_LOOP static void KeepStep(const InversionWork& work, std::size_t s, std::size_t row,
-                                      const double* w) noexcept {
+    CORVALE_INLINE static void KeepStep(const InversionWork& work, std::size_t s, std::size_t row,
+                                        const double* w) noexcept {
         work.rows[s] = row;
         double* rowW = work.w + row / L::kPanel * L::kPanel * kOuterSteps + row % L::kPanel;
         double* pivotW = work.pivotW + s / L::kPanel * L::kPanel * kOuterSteps + s % L::kPanel;
@@ -129,8 +129,9 @@ struct InvertByPanels {
     /// Takes the steps `first` to `end` of the group to the columns from `column` to `columnEnd`.
     /// False where a t is not finite.
     struct TakeStepsToColumns {
-        CORVALE_LOOP bool operator()(const InversionWork* work, std::size_t first, std::size_t end,
-                                     std::size_t column, std::size_t columnEnd) const noexcept {
+        CORVALE_INLINE bool operator()(const InversionWork* work, std::size_t first,
+                                       std::size_t end, std::size_t column,
+                                       std::size_t columnEnd) const noexcept {
             for (std::size_t from = column; from < columnEnd; from += kColumns) {
                 const std::size_t to = std::min(from + kColumns, columnEnd);
                 for (std::size_t j = from; j < to; j += L::kPanel)
@@ -145,8 +146,9 @@ struct InvertByPanels {
     };
 
     /// The t of up to a panel of columns, taken out of the matrix. False where one is not finite.
-    CORVALE_LOOP static bool FindT(const InversionWork& work, std::size_t first, std::size_t end,
-                                   std::size_t column, std::size_t columnEnd, double* t) noexcept {
+    CORVALE_INLINE static bool FindT(const InversionWork& work, std::size_t first, std::size_t end,
+                                     std::size_t column, std::size_t columnEnd,
+                                     double* t) noexcept {
         for (std::size_t s = first; s < end; ++s) {
             const std::size_t row = work.rows[s];
             double* element = work.matrix + row / L::kPanel * L::kPanel * work.record.order +
@@ -162,8 +164,8 @@ struct InvertByPanels {
         return SolveT(work, first, end, t);
     }
 
-    CORVALE_LOOP static bool SolveT(const InversionWork& work, std::size_t first, std::size_t end,
-                                    double* t) noexcept {
+    CORVALE_INLINE static bool SolveT(const InversionWork& work, std::size_t first, std::size_t end,
+                                      double* t) noexcept {
         V check{};
         for (std::size_t s = first; s < end; s += kTileRows) {
             const double* pivotW =
@@ -191,9 +193,9 @@ struct InvertByPanels {
     }
 
     /// All steps on one panel of rows, tile by tile.
-    CORVALE_LOOP static void UpdateRows(const InversionWork& work, std::size_t first,
-                                        std::size_t end, std::size_t column, std::size_t columnEnd,
-                                        std::size_t row) noexcept {
+    CORVALE_INLINE static void UpdateRows(const InversionWork& work, std::size_t first,
+                                          std::size_t end, std::size_t column,
+                                          std::size_t columnEnd, std::size_t row) noexcept {
         double* panel = work.matrix + row * work.record.order;
         const double* w = work.w + row * kOuterSteps + first * L::kPanel;
         std::size_t j = column;
@@ -207,14 +209,14 @@ struct InvertByPanels {
             UpdateColumn(panel + j * L::kPanel, w, TAt(work, j - column, first), end - first);
     }
 
-    CORVALE_LOOP static const double* TAt(const InversionWork& work, std::size_t column,
-                                          std::size_t step) noexcept {
+    CORVALE_INLINE static const double* TAt(const InversionWork& work, std::size_t column,
+                                            std::size_t step) noexcept {
         return work.t + column / L::kPanel * L::kPanel * kOuterSteps + step * L::kPanel +
                column % L::kPanel;
     }
 
-    CORVALE_LOOP static void UpdateColumn(double* place, const double* w, const double* t,
-                                          std::size_t steps) noexcept {
+    CORVALE_INLINE static void UpdateColumn(double* place, const double* w, const double* t,
+                                            std::size_t steps) noexcept {
         V r0 = At<V>(place), r1 = At<V>(place + L::kLanes);
         for (; steps > 0; --steps, w += L::kPanel, t += L::kPanel)
             r0 -= At<V>(w) * *t, r1 -= At<V>(w + L::kLanes) * *t;

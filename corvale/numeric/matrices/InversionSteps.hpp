@@ -36,8 +36,8 @@ struct FindPivot {
     using V = typename L::Vector;
     using Bits = typename L::Bits;
 
-    CORVALE_LOOP std::size_t operator()(const double* column,
-                                        const PivotRecord* record) const noexcept {
+    CORVALE_INLINE std::size_t operator()(const double* column,
+                                          const PivotRecord* record) const noexcept {
         V most{};
         std::size_t i = 0;
         for (; i + L::kLanes <= record->order; i += L::kLanes) {
@@ -57,11 +57,11 @@ struct FindPivot {
         while (Magnitude(column, record, row) != largest) ++row;
         return row;
     }
-    CORVALE_LOOP static Bits OpenAt(const PivotRecord* record, std::size_t i) noexcept {
+    CORVALE_INLINE static Bits OpenAt(const PivotRecord* record, std::size_t i) noexcept {
         return *reinterpret_cast<const Bits*>(record->open + i);
     }
-    CORVALE_LOOP static double Magnitude(const double* column, const PivotRecord* record,
-                                         std::size_t i) noexcept {
+    CORVALE_INLINE static double Magnitude(const double* column, const PivotRecord* record,
+                                           std::size_t i) noexcept {
         return std::bit_cast<double>(std::bit_cast<std::int64_t>(column[i]) & INT64_MAX &
                                      record->open[i]);
     }
@@ -69,8 +69,8 @@ struct FindPivot {
 
 /// The pivot row of step k (from 0), noted in the record; kNoPivot where there is none.
 template <class L>
-CORVALE_LOOP std::size_t TakePivot(const double* column, std::size_t k,
-                                   const PivotRecord* record) noexcept {
+CORVALE_INLINE std::size_t TakePivot(const double* column, std::size_t k,
+                                     const PivotRecord* record) noexcept {
     std::size_t row = k;
     if (record->searched) {
         row = FindPivot<L>{}(column, record);
@@ -85,8 +85,8 @@ CORVALE_LOOP std::size_t TakePivot(const double* column, std::size_t k,
 
 /// One step on `count` columns, `own` being the pivot's; `w` gets a copy of what becomes of that.
 template <class L>
-CORVALE_LOOP void Eliminate(double* columns, std::size_t length, std::size_t count, std::size_t own,
-                            std::size_t row, double* w) noexcept {
+CORVALE_INLINE void Eliminate(double* columns, std::size_t length, std::size_t count,
+                              std::size_t own, std::size_t row, double* w) noexcept {
     using V = typename L::Vector;
     double* pivotColumn = columns + own * length;
     const double q = 1.0 / pivotColumn[row];
@@ -106,8 +106,8 @@ CORVALE_LOOP void Eliminate(double* columns, std::size_t length, std::size_t cou
 /// All steps on a whole matrix. Returns how many could be made.
 template <class L>
 struct InvertBySteps {
-    CORVALE_LOOP std::size_t operator()(double* matrix, std::size_t length,
-                                        const PivotRecord* record, double* w) const noexcept {
+    CORVALE_INLINE std::size_t operator()(double* matrix, std::size_t length,
+                                          const PivotRecord* record, double* w) const noexcept {
         for (std::size_t k = 0; k < record->order; ++k) {
             const std::size_t row = TakePivot<L>(matrix + k * length, k, record);
             if (row == kNoPivot) return k;
@@ -125,7 +125,8 @@ struct InvertShort {
     using V = typename L::Vector;
     static constexpr std::size_t kVectors = length / L::kLanes;
 
-    CORVALE_LOOP std::size_t operator()(double* matrix, const PivotRecord* record) const noexcept {
+    CORVALE_INLINE std::size_t operator()(double* matrix,
+                                          const PivotRecord* record) const noexcept {
         const std::size_t order = std::min(record->order, length);
         for (std::size_t k = 0; k < order; ++k) {
             const std::size_t row = TakePivot<L>(matrix + k * length, k, record);
@@ -134,8 +135,8 @@ struct InvertShort {
         }
         return order;
     }
-    CORVALE_LOOP static void Step(double* matrix, std::size_t order, std::size_t own,
-                                  std::size_t row) noexcept {
+    CORVALE_INLINE static void Step(double* matrix, std::size_t order, std::size_t own,
+                                    std::size_t row) noexcept {
         double* pivotColumn = matrix + own * length;
         const double q = 1.0 / pivotColumn[row];
         V w[kVectors];
@@ -158,7 +159,7 @@ struct InvertShort {
         for (std::size_t c = 0; c < kVectors; ++c) At<V>(pivotColumn + c * L::kLanes) = w[c];
     }
     /// All bits set in the lane of `row`, none in the others.
-    CORVALE_LOOP static auto IsRow(std::size_t vector, std::size_t row) noexcept {
+    CORVALE_INLINE static auto IsRow(std::size_t vector, std::size_t row) noexcept {
         return LaneNumbers<L>(vector) == Splat<V>(static_cast<double>(row));
     }
 };

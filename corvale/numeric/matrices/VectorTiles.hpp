@@ -21,13 +21,13 @@
 
 namespace corvale::internal {
 
-struct TwoLanes {
+struct TwoLanes : BaselinePath {
     static constexpr std::size_t kLanes = 2, kPanel = 4;
     using Vector [[gnu::vector_size(16), gnu::may_alias]] = double;
     using Bits [[gnu::vector_size(16)]] = std::int64_t;
 };
 
-struct FourLanes {
+struct FourLanes : Avx2Path {
     static constexpr std::size_t kLanes = 4, kPanel = 8;
     using Vector [[gnu::vector_size(32), gnu::may_alias]] = double;
     using Bits [[gnu::vector_size(32)]] = std::int64_t;
@@ -42,49 +42,25 @@ constexpr std::size_t RoundUp(std::size_t n, std::size_t unit) noexcept {
 
 constexpr std::size_t kTileRows = 4;
 
-template <class Step, class... Args>
-[[gnu::noinline]] auto WithTwoLanes(Args... args) noexcept {
-    return Step{}(args...);
-}
-
-/// Runs `Step`, made for the lanes `L`, as a function of its own. Only to be called where the
-/// processor has these lanes.
-template <class Step, class L, class... Args>
-CORVALE_LOOP auto OnLanes(Args... args) noexcept {
-#if CORVALE_HAS_AVX2_PATH
-    if constexpr (L::kLanes == FourLanes::kLanes) return WithAvx2<Step>(args...);
-#endif
-    if constexpr (L::kLanes == TwoLanes::kLanes) return WithTwoLanes<Step>(args...);
-}
-
-/// Runs `Loop` with the widest lanes of this processor.
-template <template <class> class Loop, class... Args>
-auto OnWidestLanes(Args... args) noexcept {
-#if CORVALE_HAS_AVX2_PATH
-    if (HasAvx2()) return WithAvx2<Loop<FourLanes>>(args...);
-#endif
-    return WithTwoLanes<Loop<TwoLanes>>(args...);
-}
-
 /// The aligned vector at `p`.
 template <class V>
-CORVALE_LOOP V& At(double* p) noexcept {  // NOLINT(readability-non-const-parameter)
+CORVALE_INLINE V& At(double* p) noexcept {  // NOLINT(readability-non-const-parameter)
     return *reinterpret_cast<V*>(p);
 }
 template <class V>
-CORVALE_LOOP const V& At(const double* p) noexcept {
+CORVALE_INLINE const V& At(const double* p) noexcept {
     return *reinterpret_cast<const V*>(p);
 }
 
 /// `value` in every lane, a -0.0 as well.
 template <class V>
-CORVALE_LOOP V Splat(double value) noexcept {
+CORVALE_INLINE V Splat(double value) noexcept {
     return value - V{};
 }
 
 /// The numbers of the lanes of a row's vector `vector`, counted on from vector to vector.
 template <class L>
-CORVALE_LOOP typename L::Vector LaneNumbers(std::size_t vector) noexcept {
+CORVALE_INLINE typename L::Vector LaneNumbers(std::size_t vector) noexcept {
     typename L::Vector numbers{};
     for (std::size_t i = 0; i < L::kLanes; ++i)
         numbers[i] = static_cast<double>(vector * L::kLanes + i);
@@ -98,22 +74,22 @@ struct Tile {
     using V = typename L::Vector;
     V row[kTileRows][2];
 
-    CORVALE_LOOP void Clear() noexcept {
+    CORVALE_INLINE void Clear() noexcept {
 #pragma GCC unroll 4
         for (auto& r : row) r[0] = r[1] = V{};
     }
-    CORVALE_LOOP void Load(const double* p) noexcept {
+    CORVALE_INLINE void Load(const double* p) noexcept {
 #pragma GCC unroll 4
         for (std::size_t r = 0; r < kTileRows; ++r, p += L::kPanel)
             row[r][0] = At<V>(p), row[r][1] = At<V>(p + L::kLanes);
     }
-    CORVALE_LOOP void Store(double* p) const noexcept {
+    CORVALE_INLINE void Store(double* p) const noexcept {
 #pragma GCC unroll 4
         for (std::size_t r = 0; r < kTileRows; ++r, p += L::kPanel)
             At<V>(p) = row[r][0], At<V>(p + L::kLanes) = row[r][1];
     }
     /// Row r gains x(k) y(k, r) for each of `steps` steps k, one after the other.
-    CORVALE_LOOP void Add(const double* x, const double* y, std::size_t steps) noexcept {
+    CORVALE_INLINE void Add(const double* x, const double* y, std::size_t steps) noexcept {
         for (; steps > 0; --steps, x += L::kPanel, y += L::kPanel) {
             const V x0 = At<V>(x), x1 = At<V>(x + L::kLanes);
 #pragma GCC unroll 4
@@ -122,7 +98,7 @@ struct Tile {
         }
     }
     /// Row r loses x(k) y(k, r) for each of `steps` steps k, one after the other.
-    CORVALE_LOOP void Subtract(const double* x, const double* y, std::size_t steps) noexcept {
+    CORVALE_INLINE void Subtract(const double* x, const double* y, std::size_t steps) noexcept {
         for (; steps > 0; --steps, x += L::kPanel, y += L::kPanel) {
             const V x0 = At<V>(x), x1 = At<V>(x + L::kLanes);
 #pragma GCC unroll 4
@@ -140,19 +116,19 @@ struct Block {
     V v0, v1, v2, v3;
 
     template <class Where>
-    CORVALE_LOOP void Load(const Where& where) noexcept {
+    CORVALE_INLINE void Load(const Where& where) noexcept {
         std::memcpy(&v0, where(0), sizeof v0), std::memcpy(&v1, where(1), sizeof v1);
         if constexpr (L::kLanes == 4)
             std::memcpy(&v2, where(2), sizeof v2), std::memcpy(&v3, where(3), sizeof v3);
     }
     template <class Where>
-    CORVALE_LOOP void Store(const Where& where) const noexcept {
+    CORVALE_INLINE void Store(const Where& where) const noexcept {
         std::memcpy(where(0), &v0, sizeof v0), std::memcpy(where(1), &v1, sizeof v1);
         if constexpr (L::kLanes == 4)
             std::memcpy(where(2), &v2, sizeof v2), std::memcpy(where(3), &v3, sizeof v3);
     }
     /// Lane r of vector c becomes lane c of vector r.
-    CORVALE_LOOP void Turn() noexcept {
+    CORVALE_INLINE void Turn() noexcept {
         if constexpr (L::kLanes == 2) {
             const V p = v0;
             v0 = __builtin_shufflevector(p, v1, 0, 2);
