@@ -11,7 +11,7 @@ shift
 cannot_fail='mem(chr|cmp|cpy|move|set)|sqrt|fmod|acos|atan2?|exp|pow|sin|cos|sincos
 __popcountdi2|__errno_location|__libc_single_threaded|_GLOBAL_OFFSET_TABLE_|__aarch64_.*
 pthread_mutex_(un)?lock|pthread_sigmask|sig(addset|emptyset|ismember|pending)
-exit|fprintf|stderr|__gxx_personality_v0|_ZSt7nothrow|_ZSt24__throw_out_of_range_fmtPKcz
+exit|(__)?fprintf(_chk)?|stderr|__stack_chk_fail|__memcpy_chk|__gxx_personality_v0|_ZSt7nothrow|_ZSt24__throw_out_of_range_fmtPKcz
 _ZSt20__throw_system_errori|_ZSt8to_charsPcS_dSt12chars_formati'
 
 known="$cannot_fail|$(IFS='|'; echo "$*")"

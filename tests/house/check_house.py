@@ -192,6 +192,14 @@ def check_exports(source, library, nodes):
         fault(f"{library}: plain names differ from the C API: {sorted(plain ^ wanted)}")
 
 
+def check_hardened(library):
+    """Imports are bound before the first call, and stack arrays are guarded."""
+    wanted = {"BIND_NOW": ["readelf", "-dW", library], "__stack_chk_fail": ["nm", "-D", library]}
+    for mark, command in wanted.items():
+        if mark not in subprocess.run(command, check=True, capture_output=True, text=True).stdout:
+            fault(f"{library}: not hardened, no {mark}")
+
+
 def check_fuzzed(source, names):
     """Every public procedure stands in the table that tells which fuzz target calls it."""
     table = set(re.findall(r"`(\w+)`", (source / "fuzz/README.md").read_text()))
@@ -220,6 +228,7 @@ def main(arguments):
     nodes = check_versions(source)
     if len(arguments) > 1:
         check_exports(source, arguments[1], nodes)
+        check_hardened(arguments[1])
     print("\n".join(faults))
     return 1 if faults else 0
 

@@ -50,7 +50,7 @@ class CommaLocaleScope {
   public:
     CommaLocaleScope() {
         directory_ = (std::filesystem::temp_directory_path() / "corvale_locale_XXXXXX").string();
-        ::mkdtemp(directory_.data());
+        if (::mkdtemp(directory_.data()) == nullptr) return;
         const std::string target = directory_ + "/de_DE.UTF-8";
         // it warns and ends with 1 even when all is well
         const int status =
