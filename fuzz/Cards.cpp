@@ -109,8 +109,10 @@ void CompareExplained(const char* path, const reference::CardOutcome& wanted) {
     for (tool::Line line; input.ReadLine(line, tool::kLineKept);)
         static_cast<void>(tool::ExplainLine(line, said));
     Expect(!input.Failure(), "the file is explained");
-    ExpectSame(said.setsElsetKeyMode, wanted.modes.elset != 0, "explained element-set key mode");
-    ExpectSame(said.setsAllKeyMode, wanted.modes.all != 0, "explained all-key mode");
+    ExpectSame(said.setsMode.test(internal::kElsetKeys), wanted.modes.elset != 0,
+               "explained element-set key mode");
+    ExpectSame(said.setsMode.test(internal::kAllKeys), wanted.modes.all != 0,
+               "explained all-key mode");
     for (std::size_t i = 0; i < wanted.moic.size(); ++i)
         ExpectSame(said.isSet[i] ? said.values[i] : kOld, wanted.moic[i], "explained element");
 }

@@ -68,13 +68,10 @@ void LookBehindKeyword(std::string_view line, std::string_view keyword, Explaine
              "no card sets a mode back to 0; take the card out"});
 }
 
-Explained ExplainMode(std::string_view line, Keyword keyword, FileContent& content) {
-    const bool isAll = keyword == Keyword::DmaAllOn;
-    (isAll ? content.setsAllKeyMode : content.setsElsetKeyMode) = true;
-    Explained explained{
-        LineKind::Card,
-        Joined(Name(keyword), " sets the ", isAll ? "all-key" : "element-set key", " mode to 1")};
-    LookBehindKeyword(line, Name(keyword), explained);
+Explained ExplainMode(std::string_view line, const Card& card, FileContent& content) {
+    content.setsMode.set(*card.mode);
+    Explained explained{LineKind::Card, Joined(NameOf(card), " ", card.effect)};
+    LookBehindKeyword(line, NameOf(card), explained);
     return explained;
 }
 
@@ -100,17 +97,9 @@ Explained Explain(const Line& line, FileContent& content) {
     const std::string_view columns = std::string_view(line.text).substr(0, kColumns);
     if (columns.starts_with('*')) return {LineKind::Comment};
     if (StrFunctions::IsBlankOrNull(columns) == 1) return {LineKind::Blank};
-    switch (CardOf(columns)) {
-        case Keyword::Moic:
-            return ExplainMoic(line.text, content);
-        case Keyword::DmaOn:
-            return ExplainMode(columns, Keyword::DmaOn, content);
-        case Keyword::DmaAllOn:
-            return ExplainMode(columns, Keyword::DmaAllOn, content);
-        case Keyword::None:
-            break;
-    }
-    return ExplainOther(line);
+    const Card* const card = CardOf(columns);
+    if (card == nullptr) return ExplainOther(line);
+    return card->mode ? ExplainMode(columns, *card, content) : ExplainMoic(line.text, content);
 }
 
 }  // namespace

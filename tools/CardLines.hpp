@@ -28,8 +28,7 @@ struct Explained {
 /// What the lines of a file so far hold and set. Modes and values are those that loading the file
 /// sets; what it leaves as it was is not set.
 struct FileContent {
-    bool setsElsetKeyMode = false;
-    bool setsAllKeyMode = false;
+    std::bitset<internal::kKeyModes.size()> setsMode;  ///< to 1
     std::array<double, kElements> values{};
     std::bitset<kElements> isSet;
 

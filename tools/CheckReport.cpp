@@ -18,6 +18,8 @@ namespace corvale::tool {
 
 namespace {
 
+using internal::kKeyModes;
+
 constexpr std::size_t kExcerpt = 72;  // columns of a line that are shown
 
 std::string Count(std::uint64_t count, std::string_view noun) {
@@ -56,7 +58,12 @@ void PrintExcerpt(const Line& line, const Finding& finding) {
 }
 
 bool SetsAnything(const FileContent& content) {
-    return content.setsElsetKeyMode || content.setsAllKeyMode || content.isSet.any();
+    return content.setsMode.any() || content.isSet.any();
+}
+
+void PrintModes(const FileContent& content) {
+    for (std::size_t i = 0; i < kKeyModes.size(); ++i)
+        if (content.setsMode[i]) std::cout << "  " << PaddedName(kKeyModes[i]) << "1\n";
 }
 
 void PrintValues(const FileContent& content) {
@@ -131,8 +138,7 @@ class TextReport : public QuietReport {
                   << Count(content.lines, "line") << ", " << Count(content.cards, "card") << ", "
                   << Count(content.findings, "finding") << "; loading it "
                   << (SetsAnything(content) ? "sets" : "sets nothing") << '\n';
-        if (content.setsElsetKeyMode) std::cout << "  element-set key mode  1\n";
-        if (content.setsAllKeyMode) std::cout << "  all-key mode          1\n";
+        PrintModes(content);
         PrintValues(content);
         PrintBytes(content);
     }
@@ -159,17 +165,23 @@ nlohmann::ordered_json JsonFinding(std::uint64_t line, const Finding& finding) {
             {"code", finding.code}, {"message", finding.message}, {"help", finding.help}};
 }
 
+constexpr bool IsSetByCards(std::size_t mode) {
+    return std::ranges::any_of(internal::kCards,
+                               [&](const auto& card) { return card.mode == mode; });
+}
+
 nlohmann::ordered_json JsonSets(const FileContent& content) {
     nlohmann::ordered_json moic = nlohmann::ordered_json::array();
     for (std::size_t i = 0; i < kElements; ++i)
         moic.push_back(content.isSet[i] ? JsonReal(content.values[i]) : nullptr);
-    const auto mode = [](bool isSet) -> nlohmann::ordered_json {
-        if (isSet) return 1;
-        return nullptr;
-    };
-    return {{"elsetKeyMode", mode(content.setsElsetKeyMode)},
-            {"allKeyMode", mode(content.setsAllKeyMode)},
-            {"moic", moic}};
+    nlohmann::ordered_json sets;
+    for (std::size_t i = 0; i < kKeyModes.size(); ++i) {
+        if (!IsSetByCards(i)) continue;
+        nlohmann::ordered_json& mode = sets[std::string(kKeyModes[i].id)];
+        if (content.setsMode[i]) mode = 1;
+    }
+    sets["moic"] = moic;
+    return sets;
 }
 
 class JsonReport : public QuietReport {

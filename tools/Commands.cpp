@@ -69,23 +69,20 @@ void PrintJson(int status) {
         else
             moic.push_back(RealText(value));
     }
-    const nlohmann::ordered_json all = {
-        {"status", status},
-        {"message", status == CORVALE_OK ? "" : MessageFrom(GetLastErrMsg)},
-        {"elsetKeyMode", GetElsetKeyMode()},
-        {"allKeyMode", GetAllKeyMode()},
-        {"dupKeyMode", GetDupKeyMode()},
-        {"moic", moic}};
+    nlohmann::ordered_json all = {
+        {"status", status}, {"message", status == CORVALE_OK ? "" : MessageFrom(GetLastErrMsg)}};
+    for (const internal::KeyMode& mode : internal::kKeyModes)
+        all[std::string(mode.id)] = mode.get();
+    all["moic"] = moic;
     std::cout << all.dump(2) << '\n';
 }
 
 void PrintTable() {
     constexpr std::size_t perRow = 4;
-    std::cout << MessageFrom(CorvaleGetInfo) << "\n\n"
-              << "element-set key mode  " << GetElsetKeyMode() << '\n'
-              << "all-key mode          " << GetAllKeyMode() << '\n'
-              << "duplication key mode  " << GetDupKeyMode() << "\n\n"
-              << "MOIC\n";
+    std::cout << MessageFrom(CorvaleGetInfo) << "\n\n";
+    for (const internal::KeyMode& mode : internal::kKeyModes)
+        std::cout << PaddedName(mode) << mode.get() << '\n';
+    std::cout << "\nMOIC\n";
     const Values values = AllValues();
     for (std::size_t i = 0; i < values.size(); i += perRow) {
         std::cout << std::setw(3) << i + 1 << " to " << std::setw(3) << i + perRow;

@@ -3,19 +3,18 @@
 #include "Joined.hpp"
 #include "RealWords.hpp"
 
-#include <corvale/core/CorvaleCardReading.hpp>
 #include <corvale/text/StrFunctions.hpp>
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 namespace corvale::tool {
 
 namespace {
 
-constexpr std::size_t kLongestKeyword = 13;
-constexpr std::array<std::string_view, 4> kNames = {"", "QZ_MOIC", "QZ_DMA_ON", "QZ_DMA_ALL_ON"};
+using internal::kCardLetters;
+using internal::kCards;
+using internal::kLongestKeyword;
 
 // By how many insertions, losses, changes and exchanges of neighbours `a` differs from `b`.
 std::size_t Distance(std::string_view a, std::string_view b) {
@@ -35,33 +34,47 @@ std::size_t Distance(std::string_view a, std::string_view b) {
     return row[b.size()];
 }
 
-// Whether `word` can differ from a keyword in no more than two places: then a Q or Z is left at its
-// beginning, or all that follows them. Saves the time of most lines.
+// Whether `word` can differ from a keyword in no more than two places: then one of the first two
+// letters is left at its beginning, or the underscore that follows them. Saves the time of most
+// lines.
 bool MayBeNear(std::string_view word) {
-    return word.size() >= 5 && (word.substr(0, 3).find_first_of("QZ") != std::string_view::npos ||
-                                word.find('_') != std::string_view::npos);
+    static_assert(std::ranges::all_of(kCards, [](const Card& card) {
+        return card.keyword[kCardLetters.size()] == '_' && NameOf(card).size() >= 7;
+    }));
+    return word.size() >= 5 &&
+           (word.substr(0, 3).find_first_of(kCardLetters) != std::string_view::npos ||
+            word.find('_') != std::string_view::npos);
 }
 
-// The keyword that `word` differs from in one or two places.
-Keyword Nearest(std::string_view word) {
+// The card whose name differs from `word` in one or two places.
+const Card* Nearest(std::string_view word) {
     constexpr std::size_t most = 2;
-    if (!MayBeNear(word)) return Keyword::None;
-    Keyword nearest = Keyword::None;
+    if (!MayBeNear(word)) return nullptr;
+    const Card* nearest = nullptr;
     std::size_t least = most + 1;
-    for (const Keyword keyword : {Keyword::Moic, Keyword::DmaOn, Keyword::DmaAllOn}) {
-        const std::size_t distance = Distance(word, Name(keyword));
-        if (distance < least) nearest = keyword;
+    for (const Card& card : kCards) {
+        const std::size_t distance = Distance(word, NameOf(card));
+        if (distance < least) nearest = &card;
         least = std::min(least, distance);
     }
     return nearest;
 }
 
-// Which keyword begins `text`, with whatever behind it.
-Keyword Beginning(std::string_view text) {
+// The card whose name begins `text`, whatever follows.
+const Card* Beginning(std::string_view text) {
     const std::string start = UpperCase(text.substr(0, kLongestKeyword));
-    for (const Keyword keyword : {Keyword::Moic, Keyword::DmaOn, Keyword::DmaAllOn})
-        if (start.starts_with(Name(keyword))) return keyword;
-    return Keyword::None;
+    const auto* const card = std::ranges::find_if(
+        kCards, [&](const Card& each) { return start.starts_with(NameOf(each)); });
+    return card == kCards.end() ? nullptr : card;
+}
+
+// Whether `word` is the name of a card that sets a mode, with OFF for ON.
+bool SwitchesOff(std::string_view word) {
+    return std::ranges::any_of(kCards, [&](const Card& card) {
+        const std::string_view name = NameOf(card);
+        return card.mode && name.ends_with("_ON") &&
+               word == Joined(name.substr(0, name.size() - 2), "OFF");
+    });
 }
 
 // The blanks, control characters and bytes above 127 that `line` begins with.
@@ -77,27 +90,23 @@ std::string WhatStandsBefore(std::string_view before) {
     return ByteName(before[before.find_first_not_of(' ')]);
 }
 
-Finding NotInFirstColumn(std::string_view before, Keyword keyword) {
-    return {"not-in-column-1", before.size() + 1, Name(keyword).size(),
-            Joined(Name(keyword), " is not read as a card: it begins in column ", before.size() + 1,
+Finding NotInFirstColumn(std::string_view before, const Card& card) {
+    return {"not-in-column-1", before.size() + 1, NameOf(card).size(),
+            Joined(NameOf(card), " is not read as a card: it begins in column ", before.size() + 1,
                    ", behind ", WhatStandsBefore(before)),
             "keywords begin in column 1; a comment begins with *"};
 }
 
-// Only QZ_MOIC can begin a line that is no card.
-Finding NoBlankBehind(std::string_view line) {
-    constexpr std::size_t size = 7;
-    return {"no-blank-in-column-8", size + 1, 1,
-            Joined("QZ_MOIC is not read as a card: column 8 holds ", ByteName(line[size]),
-                   " where a blank is needed"),
+// Of a line that begins with the name of `card` and is no card.
+Finding NoBlankBehind(std::string_view line, const Card& card) {
+    const std::size_t size = NameOf(card).size();
+    return {Joined("no-blank-in-column-", size + 1), size + 1, 1,
+            Joined(NameOf(card), " is not read as a card: column ", size + 1, " holds ",
+                   ByteName(line[size]), " where a blank is needed"),
             ""};
 }
 
 }  // namespace
-
-std::string_view Name(Keyword keyword) {
-    return kNames[static_cast<std::size_t>(keyword)];
-}
 
 std::string UpperCase(std::string_view text) {
     std::string upper(text);
@@ -105,42 +114,38 @@ std::string UpperCase(std::string_view text) {
     return upper;
 }
 
-Keyword CardOf(std::string_view line) {
-    const std::int32_t code =
-        CorvaleCardReading::CorvaleCardType(UpperCase(line.substr(0, kLongestKeyword)));
-    return code < static_cast<std::int32_t>(kNames.size()) ? static_cast<Keyword>(code)
-                                                           : Keyword::None;
+const Card* CardOf(std::string_view line) {
+    return internal::CardOf(UpperCase(line.substr(0, kLongestKeyword)));
 }
 
 std::optional<Finding> NearCard(std::string_view line) {
     const std::size_t first = InvisibleSize(line);
     const std::string_view visible = line.substr(first);
-    const Keyword keyword = Beginning(visible);
-    if (keyword != Keyword::None && first > 0)
-        return NotInFirstColumn(line.substr(0, first), keyword);
-    if (keyword != Keyword::None) return NoBlankBehind(line);
+    if (const Card* const card = Beginning(visible); card != nullptr)
+        return first > 0 ? NotInFirstColumn(line.substr(0, first), *card)
+                         : NoBlankBehind(line, *card);
 
     const std::string_view word = visible.substr(0, visible.find_first_of(" \t,;:=/"));
     constexpr std::size_t tooLong = kLongestKeyword + 3;
     if (word.size() >= tooLong) return std::nullopt;
     const std::string upper = UpperCase(word);
-    if (upper == "QZ_DMA_OFF" || upper == "QZ_DMA_ALL_OFF")
+    if (SwitchesOff(upper))
         return Finding{"unknown-keyword", first + 1, word.size(),
                        Joined("there is no card ", upper, ": no card sets a mode back to 0"), ""};
-    if (const Keyword nearest = Nearest(upper); nearest != Keyword::None)
+    if (const Card* const nearest = Nearest(upper); nearest != nullptr)
         return Finding{
             "unknown-keyword", first + 1, word.size(),
-            Joined(Quoted(word), " is no keyword of a card; it looks like ", Name(nearest)), ""};
+            Joined(Quoted(word), " is no keyword of a card; it looks like ", NameOf(*nearest)), ""};
     return std::nullopt;
 }
 
 std::optional<Finding> CardAfterReturn(std::string_view line) {
     for (std::size_t at = line.find('\r'); at < line.size(); at = line.find('\r', at + 1)) {
-        const Keyword keyword = Beginning(line.substr(at + 1));
-        if (keyword == Keyword::None) continue;
+        const Card* const card = Beginning(line.substr(at + 1));
+        if (card == nullptr) continue;
         return Finding{
-            "carriage-return", at + 2, Name(keyword).size(),
-            Joined(Name(keyword), " is not read as a card: a carriage return alone begins no line"),
+            "carriage-return", at + 2, NameOf(*card).size(),
+            Joined(NameOf(*card), " is not read as a card: a carriage return alone begins no line"),
             "lines end with LF, or with CR LF"};
     }
     return std::nullopt;

@@ -3,23 +3,22 @@
 
 #include "NumberList.hpp"
 
-#include <cstdint>
+#include <corvale/core/CardTable.hpp>
+
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace corvale::tool {
 
-enum class Keyword : std::uint8_t { None, Moic, DmaOn, DmaAllOn };
-
-/// The keyword in capitals; empty for none.
-[[nodiscard]] std::string_view Name(Keyword keyword);
+using internal::Card;
+using internal::NameOf;
 
 /// `text` in capitals, ASCII only.
 [[nodiscard]] std::string UpperCase(std::string_view text);
 
-/// Which card a line is, as the library tells it.
-[[nodiscard]] Keyword CardOf(std::string_view line);
+/// The card that a line is, as the library tells it; null if it is none.
+[[nodiscard]] const Card* CardOf(std::string_view line);
 
 /// What keeps a line that is no card from being one, if it looks as though it was meant to.
 [[nodiscard]] std::optional<Finding> NearCard(std::string_view line);

@@ -11,6 +11,7 @@ namespace corvale::tool {
 
 namespace {
 
+constexpr std::size_t kNumbersStart = std::string_view("QZ_MOIC ").size();  // counted from 0
 constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kItemEnds = " \t,/";
 
@@ -48,7 +49,7 @@ Words WordsFrom(std::string_view text, std::size_t at) {
 class Reading {
   public:
     explicit Reading(std::string_view line)
-        : whole_(line), record_(line.substr(0, kColumns)), at_(kNumbersColumn - 1) {}
+        : whole_(line), record_(line.substr(0, kColumns)), at_(kNumbersStart) {}
 
     NumberList Read() {
         while (element_ < kElements && Step()) {}
@@ -215,7 +216,7 @@ class Reading {
 
     void LookForNothing() {
         if (list_.isSet.none() && list_.findings.empty())
-            Say("sets-nothing", 0, kNumbersColumn - 2, "the card sets no value");
+            Say("sets-nothing", 0, kNumbersStart - 1, "the card sets no value");
     }
 
     [[nodiscard]] std::size_t AfterBlanks(std::size_t at) const {

@@ -2,6 +2,8 @@
 // a word, told with columns and reasons. Tests compare the two on random cards.
 #pragma once
 
+#include <corvale/core/CardTable.hpp>
+
 #include <array>
 #include <bitset>
 #include <cstdint>
@@ -12,9 +14,8 @@
 
 namespace corvale::tool {
 
-inline constexpr std::size_t kElements = 128;
-inline constexpr std::size_t kColumns = 512;      ///< of a line; what follows is not looked at
-inline constexpr std::size_t kNumbersColumn = 9;  ///< the first one of the numbers of a card
+inline constexpr std::size_t kElements = internal::kMoicCount;
+inline constexpr std::size_t kColumns = internal::kCardColumns;  ///< of a line that count
 
 /// Something worth saying of a line, and where it stands.
 struct Finding {

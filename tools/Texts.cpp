@@ -2,6 +2,7 @@
 
 #include <corvale/Corvale.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -30,6 +31,17 @@ std::optional<std::string> WhyNameIsRefused(std::string_view name) {
                    "; only 32 to 126 are taken";
     }
     return std::nullopt;
+}
+
+std::string PaddedName(const internal::KeyMode& mode) {
+    constexpr std::size_t width = [] {
+        std::size_t longest = 0;
+        for (const auto& each : internal::kKeyModes) longest = std::max(longest, each.name.size());
+        return longest + 2;
+    }();
+    std::string name(mode.name);
+    name.resize(width, ' ');
+    return name;
 }
 
 std::string RealText(double value) {

@@ -1,7 +1,15 @@
+// Reading a file in chunks, of which only the lines that can be cards are kept.
+//
+// A chunk is searched in place; no other line is ever copied or counted. A candidate that the end of
+// the chunk cuts is moved to just in front of the next chunk and continues there, so that every line
+// is in one piece, however the reads fall (a pipe may deliver one byte at a time).
+//
+// Invariant  between two reads `unfinished` ends exactly where the next chunk begins, and it is
+//            shorter than `kLongest`: a longer one is complete, because nothing after that matters.
 #include <corvale/core/CandidateLines.hpp>
 
-#include <corvale/base/CodePath.hpp>
-#include <corvale/base/Words.hpp>
+#include <corvale/core/CardScan.hpp>
+#include <corvale/core/CardTable.hpp>
 #include <corvale/platform/UnitFiles.hpp>
 
 #include <algorithm>
@@ -12,94 +20,36 @@ namespace corvale::internal {
 
 namespace {
 
-constexpr std::size_t kColumns = 512;
-constexpr std::size_t kLongest = kColumns + 2;  // with CR LF: more of a line never matters
+constexpr std::size_t kLongest = kCardColumns + 2;  // with CR LF: what follows never matters
 
-// A line that reaches beyond what has been read so far is moved to stand before what comes next.
-// Before that there is room for what is read before a line in vain.
+// The buffer has space for an unfinished line, then one chunk of the file, then one more character
+// for what the search reads at its end. The chunk is small enough to stay in a second-level cache
+// and large enough that the system calls do not show (bench: CardFile).
 constexpr std::size_t kFront = 1024;
-constexpr std::size_t kReadBefore = 32;
 constexpr std::size_t kChunk = 0x40000;  // 256 KiB
 static_assert(kFront >= kReadBefore + kLongest);
 
 // Too large for the stack of a small thread; loading is serialised by the callers.
-// One character more stands behind what was read.
 alignas(64) constinit std::array<char, kFront + kChunk + 1> buffer{};
 
-bool IsCandidate(const char* at) noexcept {
-    return (at[-1] == '\n') & ((at[0] | 0x20) == 'q') & ((at[1] | 0x20) == 'z');
-}
-
-// Where the first line that begins with QZ in any case begins; `n` when there is none. `text[-1]`
-// and `text[n]` are looked at too. Nothing is done for each line: the search runs over line ends as
-// over any other character (bench: CardFile).
-template <class Path>
-struct CandidateLoop {
-    static constexpr std::size_t Width = Path::kVectorBytes;
-    static constexpr std::size_t kBlock = 8 * Width;
-    using Bytes [[gnu::vector_size(Width)]] = char;
-
-    // One bit at least in the byte of each place where a candidate begins.
-    CORVALE_INLINE static void AddCandidates(const char* at, Bytes& found) noexcept {
-        constexpr char lower = 0x20;
-        Bytes before, first, second;
-        std::memcpy(&before, at - 1, Width);
-        std::memcpy(&first, at, Width);
-        std::memcpy(&second, at + 1, Width);
-        found |= (before == '\n') & ((first | lower) == 'q') & ((second | lower) == 'z');
-    }
-    // The place of the first byte that is not 0; `Width` when all are.
-    CORVALE_INLINE static std::size_t FirstPlace(const Bytes& found) noexcept {
-        std::array<char, Width> bytes;
-        std::memcpy(bytes.data(), &found, Width);
-        for (std::size_t i = 0; i < Width; i += 8)
-            if (const std::uint64_t word = LoadLittle<std::uint64_t>(bytes.data() + i); word != 0)
-                return i + ZeroBytesFirst(word);
-        return Width;
-    }
-    CORVALE_INLINE std::size_t operator()(const char* text, std::size_t n) const noexcept {
-        std::size_t i = 0;
-        for (; i + kBlock <= n; i += kBlock) {
-            Bytes found{};
-#pragma GCC unroll 8
-            for (std::size_t j = 0; j < kBlock; j += Width) AddCandidates(text + i + j, found);
-            if (FirstPlace(found) < Width) break;
-        }
-        for (; i + Width <= n; i += Width) {
-            Bytes found{};
-            AddCandidates(text + i, found);
-            const std::size_t place = FirstPlace(found);
-            if (place < Width) return i + place;
-        }
-        while (i < n && !IsCandidate(text + i)) ++i;
-        return i;
-    }
-};
-
-// Where the next line that begins with QZ begins, or `end`. `at[-1]` and `*end` are looked at too.
-// Where one such line follows another no search is begun.
-const char* NextCandidate(const char* at, const char* end) noexcept {
-    if (end - at > 2 && IsCandidate(at + 1)) return at + 1;
-    return at + OnBestPath<CandidateLoop>(at, static_cast<std::size_t>(end - at));
-}
-
-// The line that begins at `at`, as far as it matters, and whether all of that is there.
+// A line cut to the columns that count, and whether all of them are in the buffer.
 struct Line {
     std::string_view text;
     bool isComplete;
 };
 
 Line LineAt(const char* at, const char* end) noexcept {
-    const std::string_view rest(
-        at, std::min<std::size_t>(kLongest, static_cast<std::size_t>(end - at)));
+    const std::size_t left = std::min<std::size_t>(kLongest, static_cast<std::size_t>(end - at));
+    const std::string_view rest(at, left);
     const std::size_t lineEnd = rest.find('\n');
     if (lineEnd == std::string_view::npos)
-        return {rest.substr(0, kColumns), rest.size() == kLongest};
-    const bool hasReturn = rest[lineEnd - 1] == '\r';  // not the first character: that is a Q
-    return {rest.substr(0, std::min(lineEnd - (hasReturn ? 1 : 0), kColumns)), true};
+        return {rest.substr(0, kCardColumns), rest.size() == kLongest};
+    const bool hasReturn = rest[lineEnd - 1] == '\r';  // not the first character: that is a letter
+    return {rest.substr(0, std::min(lineEnd - (hasReturn ? 1 : 0), kCardColumns)), true};
 }
 
-// Lines on their way to `take`.
+// Collects lines and hands them to `take` together: the reader goes through a group backwards, and
+// the larger a group is, the more cards it can skip. Its size bounds the stack that a load needs.
 class Group {
   public:
     explicit Group(void (*take)(Lines) noexcept) noexcept : take_(take) {}
@@ -137,15 +87,17 @@ void ReadCandidateLines(std::int32_t unit, void (*take)(Lines) noexcept) noexcep
     char* const front = buffer.data() + kFront;
     std::string_view unfinished;
     bool isAtLineStart = true;
-    for (;;) {
+    for (;;) {  // ends with the file: each turn reads at least one byte
         const std::ptrdiff_t count = ReadBytes(unit, {front, kChunk});
         if (count <= 0) {
-            if (count == 0 && !unfinished.empty()) group.Add(unfinished.substr(0, kColumns));
+            if (count == 0 && !unfinished.empty()) group.Add(unfinished.substr(0, kCardColumns));
             return group.HandOver();
         }
         char* const end = front + count;
-        *end = 'z';  // a line of which only the q is here is unfinished, not passed over
+        // If the chunk ends with the first letter, the search must find it: its line is unfinished.
+        *end = kCardLetters[1];
         char* const begin = front - unfinished.size();
+        // What precedes the first character: a line end where a line begins, else anything but one.
         begin[-1] = isAtLineStart || !unfinished.empty() ? '\n' : ' ';
         unfinished = AddCandidates(begin, end, group);
         group.HandOver();

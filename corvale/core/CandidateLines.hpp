@@ -1,7 +1,6 @@
 // Internal to core/: not installed, may change in any commit.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -11,10 +10,10 @@ namespace corvale::internal {
 /// Lines in the order of the file, cut to 512 columns, without line ends.
 using Lines = std::span<const std::string_view>;
 
-/// Reads the rest of a unit and hands over the lines that can be cards: those that begin with QZ
-/// in any case. They come in groups as large as the buffer allows and are valid until `take`
-/// returns, as are the 32 characters before each of them. A read error ends the file; a line that
-/// it cuts off is not handed over.
+/// Reads the rest of a unit and hands the lines that can be cards to `take`, in groups as large as
+/// the buffer allows: those that begin with the letters of the cards in any case. The lines of a
+/// group, and the 32 characters before each, may be read until `take` returns. A read error ends
+/// the file; a line that it cuts off is not handed over.
 void ReadCandidateLines(std::int32_t unit, void (*take)(Lines lines) noexcept) noexcept;
 
 }  // namespace corvale::internal

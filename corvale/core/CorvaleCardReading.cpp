@@ -1,193 +1,111 @@
+// The card reader: which card a line is, and what it does. It knows no keyword: CardTable.hpp does.
+//
+// Lines come in groups that can be cards by their first letters (CandidateLines.hpp), and each group
+// is applied from its last line to its first. That leaves the same state as reading forwards: modes
+// are only ever set to 1, and of several values for an element the last of the group is stored and
+// the others are skipped (MoicList.hpp). Groups follow each other in the order of the file.
 #include <corvale/core/CorvaleCardReading.hpp>
 
-#include <corvale/base/CodePath.hpp>
 #include <corvale/base/Words.hpp>
 #include <corvale/core/CandidateLines.hpp>
+#include <corvale/core/CardTable.hpp>
 #include <corvale/core/CorvaleTypes.hpp>
 #include <corvale/core/FileIO.hpp>
+#include <corvale/core/MoicList.hpp>
 #include <corvale/platform/TextUnits.hpp>
-#include <corvale/text/FixedWidthText.hpp>
-#include <corvale/text/FreeFormReader.hpp>
 
-#include <algorithm>
-#include <bitset>
 #include <cstddef>
-#include <cstring>
+#include <utility>
 
 namespace corvale::CorvaleCardReading {
 
-constinit std::atomic<std::int32_t> ElsetKeyMode{0};
-constinit std::array<double, 128> MoicArr{};
-
 namespace {
+
+using internal::Card;
+using internal::kCards;
 
 constexpr std::int32_t kInputUnit = 3;
 constexpr std::int32_t kReadMode = 1;
-constexpr std::size_t kNumbersColumn = 9;
 
-enum CardCode : std::int32_t { kMoic = 1, kDmaOn = 2, kDmaAllOn = 3, kOther = 100 };
+// The first 16 columns of a line as two little words, so that a keyword in any case costs at most two
+// masked comparisons. A mask leaves out the columns after the keyword and, of a letter, the bit that
+// tells it from its capital; the underscore and the blank are compared whole.
+constexpr std::size_t kColumnsCompared = 16;
+static_assert(internal::kLongestKeyword <= kColumnsCompared);
 
-struct Keyword {
-    std::string_view text;
-    CardCode code;
-};
-constexpr Keyword kKeywords[] = {
-    {"QZ_MOIC ", kMoic}, {"QZ_DMA_ON", kDmaOn}, {"QZ_DMA_ALL_ON", kDmaAllOn}};
-constexpr std::size_t kLongestKeyword = 13;
-
-constexpr internal::FreeFormRules kCardRules = {.real = {.exponentQ = true, .emptyMantissa = false},
-                                                .tabSeparates = true,
-                                                .semicolonSeparates = false,
-                                                .repeatCounts = true,
-                                                .numberWidth = std::string_view::npos};
-
-// No card supplies more values than this. Counts the characters at which a value, or a comma that
-// no value precedes, can begin: those above a blank that follow a comma or no character above a
-// blank. `numbers` ends a line of `ReadCandidateLines`: the 32 characters before it are read, too,
-// so that all steps are whole.
-template <class Path>
-struct MostValuesLoop {
-    static constexpr std::size_t Width = Path::kVectorBytes;
-    using Bytes [[gnu::vector_size(Width)]] = unsigned char;
-    static constexpr unsigned char kRepeats = 0x80;
-    // From place i on the last i bytes of a step are all ones.
-    static constexpr auto kLastBytes = [] {
-        std::array<unsigned char, 2 * Width> bytes{};
-        for (std::size_t i = Width; i < bytes.size(); ++i) bytes[i] = 0xFF;
-        return bytes;
-    }();
-
-    CORVALE_INLINE std::size_t operator()(const char* numbers, std::size_t n) const noexcept {
-        constexpr unsigned char blank = ' ';
-        Bytes counts{};  // of each place in a step: at most 32, so that a bit is left for the star
-        for (std::size_t left = n; left > 0; left -= std::min(left, Width)) {
-            const char* const step = numbers + left - Width;
-            Bytes before, at, counted;
-            std::memcpy(&before, step - 1, Width);
-            std::memcpy(&at, step, Width);
-            std::memcpy(&counted, kLastBytes.data() + std::min(left, Width), Width);
-            counts -= Bytes((before <= blank) | (before == ',')) & Bytes(at > blank) & counted;
-            counts |= Bytes(at == '*') & counted & kRepeats;
-        }
-        return Sum(counts);
-    }
-
-    CORVALE_INLINE static std::size_t Sum(const Bytes& counts) noexcept {
-        constexpr std::uint64_t eachSecond = 0x00FF00FF00FF00FFU;
-        std::array<char, Width> bytes;
-        std::memcpy(bytes.data(), &counts, Width);
-        std::uint64_t all = 0;
-        std::uint64_t pairs = 0;
-        for (std::size_t i = 0; i < Width; i += 8) {
-            const std::uint64_t word = internal::LoadLittle<std::uint64_t>(bytes.data() + i);
-            all |= word;
-            pairs += (word & eachSecond) + (word >> 8U & eachSecond);
-        }
-        if ((all & internal::EachByte(kRepeats)) != 0) return MoicArr.size();
-        return static_cast<std::size_t>(internal::SumOfLanes16(pairs));
-    }
+struct Columns {
+    std::uint64_t first, second;
 };
 
-// The array is seen only after the load: of the cards of a group the last one that gives an element
-// decides. Taken from last to first, an element is converted once, and a card that can supply
-// nothing new is not read (bench: CardFile).
-class MoicCards {
-  public:
-    void TakeEarlier(std::string_view numbers) noexcept {
-        if (internal::OnBestPath<MostValuesLoop>(numbers.data(), numbers.size()) <= settledFront_)
-            return;
-        Read(numbers);
-        while (settledFront_ < MoicArr.size() && isSettled_[settledFront_]) ++settledFront_;
+constexpr Columns MaskOf(std::string_view keyword) noexcept {
+    constexpr std::uint64_t letter = 0xDF, other = 0xFF;
+    Columns mask{};
+    for (std::size_t i = 0; i < keyword.size(); ++i) {
+        const bool isLetter = keyword[i] >= 'A' && keyword[i] <= 'Z';
+        (i < 8 ? mask.first : mask.second) |= (isLetter ? letter : other) << i % 8 * 8;
     }
-
-  private:
-    void Read(std::string_view numbers) noexcept {
-        internal::FreeFormReader reader(numbers, kCardRules);
-        std::size_t element = 0;
-        while (element < MoicArr.size()) {
-            internal::ScannedReal number;
-            std::int32_t count = 0;
-            const internal::ItemKind kind = reader.NextNumber(number, count);
-            const std::size_t next =
-                std::min(element + static_cast<std::size_t>(count), MoicArr.size());
-            if (kind == internal::ItemKind::Value)
-                Settle(element, next, number);
-            else if (kind != internal::ItemKind::Empty)
-                return;
-            element = next;
-        }
-    }
-
-    void Settle(std::size_t first, std::size_t end, const internal::ScannedReal& number) noexcept {
-        while (first < end && isSettled_[first]) ++first;
-        if (first == end) return;  // a number that gives nothing new is not converted
-        const double value = internal::ToDouble(number);
-        for (; first < end; ++first) {
-            if (!isSettled_[first]) MoicArr[first] = value;
-            isSettled_[first] = true;
-        }
-    }
-
-    std::bitset<128> isSettled_;
-    std::size_t settledFront_ = 0;  // elements before it are all settled
-};
-
-// Whether `line` is a QZ_MOIC card that can hold a number; the eight columns in one word.
-bool IsMoicCard(std::string_view line) noexcept {
-    constexpr std::uint64_t anyCase =
-        0xFFDFDFDFDFFFDFDFU;  // the underscore and the blank have none
-    return line.size() >= kNumbersColumn && (internal::LoadLittle<std::uint64_t>(line.data()) &
-                                             anyCase) == internal::WordOf("QZ_MOIC ");
+    return mask;
 }
 
-void ApplyModeCard(std::string_view line) noexcept {
-    std::array<char, kLongestKeyword> keyword;
-    StrFunctions::ToUpperCase(line, keyword);
-    const std::int32_t code = CorvaleCardType({keyword.data(), keyword.size()});
-    if (code == kDmaOn) ElsetKeyModeSet(1);
-    if (code == kDmaAllOn) AllKeyModeSet(1);
+constexpr Columns ColumnsOf(std::string_view keyword) noexcept {
+    Columns columns{};
+    for (std::size_t i = 0; i < keyword.size(); ++i)
+        (i < 8 ? columns.first : columns.second) |=
+            std::uint64_t{static_cast<unsigned char>(keyword[i])} << i % 8 * 8;
+    return columns;
+}
+
+// A line of less than 16 columns is filled with blanks, as all columns after its end are.
+Columns FirstColumns(std::string_view line) noexcept {
+    std::array<char, kColumnsCompared> filled;
+    if (line.size() < kColumnsCompared) {
+        filled.fill(' ');
+        line.copy(filled.data(), filled.size());
+        line = {filled.data(), filled.size()};
+    }
+    return {internal::LoadLittle<std::uint64_t>(line.data()),
+            internal::LoadLittle<std::uint64_t>(line.data() + 8)};
+}
+
+// Does what a row of the table says. A line that ends with its keyword has no numbers to read.
+template <std::size_t Row>
+void Apply(std::string_view line, internal::MoicCards& moicCards) noexcept {
+    constexpr const Card& card = kCards[Row];
+    if constexpr (card.mode) {
+        internal::kKeyModes[*card.mode].set(1);
+    } else if (line.size() > card.keyword.size()) {
+        moicCards.ReadEarlier(line.substr(card.keyword.size()));
+    }
+}
+
+// Applies a row of the table if `line` is its card.
+template <std::size_t Row>
+bool ApplyIf(std::string_view line, const Columns& columns,
+             internal::MoicCards& moicCards) noexcept {
+    constexpr Columns mask = MaskOf(kCards[Row].keyword);
+    constexpr Columns keyword = ColumnsOf(kCards[Row].keyword);
+    const bool isCard = (columns.first & mask.first) == keyword.first &&
+                        (columns.second & mask.second) == keyword.second;
+    if (isCard) Apply<Row>(line, moicCards);
+    return isCard;
+}
+
+// Tries the rows of the table in their order. The rows are template arguments, so that keywords and
+// masks are constants of the code and the table itself needs no relocation when it is loaded.
+template <std::size_t... Rows>
+void ApplyCard(std::string_view line, internal::MoicCards& moicCards,
+               std::index_sequence<Rows...> /*rows*/) noexcept {
+    const Columns columns = FirstColumns(line);
+    static_cast<void>((ApplyIf<Rows>(line, columns, moicCards) || ...));
 }
 
 void ApplyCards(internal::Lines lines) noexcept {
-    MoicCards moicCards;
+    internal::MoicCards moicCards;
     for (auto line = lines.rbegin(); line != lines.rend(); ++line)
-        if (IsMoicCard(*line)) {
-            moicCards.TakeEarlier(line->substr(kNumbersColumn - 1));
-        } else {
-            ApplyModeCard(*line);
-        }
+        ApplyCard(*line, moicCards, std::make_index_sequence<kCards.size()>());
 }
 
 }  // namespace
-
-std::int32_t DupKeyModeGet() noexcept {
-    return CorvaleTypes::gDupKeyMode.load(std::memory_order_relaxed);
-}
-
-void DupKeyModeSet(std::int32_t mode) noexcept {
-    CorvaleTypes::gDupKeyMode.store(mode, std::memory_order_relaxed);
-}
-
-std::int32_t AllKeyModeGet() noexcept {
-    return CorvaleTypes::gAllKeyMode.load(std::memory_order_relaxed);
-}
-
-void AllKeyModeSet(std::int32_t mode) noexcept {
-    CorvaleTypes::gAllKeyMode.store(mode, std::memory_order_relaxed);
-    CorvaleTypes::gUseAllKeyMode.store(1, std::memory_order_relaxed);
-}
-
-std::int32_t UseAllKeyMode() noexcept {
-    return CorvaleTypes::gUseAllKeyMode.load(std::memory_order_relaxed);
-}
-
-std::int32_t ElsetKeyModeGet() noexcept {
-    return ElsetKeyMode.load(std::memory_order_relaxed);
-}
-
-void ElsetKeyModeSet(std::int32_t mode) noexcept {
-    ElsetKeyMode.store(mode, std::memory_order_relaxed);
-}
 
 std::int32_t ReadCorvaleFrFile(std::string_view fileName) noexcept {
     const std::int32_t opened = FileIO::FileOpen(kInputUnit, fileName, kReadMode, 1);
@@ -203,19 +121,8 @@ std::int32_t ReadCorvaleFrFileUnit(std::int32_t unit) noexcept {
 }
 
 std::int32_t CorvaleCardType(std::string_view card) noexcept {
-    std::array<char, kLongestKeyword> columns;
-    columns.fill(' ');
-    card.copy(columns.data(), columns.size());
-    const std::string_view text(columns.data(), columns.size());
-    for (const Keyword& keyword : kKeywords)
-        if (text.starts_with(keyword.text)) return keyword.code;
-    return kOther;
-}
-
-void RetrieveMocData(double* values, std::int32_t count) noexcept {
-    if (values == nullptr || count < 1) return;
-    std::copy_n(MoicArr.begin(),
-                std::min<std::size_t>(static_cast<std::size_t>(count), MoicArr.size()), values);
+    const Card* const found = internal::CardOf(card);
+    return found == nullptr ? internal::kNoCardCode : found->code;
 }
 
 }  // namespace corvale::CorvaleCardReading

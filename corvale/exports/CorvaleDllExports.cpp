@@ -1,8 +1,18 @@
+// The C API. A function converts the caller's texts, checks what only a caller in C can get wrong,
+// calls one procedure and converts what comes back; no decision is made here.
+//
+// Texts  A name or message may end early at a NUL, and its leading blanks are no part of it: a caller
+//        in another language passes a blank-filled buffer, one in C a terminated string, and both
+//        mean the same. What is written fills its buffer exactly and has no terminator.
+// Modes  The C API takes 0 and 1 and reports anything else; the C++ procedures store what they get.
+// Null   Tested by the conversions of texts and by the procedures that write through a pointer.
 #include <corvale/exports/CorvaleDllExports.h>
 
+#include <corvale/core/CardTable.hpp>
 #include <corvale/core/CorvaleCardReading.hpp>
 #include <corvale/core/CorvaleTypes.hpp>
 #include <corvale/core/FileIO.hpp>
+#include <corvale/core/KeyModes.hpp>
 #include <corvale/core/LogFile.hpp>
 #include <corvale/numeric/SoftwareInfo.hpp>
 #include <corvale/text/FixedWidthText.hpp>
@@ -15,10 +25,12 @@
 
 using namespace corvale;
 
+// A C header cannot use the constants of the C++ API: here the two are held together.
 static_assert(CORVALE_OK == CorvaleTypes::StatusOk);
 static_assert(CORVALE_FAILED == CorvaleTypes::StatusFailed);
 static_assert(CORVALE_NAME_WIDTH == CorvaleTypes::NameWidth);
 static_assert(CORVALE_MESSAGE_WIDTH == CorvaleTypes::MessageWidth);
+static_assert(CORVALE_MOIC_COUNT == internal::kMoicCount);
 
 namespace {
 
@@ -43,6 +55,7 @@ class BufferText {
 using NameText = BufferText<CorvaleTypes::NameWidth>;
 using MessageText = BufferText<CorvaleTypes::MessageWidth>;
 
+// Copies a stored message as it is at this moment; it has the width of the buffer already.
 void HandOut(const FileIO::MessageStore& store, char* message) noexcept {
     std::array<char, CorvaleTypes::MessageWidth> text;
     store.Load(text);
@@ -77,6 +90,7 @@ void GetInitDllNames(char* names) noexcept {
 }
 
 int32_t OpenLogFile(const char* fileName) noexcept {
+    // Trimmed: the system would take trailing blanks for a part of the name.
     return internal::OpenLog(NameText(fileName).Trimmed());
 }
 
@@ -85,6 +99,7 @@ void CloseLogFile() noexcept {
 }
 
 void LogMessage(const char* message) noexcept {
+    // Whole: the line in the log is as wide as the buffer, its trailing blanks included.
     FileIO::TraceLogInfo(MessageText(message).Whole());
 }
 
@@ -115,9 +130,7 @@ int32_t SetAllKeyMode(int32_t mode) noexcept {
 }
 
 void ResetAllKeyMode() noexcept {
-    CorvaleTypes::gUseAllKeyMode.store(0, std::memory_order_relaxed);
-    CorvaleTypes::gAllKeyMode.store(0, std::memory_order_relaxed);
-    CorvaleTypes::gDupKeyMode.store(0, std::memory_order_relaxed);
+    internal::ResetAllKeys();
 }
 
 int32_t GetElsetKeyMode() noexcept {
@@ -135,6 +148,7 @@ int32_t CorvaleLoadFile(const char* fileName) noexcept {
 
 void GetMOICData(int32_t count, double* values) noexcept {
     if (values == nullptr || count < 1) return;
+    // First, because a count above the array's gives that many zeros and nothing else.
     std::fill_n(values, static_cast<std::size_t>(count), 0.0);
     if (count <= CORVALE_MOIC_COUNT) CorvaleCardReading::RetrieveMocData(values, count);
 }

@@ -1,3 +1,8 @@
+// The self-tests of the C API: whether a caller in any language passes every kind of argument. They
+// touch no state, and their amounts differ from argument to argument, so that an exchange shows.
+//
+// Values move as bytes, never as elements: a caller may pass arrays at any address, aligned or not,
+// and a signalling NaN must arrive as it was. An array of results may be the array of inputs.
 #include <corvale/exports/CorvaleDllExports.h>
 
 #include <corvale/text/FixedWidthText.hpp>
@@ -11,8 +16,7 @@ using namespace corvale;
 
 namespace {
 
-// Callers may pass arrays at any address: bytes are moved, never elements.
-
+// `memmove`, since `in` and `out` may be the same array.
 template <std::size_t Count, class Element>
 void Copy(const Element* in, Element* out) noexcept {
     if (in == nullptr || out == nullptr) return;
@@ -34,7 +38,8 @@ void ChangeEach(Element* values, Change change) noexcept {
     std::memcpy(static_cast<void*>(values), copy.data(), sizeof copy);
 }
 
-// Integers wrap, reals are added once.
+// Adds `amount` to each element. Integers wrap, by unsigned arithmetic, since a signed overflow is
+// undefined; reals are added once, so that the result is the same bits everywhere.
 template <std::size_t Count, class Element>
 void AddTo(Element* values, Element amount) noexcept {
     ChangeEach<Count>(values, [amount](Element element) {
@@ -47,6 +52,7 @@ void AddTo(Element* values, Element amount) noexcept {
     });
 }
 
+// Products wrap, too.
 template <std::size_t Count>
 void MultiplyBy(std::int32_t factor, const std::int32_t* in, std::int32_t* out) noexcept {
     if (in == nullptr) return;

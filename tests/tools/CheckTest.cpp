@@ -1,3 +1,5 @@
+#include <corvale/core/CardTable.hpp>
+
 #include "ProgramRuns.hpp"
 
 #include <algorithm>
@@ -32,6 +34,14 @@ TEST_F(Check, ExplainsAFaultyFile) {
     EXPECT_EQ(text.err, "");
     EXPECT_EQ(text.out, ReadFile(CORVALE_FAULTY_OUTPUT));
     EXPECT_EQ(Corvale("check - <faulty.inp | sed 's/^standard input:/faulty.inp:/'").out, text.out);
+}
+
+TEST_F(Check, ThePageOfCardsShowsTheTable) {
+    std::string rows = "|---|---|---|\n";
+    for (const internal::Card& card : internal::kCards)
+        rows += "| `" + std::string(NameOf(card)) + "` | 1 to " +
+                std::to_string(card.keyword.size()) + " | " + std::string(card.effect) + " |\n";
+    EXPECT_NE(ReadFile(CORVALE_PAGE_OF_CARDS).find(rows + "\n"), std::string::npos) << rows;
 }
 
 TEST_F(Check, SaysWhatLoadingSets) {
