@@ -1,8 +1,8 @@
 #include "CardLines.hpp"
 
+#include "Escapes.hpp"
 #include "Joined.hpp"
 #include "Keywords.hpp"
-#include "RealWords.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 
@@ -16,32 +16,36 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 constexpr std::string_view kWideMarks[] = {"\xff\xfe", "\xfe\xff"};
 
-void CountBytes(const Line& line, FileContent& content) {
-    const auto has = [&](char c) { return line.text.find(c) != std::string::npos; };
+// Which unusual bytes a text holds. One pass without early ends, which compilers turn into vectors.
+struct UnusualBytes {
+    bool hasReturn = false, hasTab = false, hasNul = false, hasHigh = false;
+};
+
+UnusualBytes UnusualBytesOf(std::string_view text) {
+    unsigned returns = 0, tabs = 0, nuls = 0, high = 0;
+    for (const char c : text) {
+        returns |= c == '\r' ? 1U : 0U;
+        tabs |= c == '\t' ? 1U : 0U;
+        nuls |= c == '\0' ? 1U : 0U;
+        high |= static_cast<unsigned char>(c) & 0x80U;
+    }
+    return {returns != 0, tabs != 0, nuls != 0, high != 0};
+}
+
+void CountBytes(const Line& line, const UnusualBytes& bytes, FileContent& content) {
     content.withReturn += line.hasReturn ? 1 : 0;
-    content.innerReturns += has('\r') ? 1 : 0;
-    content.withTabs += has('\t') ? 1 : 0;
-    content.withNuls += has('\0') ? 1 : 0;
-    const bool hasHigh = std::ranges::any_of(line.text, [](char c) { return (c & 0x80) != 0; });
-    content.withHighBytes += hasHigh ? 1 : 0;
+    content.innerReturns += bytes.hasReturn ? 1 : 0;
+    content.withTabs += bytes.hasTab ? 1 : 0;
+    content.withNuls += bytes.hasNul ? 1 : 0;
+    content.withHighBytes += bytes.hasHigh ? 1 : 0;
     if (line.number == 1) content.hasByteOrderMark = line.text.starts_with(kByteOrderMark);
 }
 
-Explained ExplainMoic(std::string_view line, FileContent& content) {
-    NumberList list = ReadNumbers(line);
-    Explained explained{LineKind::Card, "QZ_MOIC sets nothing", std::move(list.findings)};
-    if (list.isSet.any())
-        explained.effect =
-            Joined(list.isSet.count() == 1 ? "QZ_MOIC sets value " : "QZ_MOIC sets values ",
-                   Ranges(list.isSet));
-    if (const auto again = list.isSet & content.isSet; again == list.isSet && again.any())
-        explained.effect += ", set before";
-    else if (again.any())
-        explained.effect += Joined(", of which ", Ranges(again), " set before");
-    for (std::size_t i = 0; i < kElements; ++i)
-        if (list.isSet[i]) content.values[i] = list.values[i];
+Explained ExplainMoic(const Line& line, const Card& card, FileContent& content) {
+    NumberList list = ReadNumbers(line.text, line.length, content.values);
+    const Elements setBefore = list.isSet & content.isSet;
     content.isSet |= list.isSet;
-    return explained;
+    return {LineKind::Card, &card, list.isSet, setBefore, std::move(list.findings)};
 }
 
 // Nothing that follows the keyword is looked at; some of it shows that this was not known.
@@ -70,7 +74,7 @@ void LookBehindKeyword(std::string_view line, std::string_view keyword, Explaine
 
 Explained ExplainMode(std::string_view line, const Card& card, FileContent& content) {
     content.setsMode.set(*card.mode);
-    Explained explained{LineKind::Card, Joined(NameOf(card), " ", card.effect)};
+    Explained explained{LineKind::Card, &card};
     LookBehindKeyword(line, NameOf(card), explained);
     return explained;
 }
@@ -83,7 +87,9 @@ bool IsWideText(std::string_view line) {
 Explained ExplainOther(const Line& line) {
     if (line.number == 1 && IsWideText(line.text))
         return {LineKind::Other,
-                "",
+                nullptr,
+                {},
+                {},
                 {{"two-byte-text", 1, 2,
                   "the file begins with the mark of a text in units of two bytes: no line of it is "
                   "a card",
@@ -99,15 +105,18 @@ Explained Explain(const Line& line, FileContent& content) {
     if (StrFunctions::IsBlankOrNull(columns) == 1) return {LineKind::Blank};
     const Card* const card = CardOf(columns);
     if (card == nullptr) return ExplainOther(line);
-    return card->mode ? ExplainMode(columns, *card, content) : ExplainMoic(line.text, content);
+    return card->mode ? ExplainMode(columns, *card, content) : ExplainMoic(line, *card, content);
 }
 
 }  // namespace
 
 Explained ExplainLine(const Line& line, FileContent& content) {
-    CountBytes(line, content);
+    const UnusualBytes bytes = UnusualBytesOf(line.text);
+    CountBytes(line, bytes, content);
     Explained explained = Explain(line, content);
-    if (auto hidden = CardAfterReturn(line.text)) explained.findings.push_back(std::move(*hidden));
+    if (bytes.hasReturn)
+        if (auto hidden = CardAfterReturn(line.text))
+            explained.findings.push_back(std::move(*hidden));
     ++content.lines;
     content.comments += explained.kind == LineKind::Comment ? 1 : 0;
     content.cards += explained.kind == LineKind::Card ? 1 : 0;
@@ -115,7 +124,20 @@ Explained ExplainLine(const Line& line, FileContent& content) {
     return explained;
 }
 
-std::string Ranges(const std::bitset<kElements>& set) {
+std::string EffectText(const Explained& explained) {
+    const std::string_view name = NameOf(*explained.card);
+    if (explained.card->mode) return Joined(name, " ", explained.card->effect);
+    if (explained.sets.none()) return Joined(name, " sets nothing");
+    std::string text = Joined(name, explained.sets.count() == 1 ? " sets value " : " sets values ",
+                              Ranges(explained.sets));
+    if (explained.setBefore == explained.sets)
+        text += ", set before";
+    else if (explained.setBefore.any())
+        text += Joined(", of which ", Ranges(explained.setBefore), " set before");
+    return text;
+}
+
+std::string Ranges(const Elements& set) {
     std::string text;
     for (std::size_t first = 0; first < kElements; ++first) {
         if (!set[first]) continue;

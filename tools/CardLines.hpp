@@ -18,19 +18,23 @@ inline constexpr std::size_t kLineKept = 0x10000;
 
 enum class LineKind : std::uint8_t { Blank, Comment, Card, Other };
 
-/// What is to be said of one line.
+/// What is known of one line.
 struct Explained {
     LineKind kind = LineKind::Other;
-    std::string effect = {};  ///< of a card: "QZ_DMA_ON sets the element-set key mode to 1"
+    const internal::Card* card = nullptr;  ///< of `LineKind::Card`
+    Elements sets = {}, setBefore = {};    ///< elements that it sets; that have been set before
     std::vector<Finding> findings = {};
 };
+
+/// Of a card: "QZ_DMA_ON sets the element-set key mode to 1".
+[[nodiscard]] std::string EffectText(const Explained& explained);
 
 /// What the lines of a file so far hold and set. Modes and values are those that loading the file
 /// sets; what it leaves as it was is not set.
 struct FileContent {
     std::bitset<internal::kKeyModes.size()> setsMode;  ///< to 1
-    std::array<double, kElements> values{};
-    std::bitset<kElements> isSet;
+    Values values{};
+    Elements isSet;
 
     std::uint64_t lines = 0, comments = 0, cards = 0, findings = 0;
     std::uint64_t withReturn = 0;    ///< lines that end with CR LF
@@ -43,6 +47,6 @@ struct FileContent {
 [[nodiscard]] Explained ExplainLine(const Line& line, FileContent& content);
 
 /// The elements in `set`, counted from 1: "1 to 6, 9".
-[[nodiscard]] std::string Ranges(const std::bitset<kElements>& set);
+[[nodiscard]] std::string Ranges(const Elements& set);
 
 }  // namespace corvale::tool

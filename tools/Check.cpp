@@ -27,7 +27,7 @@ int CheckFile(const std::string& name, const CheckOptions& options, CheckReport&
     while (std::cout && input.ReadLine(line, kLineKept)) {
         const Explained explained = ExplainLine(line, content);
         if (report.Wants(explained)) {
-            bar.Clear();
+            bar.MakeWay();
             report.TakeLine(line, explained);
         }
         bar.Update(input.BytesRead());
@@ -44,6 +44,7 @@ int CheckFile(const std::string& name, const CheckOptions& options, CheckReport&
 }  // namespace
 
 int Check(const CheckOptions& options) {
+    UseColours(options.colour);
     const auto report = MakeCheckReport(StyleOf(options));
     int status = kExitOk;
     for (const std::string& name : options.files)

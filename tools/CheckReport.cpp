@@ -1,18 +1,14 @@
 #include "CheckReport.hpp"
 
+#include "Escapes.hpp"
 #include "Joined.hpp"
-#include "RealWords.hpp"
 #include "Terminal.hpp"
 #include "Texts.hpp"
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 namespace corvale::tool {
 
@@ -98,32 +94,14 @@ void PrintBytes(const FileContent& content) {
         if (lines > 0) std::cout << "  lines that " << what << ": " << lines << '\n';
 }
 
-class QuietReport : public CheckReport {
-  public:
-    void BeginFile(const std::string& name) override { name_ = name; }
-    void TakeLine(const Line& /*line*/, const Explained& /*explained*/) override {}
-    void EndFile(const FileContent& /*content*/) override {}
-    void Unreadable(const std::string& why) override {
-        std::cout.flush();
-        std::cerr << "corvale: \"" << name_ << "\" cannot be read: " << why << '\n';
-    }
-    [[nodiscard]] bool Wants(const Explained& /*explained*/) const override { return false; }
-
-  protected:
-    [[nodiscard]] const std::string& FileName() const { return name_; }
-
-  private:
-    std::string name_;
-};
-
-class TextReport : public QuietReport {
+class TextReport : public CheckReport {
   public:
     explicit TextReport(bool showsAll) : showsAll_(showsAll) {}
 
     void TakeLine(const Line& line, const Explained& explained) override {
-        const std::string place = Joined(FileName(), ":", line.number, ":");
+        const std::string place = Joined(Escaped(FileName()), ":", line.number, ":");
         if (explained.kind == LineKind::Card)
-            std::cout << Coloured(Colour::Place, place) << ' ' << explained.effect << '\n';
+            std::cout << Coloured(Colour::Place, place) << ' ' << EffectText(explained) << '\n';
         for (const Finding& finding : explained.findings) {
             std::cout << Coloured(Colour::Place, Joined(place, finding.column, ":")) << ' '
                       << Coloured(Colour::Warning, "warning:") << ' ' << finding.message << '\n';
@@ -134,7 +112,7 @@ class TextReport : public QuietReport {
             std::cout << place << ' ' << KindText(explained.kind) << '\n';
     }
     void EndFile(const FileContent& content) override {
-        std::cout << Coloured(Colour::Place, FileName() + ":") << ' '
+        std::cout << Coloured(Colour::Place, Escaped(FileName()) + ":") << ' '
                   << Count(content.lines, "line") << ", " << Count(content.cards, "card") << ", "
                   << Count(content.findings, "finding") << "; loading it "
                   << (SetsAnything(content) ? "sets" : "sets nothing") << '\n';
@@ -155,89 +133,19 @@ class TextReport : public QuietReport {
     bool showsAll_;
 };
 
-nlohmann::ordered_json JsonReal(double value) {
-    if (std::isfinite(value)) return value;
-    return RealText(value);
-}
-
-nlohmann::ordered_json JsonFinding(std::uint64_t line, const Finding& finding) {
-    return {{"line", line},         {"column", finding.column},   {"length", finding.length},
-            {"code", finding.code}, {"message", finding.message}, {"help", finding.help}};
-}
-
-constexpr bool IsSetByCards(std::size_t mode) {
-    return std::ranges::any_of(internal::kCards,
-                               [&](const auto& card) { return card.mode == mode; });
-}
-
-nlohmann::ordered_json JsonSets(const FileContent& content) {
-    nlohmann::ordered_json moic = nlohmann::ordered_json::array();
-    for (std::size_t i = 0; i < kElements; ++i)
-        moic.push_back(content.isSet[i] ? JsonReal(content.values[i]) : nullptr);
-    nlohmann::ordered_json sets;
-    for (std::size_t i = 0; i < kKeyModes.size(); ++i) {
-        if (!IsSetByCards(i)) continue;
-        nlohmann::ordered_json& mode = sets[std::string(kKeyModes[i].id)];
-        if (content.setsMode[i]) mode = 1;
-    }
-    sets["moic"] = moic;
-    return sets;
-}
-
-class JsonReport : public QuietReport {
-  public:
-    void BeginFile(const std::string& name) override {
-        QuietReport::BeginFile(name);
-        file_ = {{"file", name}};
-        cards_ = nlohmann::ordered_json::array();
-        findings_ = nlohmann::ordered_json::array();
-    }
-    void TakeLine(const Line& line, const Explained& explained) override {
-        if (explained.kind == LineKind::Card)
-            cards_.push_back({{"line", line.number}, {"effect", explained.effect}});
-        for (const Finding& finding : explained.findings)
-            findings_.push_back(JsonFinding(line.number, finding));
-    }
-    void EndFile(const FileContent& content) override {
-        file_["lines"] = content.lines;
-        file_["cards"] = cards_;
-        file_["findings"] = findings_;
-        file_["sets"] = JsonSets(content);
-        file_["bytes"] = {{"byteOrderMark", content.hasByteOrderMark},
-                          {"linesWithCrLf", content.withReturn},
-                          {"linesWithInnerCr", content.innerReturns},
-                          {"linesWithTabs", content.withTabs},
-                          {"linesWithNuls", content.withNuls},
-                          {"linesWithBytesAbove127", content.withHighBytes}};
-        files_.push_back(std::move(file_));
-    }
-    void Unreadable(const std::string& why) override {
-        QuietReport::Unreadable(why);
-        file_["error"] = why;
-        files_.push_back(std::move(file_));
-    }
-    void Finish() override {
-        const nlohmann::ordered_json all = {{"files", files_}};
-        std::cout << all.dump(2, ' ', true, nlohmann::ordered_json::error_handler_t::replace)
-                  << '\n';
-    }
-    [[nodiscard]] bool Wants(const Explained& explained) const override {
-        return explained.kind == LineKind::Card || !explained.findings.empty();
-    }
-
-  private:
-    nlohmann::ordered_json file_, cards_, findings_;
-    nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
-};
-
 }  // namespace
+
+void CheckReport::Unreadable(const std::string& why) {
+    std::cout.flush();
+    std::cerr << "corvale: " << QuotedName(name_) << " cannot be read: " << why << '\n';
+}
 
 std::unique_ptr<CheckReport> MakeCheckReport(CheckStyle style) {
     switch (style) {
         case CheckStyle::Quiet:
-            return std::make_unique<QuietReport>();
+            return std::make_unique<CheckReport>();
         case CheckStyle::Json:
-            return std::make_unique<JsonReport>();
+            return MakeJsonReport();
         case CheckStyle::AllLines:
             return std::make_unique<TextReport>(true);
         case CheckStyle::Text:

@@ -24,10 +24,11 @@ struct CheckOptions {
     bool isQuiet = false;
     bool showsAll = false;
     bool showsProgress = false;
+    std::string colour = "auto";
 };
 
 /// Prints the information line of the library.
-int Info();
+int Info(bool asJson);
 
 /// Loads input files, one after the other, and prints the modes and the 128 values.
 int Load(const LoadOptions& options);

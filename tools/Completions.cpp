@@ -27,7 +27,7 @@ std::string CommandWords(const CLI::App& app) {
 }
 
 // Text between apostrophes, for any of the shells.
-std::string Quoted(std::string_view text) {
+std::string ShellQuoted(std::string_view text) {
     std::string quoted = "'";
     for (const char c : text) {
         if (c == '\'')
@@ -36,6 +36,15 @@ std::string Quoted(std::string_view text) {
             quoted += c;
     }
     return quoted + "'";
+}
+
+// The values of an option that takes one of several, "auto|always" in --help: "auto always". Empty
+// for a file's name.
+std::string ValueWords(const CLI::Option& option) {
+    std::string words = TakesValue(option) ? option.get_option_text() : "";
+    if (words.find('|') == std::string::npos) return "";
+    std::ranges::replace(words, '|', ' ');
+    return words;
 }
 
 // Brackets and colons have a meaning in zsh's descriptions of options.
@@ -49,21 +58,26 @@ std::string ZshText(std::string_view text) {
 }
 
 void PrintZshOption(const CLI::Option& option) {
-    const std::string tail = Joined("[", ZshText(option.get_description()), "]",
-                                    TakesValue(option) ? ":file:_files" : "");
+    const std::string values =
+        ValueWords(option).empty() ? ":file:_files" : Joined(":value:(", ValueWords(option), ")");
+    const std::string tail =
+        Joined("[", ZshText(option.get_description()), "]", TakesValue(option) ? values : "");
     const auto print = [&](const std::string& name) {
-        std::cout << " \\\n                " << Quoted(name + tail);
+        std::cout << " \\\n                " << ShellQuoted(name + tail);
     };
     for (const std::string& name : option.get_snames()) print(Joined("-", name));
     for (const std::string& name : option.get_lnames()) print(Joined("--", name));
 }
 
 void PrintFishOption(const CLI::Option& option, const std::string& condition) {
-    std::cout << "complete -c corvale -n " << Quoted(condition);
+    std::cout << "complete -c corvale -n " << ShellQuoted(condition);
     for (const std::string& name : option.get_snames()) std::cout << " -s " << name;
     for (const std::string& name : option.get_lnames()) std::cout << " -l " << name;
-    if (TakesValue(option)) std::cout << " -r -F";
-    std::cout << " -d " << Quoted(option.get_description()) << '\n';
+    if (!ValueWords(option).empty())
+        std::cout << " -x -a " << ShellQuoted(ValueWords(option));
+    else if (TakesValue(option))
+        std::cout << " -r -F";
+    std::cout << " -d " << ShellQuoted(option.get_description()) << '\n';
 }
 
 }  // namespace
@@ -123,8 +137,8 @@ void PrintZshCompletions(const CLI::App& app) {
                  "    local -a commands\n"
                  "    commands=(\n";
     for (const CLI::App* command : ShownCommands(app))
-        std::cout << "        " << Quoted(command->get_name() + ":" + command->get_description())
-                  << '\n';
+        std::cout << "        "
+                  << ShellQuoted(command->get_name() + ":" + command->get_description()) << '\n';
     std::cout << "    )\n"
                  "    _arguments -C";
     for (const CLI::Option* option : NamedOptions(app)) PrintZshOption(*option);
@@ -157,10 +171,10 @@ void PrintFishCompletions(const CLI::App& app) {
     for (const CLI::App* command : ShownCommands(app)) {
         const std::string& name = command->get_name();
         std::cout << "complete -c corvale -n __fish_use_subcommand -a " << name << " -d "
-                  << Quoted(command->get_description()) << '\n';
+                  << ShellQuoted(command->get_description()) << '\n';
         const std::string condition = Joined("__fish_seen_subcommand_from ", name);
         if (TakesFiles(*command))
-            std::cout << "complete -c corvale -n " << Quoted(condition) << " -F\n";
+            std::cout << "complete -c corvale -n " << ShellQuoted(condition) << " -F\n";
         for (const CLI::Option* option : NamedOptions(*command))
             PrintFishOption(*option, condition);
     }

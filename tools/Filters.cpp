@@ -1,10 +1,10 @@
 #include "Filters.hpp"
 
 #include "Commands.hpp"
+#include "Escapes.hpp"
 #include "Input.hpp"
 #include "LineFilter.hpp"
 #include "NumberFields.hpp"
-#include "RealWords.hpp"
 #include "Texts.hpp"
 
 #include <corvale/numeric/GenFunctions.hpp>
@@ -106,8 +106,8 @@ std::variant<KeyLine, Unusable> ReadKeyLine(std::string_view line, bool addsNumb
     if (addsNumbers) return Unusable{width + column, "the key is longer than 32 characters"};
     if (text.empty()) return Unusable{width + 1, "no integer follows the key of 32 characters"};
     const char* const end = text.data() + text.size();
-    const auto result =
-        std::from_chars(text.data() + (text.front() == '+' ? 1 : 0), end, read.companion);
+    const bool hasPlus = text.front() == '+' && !text.starts_with("+-");
+    const auto result = std::from_chars(text.data() + (hasPlus ? 1 : 0), end, read.companion);
     if (result.ec != std::errc() || result.ptr != end)
         return Unusable{width + column, Quoted(text) + " is no integer of 64 bits"};
     return read;

@@ -25,7 +25,8 @@ auto RetryInterrupted(Call call) {
 
 // A device that never ends is no text.
 bool IsText(int descriptor, const struct stat& status) {
-    if (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode)) return true;
+    if (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode))
+        return true;
     struct stat nullDevice = {};
     return S_ISCHR(status.st_mode) &&
            (isatty(descriptor) == 1 ||
@@ -34,6 +35,10 @@ bool IsText(int descriptor, const struct stat& status) {
 
 }  // namespace
 
+std::string SystemReason(int error) {
+    return std::generic_category().message(error);
+}
+
 InputFile::InputFile(const std::string& name) {
     if (name == "-")
         descriptor_ = STDIN_FILENO;
@@ -41,6 +46,7 @@ InputFile::InputFile(const std::string& name) {
         Open(name);
     struct stat status = {};
     if (!failure_ && fstat(descriptor_, &status) != 0) Fail(errno);
+    if (!failure_ && !IsText(descriptor_, status)) failure_ = "it is no text file";
     if (!failure_ && S_ISREG(status.st_mode)) size_ = static_cast<std::uint64_t>(status.st_size);
 }
 
@@ -56,10 +62,6 @@ void InputFile::Open(const std::string& name) {
     struct stat status = {};
     if (descriptor_ < 0 || fstat(descriptor_, &status) != 0) return Fail(errno);
     if (S_ISDIR(status.st_mode)) return Fail(EISDIR);
-    if (!IsText(descriptor_, status)) {
-        failure_ = "it is no text file";
-        return;
-    }
     if (S_ISFIFO(status.st_mode) && !WaitForWriter()) {
         failure_ = "nobody writes to this pipe";
         return;
@@ -79,7 +81,7 @@ bool InputFile::WaitForWriter() {
 }
 
 void InputFile::Fail(int error) {
-    failure_ = std::generic_category().message(error);
+    failure_ = SystemReason(error);
 }
 
 bool InputFile::Fill() {

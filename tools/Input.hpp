@@ -10,6 +10,9 @@
 
 namespace corvale::tool {
 
+/// What the system says of an error number, in English.
+[[nodiscard]] std::string SystemReason(int error);
+
 /// One line without its end.
 struct Line {
     std::string text;          ///< at most as much as was asked for

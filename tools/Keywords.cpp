@@ -1,12 +1,12 @@
 #include "Keywords.hpp"
 
+#include "Escapes.hpp"
 #include "Joined.hpp"
-#include "RealWords.hpp"
+#include "WordDistance.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 
 #include <algorithm>
-#include <vector>
 
 namespace corvale::tool {
 
@@ -15,24 +15,6 @@ namespace {
 using internal::kCardLetters;
 using internal::kCards;
 using internal::kLongestKeyword;
-
-// By how many insertions, losses, changes and exchanges of neighbours `a` differs from `b`.
-std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> beforeLast(b.size() + 1), last(b.size() + 1), row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        beforeLast.swap(last);
-        last.swap(row);
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t change = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
-            row[j] = std::min({last[j] + 1, row[j - 1] + 1, change});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
-                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
-        }
-    }
-    return row[b.size()];
-}
 
 // Whether `word` can differ from a keyword in no more than two places: then one of the first two
 // letters is left at its beginning, or the underscore that follows them. Saves the time of most
@@ -53,7 +35,7 @@ const Card* Nearest(std::string_view word) {
     const Card* nearest = nullptr;
     std::size_t least = most + 1;
     for (const Card& card : kCards) {
-        const std::size_t distance = Distance(word, NameOf(card));
+        const std::size_t distance = WordDistance(word, NameOf(card));
         if (distance < least) nearest = &card;
         least = std::min(least, distance);
     }

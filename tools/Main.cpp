@@ -2,25 +2,22 @@
 // conversions as filters, and whether a caller's arguments reach it.
 #include "Commands.hpp"
 #include "Program.hpp"
+#include "Usage.hpp"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
-#include <string>
-#include <vector>
 
 namespace corvale::tool {
 namespace {
 
 int Run(int argc, char** argv) {
-    CLI::App app("The Corvale foundation library on the command line", "corvale");
+    CLI::App app("", "corvale");
     int status = kExitOk;
     AddCommands(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        const std::vector<std::string> unknown = app.remaining(true);
-        if (!unknown.empty()) std::cerr << "corvale: \"" << unknown.front() << "\" is not known\n";
-        status = app.exit(error) == 0 ? kExitOk : kExitFailed;
+        status = ReportParseError(app, error);
     }
     std::cout.flush();
     if (!std::cout) {

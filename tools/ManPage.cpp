@@ -12,7 +12,7 @@ namespace corvale::tool {
 namespace {
 
 // A text that troff prints as it stands.
-std::string Escaped(std::string_view text) {
+std::string TroffText(std::string_view text) {
     std::string escaped;
     for (const char c : text) {
         if (c == '\\')
@@ -46,29 +46,29 @@ void PrintFooter(const std::string& footer) {
         if (line.empty())
             std::cout << ".PP\n";
         else
-            std::cout << (line.ends_with(':') ? ".B " : "") << Escaped(line) << '\n';
+            std::cout << (line.ends_with(':') ? ".B " : "") << TroffText(line) << '\n';
     }
     if (!isFilled) std::cout << ".fi\n";
 }
 
 std::string ValueName(const CLI::Option& option) {
-    return TakesValue(option) ? Joined(" \\fI", Escaped(option.get_option_text()), "\\fR") : "";
+    return TakesValue(option) ? Joined(" \\fI", TroffText(option.get_option_text()), "\\fR") : "";
 }
 
 void PrintOptions(const CLI::App& command) {
     for (const CLI::Option* option : Positionals(command))
-        std::cout << ".TP\n.I " << Escaped(option->get_name(true, false)) << '\n'
-                  << Escaped(option->get_description()) << '\n';
+        std::cout << ".TP\n.I " << TroffText(option->get_name(true, false)) << '\n'
+                  << TroffText(option->get_description()) << '\n';
     for (const CLI::Option* option : NamedOptions(command))
-        std::cout << ".TP\n.B " << Escaped(option->get_name(false, true)) << ValueName(*option)
+        std::cout << ".TP\n.B " << TroffText(option->get_name(false, true)) << ValueName(*option)
                   << '\n'
-                  << Escaped(option->get_description()) << '\n';
+                  << TroffText(option->get_description()) << '\n';
 }
 
 void PrintUsage(const CLI::App& command) {
     std::cout << ".B corvale " << command.get_name() << "\n[\\fIOPTIONS\\fR]";
     for (const CLI::Option* option : Positionals(command)) {
-        std::cout << " \\fI" << Escaped(option->get_name(true, false)) << "\\fR";
+        std::cout << " \\fI" << TroffText(option->get_name(true, false)) << "\\fR";
         if (option->get_expected_max() > 1) std::cout << "...";
     }
     std::cout << '\n';
@@ -78,7 +78,7 @@ void PrintUsage(const CLI::App& command) {
 
 void PrintManPage(const CLI::App& app) {
     std::cout << ".TH CORVALE 1 \"\" \"corvale " CORVALE_VERSION "\" \"User Commands\"\n"
-              << ".SH NAME\ncorvale \\- " << Escaped(app.get_description()) << '\n'
+              << ".SH NAME\ncorvale \\- " << TroffText(app.get_description()) << '\n'
               << ".SH SYNOPSIS\n";
     for (const CLI::App* command : ShownCommands(app)) {
         PrintUsage(*command);
@@ -87,16 +87,17 @@ void PrintManPage(const CLI::App& app) {
     std::cout << ".B corvale\n[\\fB\\-\\-help\\fR | \\fB\\-\\-version\\fR]\n.SH COMMANDS\n";
     for (const CLI::App* command : ShownCommands(app)) {
         std::cout << ".SS " << command->get_name() << '\n'
-                  << Escaped(command->get_description()) << ".\n";
+                  << TroffText(command->get_description()) << ".\n";
         PrintOptions(*command);
         PrintFooter(command->get_footer());
     }
     std::cout << ".SH NOTES\n";
     PrintFooter(app.get_footer());
     std::cout << ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\n"
-              << Escaped("If it is set and not empty, nothing is coloured.") << '\n'
+              << TroffText("If it is set and not empty, nothing is coloured.") << '\n'
               << ".TP\n.B TERM\n"
-              << Escaped("If it is \"dumb\", there are neither colours nor progress bars.") << '\n';
+              << TroffText("If it is \"dumb\", there are neither colours nor progress bars.")
+              << '\n';
 }
 
 }  // namespace corvale::tool

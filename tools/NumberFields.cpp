@@ -1,5 +1,6 @@
 #include "NumberFields.hpp"
 
+#include "Escapes.hpp"
 #include "Joined.hpp"
 #include "RealWords.hpp"
 #include "Texts.hpp"

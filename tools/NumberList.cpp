@@ -1,5 +1,6 @@
 #include "NumberList.hpp"
 
+#include "Escapes.hpp"
 #include "Joined.hpp"
 #include "RealWords.hpp"
 
@@ -19,37 +20,39 @@ std::string Plural(std::size_t count, std::string_view noun) {
     return Joined(count, " ", noun, count == 1 ? "" : "s");
 }
 
-// "1 more word is", "3 more words are"
-std::string MoreWords(std::size_t count) {
-    return Plural(count, "more word") + (count == 1 ? " is" : " are");
-}
-
 std::string Elements(std::size_t first) {
     if (first >= kElements) return "value 128 keeps what it held";
     return Joined("values ", first, " to 128 keep what they held");
 }
 
-// How many words there are up to a slash or the end, and where the first one stands.
+// How many words there are up to a slash or the end, and where the first one begins. Of a line that
+// is not kept to its end more may follow.
 struct Words {
     std::size_t count = 0;
     std::size_t first = std::string_view::npos;
+    bool mayBeMore = false;
 };
 
-Words WordsFrom(std::string_view text, std::size_t at) {
-    Words words;
-    while ((at = text.find_first_not_of(" \t,", at)) < text.size() && text[at] != '/') {
-        words.first = std::min(words.first, at);
-        ++words.count;
-        at = text.find_first_of(kItemEnds, at);
-    }
-    return words;
+// "1 word is", "at least 3 words are"
+std::string CountOf(const Words& words, std::string_view noun, std::string_view one,
+                    std::string_view several) {
+    return Joined(words.mayBeMore ? "at least " : "", Plural(words.count, noun), " ",
+                  words.count == 1 ? one : several);
+}
+
+std::string MoreWords(const Words& words) {
+    return CountOf(words, "more word", "is not read", "are not read");
 }
 
 // Walks along the items of the card and says what it meets.
 class Reading {
   public:
-    explicit Reading(std::string_view line)
-        : whole_(line), record_(line.substr(0, kColumns)), at_(kNumbersStart) {}
+    Reading(std::string_view line, std::size_t length, Values& values)
+        : whole_(line),
+          record_(line.substr(0, kColumns)),
+          isWhole_(length == line.size()),
+          at_(kNumbersStart),
+          values_(values) {}
 
     NumberList Read() {
         while (element_ < kElements && Step()) {}
@@ -115,7 +118,7 @@ class Reading {
         LookAtSize(word, value);
         const std::size_t end = std::min(element_ + count, kElements);
         for (; element_ < end; ++element_) {
-            list_.values[element_] = value;
+            values_[element_] = value;
             list_.isSet.set(element_);
         }
     }
@@ -143,12 +146,12 @@ class Reading {
     }
 
     bool Unusable(std::string_view word) {
-        const std::size_t more = WordsFrom(whole_, at_ + word.size()).count;
+        const Words more = WordsFrom(at_ + word.size());
         std::string message = ValueName(word) + ", is not a number";
         if (const std::string why = WhyUnusable(word); !why.empty())
             message += Joined(" (", why, ")");
         message += Joined("; ", Elements(element_ + 1));
-        if (more > 0) message += Joined(", and ", MoreWords(more), " not read");
+        if (more.count > 0) message += Joined(", and ", MoreWords(more));
         Say("not-a-number", at_, word.size(), message, AdviceBefore(at_));
         return false;
     }
@@ -174,24 +177,22 @@ class Reading {
     }
 
     bool EndOfRecord() {
-        const Words lost = WordsFrom(whole_, std::min(kColumns, whole_.size()));
+        const Words lost = WordsFrom(std::min(kColumns, whole_.size()));
         const bool goesOn = list_.findings.empty() || list_.findings.back().code != "cut-number";
         if (lost.count > 0 && goesOn)
             Say("cut", lost.first, 1,
-                Joined(Plural(lost.count, "word"),
-                       lost.count == 1 ? " stands beyond column 512 and is"
-                                       : " stand beyond column 512 and are",
-                       " not read"),
+                CountOf(lost, "word", "stands beyond column 512 and is not read",
+                        "stand beyond column 512 and are not read"),
                 "a second card can set further elements: it begins with a repeat count, as in "
                 "QZ_MOIC 60* 1.5");
         return false;
     }
 
     void CutNumber(std::string_view word) {
-        const std::size_t more = WordsFrom(whole_, whole_.find_first_of(kItemEnds, kColumns)).count;
+        const Words more = WordsFrom(whole_.find_first_of(kItemEnds, kColumns));
         Say("cut-number", at_, word.size(),
             Joined("the line is cut at column 512, within a number: ", Quoted(word), " is read",
-                   more > 0 ? Joined(", and ", MoreWords(more), " not read") : ""));
+                   more.count > 0 ? Joined(", and ", MoreWords(more)) : ""));
     }
 
     // A slash between two digits is more likely a slip than the end of a list.
@@ -205,13 +206,14 @@ class Reading {
     }
 
     void LookBeyondLast() {
-        const Words extra = WordsFrom(whole_, at_);
-        const std::size_t count = overshoot_ + extra.count;
-        if (count > 0)
-            Say("beyond-last", extra.count > 0 ? extra.first : lastWord_, 1,
-                Joined(Plural(count, "value"), " after the 128th ", count == 1 ? "is" : "are",
-                       " not used"),
-                extra.count > 0 ? AdviceBefore(extra.first) : "");
+        Words extra = WordsFrom(at_);
+        const bool isRepeated = extra.count == 0;  // by the count of the last item
+        extra.count += overshoot_;
+        if (extra.count > 0)
+            Say("beyond-last", isRepeated ? lastWord_ : extra.first, 1,
+                CountOf(extra, "value", "after the 128th is not used",
+                        "after the 128th are not used"),
+                isRepeated ? "" : AdviceBefore(extra.first));
     }
 
     void LookForNothing() {
@@ -219,6 +221,16 @@ class Reading {
             Say("sets-nothing", 0, kNumbersStart - 1, "the card sets no value");
     }
 
+    [[nodiscard]] Words WordsFrom(std::size_t at) const {
+        Words words;
+        while ((at = whole_.find_first_not_of(" \t,", at)) < whole_.size() && whole_[at] != '/') {
+            words.first = std::min(words.first, at);
+            ++words.count;
+            at = whole_.find_first_of(kItemEnds, at);
+        }
+        words.mayBeMore = !isWhole_ && at >= whole_.size();
+        return words;
+    }
     [[nodiscard]] std::size_t AfterBlanks(std::size_t at) const {
         return std::min(record_.find_first_not_of(kBlanks, at), record_.size());
     }
@@ -227,7 +239,9 @@ class Reading {
     }
 
     std::string_view whole_, record_;
+    bool isWhole_;  // `whole_` is: else only as much as is kept of a line
     std::size_t at_;
+    Values& values_;
     std::size_t element_ = 0;    // counted from 0
     std::size_t lastWord_ = 0;   // where the last item begins
     std::size_t overshoot_ = 0;  // how many of its values are beyond the 128th
@@ -236,8 +250,8 @@ class Reading {
 
 }  // namespace
 
-NumberList ReadNumbers(std::string_view line) {
-    return Reading(line).Read();
+NumberList ReadNumbers(std::string_view line, std::size_t length, Values& values) {
+    return Reading(line, length, values).Read();
 }
 
 }  // namespace corvale::tool

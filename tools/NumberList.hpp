@@ -26,14 +26,17 @@ struct Finding {
     std::string help = {};  ///< what to do about it; may be empty
 };
 
-/// What the numbers of one card set, and what of them was not used.
+using Elements = std::bitset<kElements>;
+using Values = std::array<double, kElements>;
+
+/// Which elements the numbers of one card set, and what of them was not used.
 struct NumberList {
-    std::array<double, kElements> values{};
-    std::bitset<kElements> isSet;
+    Elements isSet;
     std::vector<Finding> findings;
 };
 
-/// Reads the numbers of the card `line`, of which the first 512 columns count. `line` may be longer.
-[[nodiscard]] NumberList ReadNumbers(std::string_view line);
+/// Reads the numbers of the card `line` into `values`. Its first 512 columns count; `line` may hold
+/// more of it, and `length` is that of all of it.
+[[nodiscard]] NumberList ReadNumbers(std::string_view line, std::size_t length, Values& values);
 
 }  // namespace corvale::tool

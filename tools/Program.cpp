@@ -2,6 +2,7 @@
 
 #include "Commands.hpp"
 #include "Pages.hpp"
+#include "Usage.hpp"
 
 #include <corvale/Corvale.h>
 
@@ -12,6 +13,8 @@
 namespace corvale::tool {
 
 namespace {
+
+constexpr const char* kAppDescription = "The Corvale foundation library on the command line";
 
 constexpr const char* kAppFooter =
     "Exit status:\n"
@@ -68,9 +71,11 @@ std::string NotBlank(const std::string& name) {
 }
 
 void AddInfo(CLI::App& app, int& status) {
+    auto asJson = std::make_shared<bool>(false);
     CLI::App* info = app.add_subcommand("info", "Print the library's information line");
     info->footer(kInfoFooter);
-    info->callback([&status] { status = Info(); });
+    info->add_flag("--json", *asJson, "Print one JSON object");
+    info->callback([asJson, &status] { status = Info(*asJson); });
 }
 
 void AddLoad(CLI::App& app, int& status) {
@@ -100,6 +105,9 @@ void AddCheck(CLI::App& app, int& status) {
         ->option_text("...");
     check->add_flag("--all", options->showsAll, "List every line, those without interest too");
     check->add_flag("--json", options->asJson, "Print one JSON object");
+    check->add_option("--color", options->colour, "Whether to colour the output (default: auto)")
+        ->option_text("auto|always|never")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
     check->add_flag("-q,--quiet", options->isQuiet,
                     "Print nothing but errors: the exit status tells");
     check->add_flag("--progress", options->showsProgress,
@@ -111,6 +119,19 @@ void AddSelfTest(CLI::App& app, int& status) {
     CLI::App* selfTest = app.add_subcommand("selftest", "Check how each kind of argument arrives");
     selfTest->footer(kSelfTestFooter);
     selfTest->callback([&status] { status = SelfTest(); });
+}
+
+// What others print for "help": not shown, because --help is.
+void AddHelp(CLI::App& app, int& status) {
+    auto name = std::make_shared<std::string>();
+    CLI::App* help = app.add_subcommand("help", "Print what --help prints")->group("");
+    help->add_option("COMMAND", *name, "A command");
+    // in a tree of its own: this one would print the help of the command that was given, "help"
+    help->callback([name, &status] {
+        CLI::App tree("", "corvale");
+        AddCommands(tree, status);
+        status = PrintHelp(tree, *name);
+    });
 }
 
 // For the build: not shown by --help.
@@ -127,7 +148,8 @@ void AddGenerate(CLI::App& app, int& status) {
 }  // namespace
 
 void AddCommands(CLI::App& app, int& status) {
-    app.set_version_flag("--version", "corvale " CORVALE_VERSION, "Print the version and exit");
+    app.description(kAppDescription);
+    app.set_version_flag("-V,--version", "corvale " CORVALE_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(kAppFooter);
     AddInfo(app, status);
@@ -135,6 +157,7 @@ void AddCommands(CLI::App& app, int& status) {
     AddCheck(app, status);
     AddSelfTest(app, status);
     AddFilters(app, status);
+    AddHelp(app, status);
     AddGenerate(app, status);
 }
 

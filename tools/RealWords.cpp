@@ -1,5 +1,6 @@
 #include "RealWords.hpp"
 
+#include "Escapes.hpp"
 #include "Joined.hpp"
 
 #include <algorithm>
@@ -24,7 +25,8 @@ bool IsSign(char c) {
 }
 
 std::size_t AfterDigits(std::string_view text, std::size_t at) {
-    return std::min(text.find_first_not_of(kDigits, at), text.size());
+    while (at < text.size() && IsDigit(text[at])) ++at;
+    return at;
 }
 
 std::size_t AfterSign(std::string_view text, std::size_t at) {
@@ -41,13 +43,6 @@ bool BeginsWithWord(std::string_view text, std::string_view lowerWord) {
            std::ranges::equal(text.substr(0, lowerWord.size()), lowerWord,
                               [](char a, char b) { return (a | 0x20) == b; });
 }
-
-struct ByteWord {
-    char byte;
-    std::string_view name;
-};
-constexpr ByteWord kByteNames[] = {
-    {'\0', "a NUL"}, {'\t', "a tab"}, {'\r', "a carriage return"}, {'\x1a', "a control-Z"}};
 
 // The exponent of a real as written, 0 where it has no digits; beyond any double it is cut.
 std::int64_t ExponentOf(std::string_view exponent) {
@@ -103,6 +98,12 @@ std::string WhyNoReal(std::string_view text, std::size_t length) {
 }
 
 double CardReal(std::string_view real) {
+    // the standard library reads what it knows whole: no Q, no D, no exponent without a letter
+    double value = 0.0;
+    const char* const start = real.data() + (real.front() == '+' ? 1 : 0);
+    const auto read = std::from_chars(start, real.data() + real.size(), value);
+    if (read.ec == std::errc() && read.ptr == real.data() + real.size()) return value;
+
     const std::size_t first = AfterSign(real, 0);
     const std::size_t end = AfterMantissa(real, first);
     std::string digits;
@@ -116,31 +117,6 @@ double CardReal(std::string_view real) {
     }
     const double magnitude = digits.empty() ? 0.0 : ToDouble(digits, exponent);
     return real.front() == '-' ? -magnitude : magnitude;
-}
-
-std::string Shown(std::string_view text) {
-    constexpr std::size_t most = 40;
-    constexpr std::string_view hex = "0123456789ABCDEF";
-    std::string shown;
-    for (const char c : text.substr(0, most)) {
-        const auto code = static_cast<unsigned char>(c);
-        if (code >= ' ' && code <= '~')
-            shown += c;
-        else
-            shown.append("\\x").append(1, hex[code >> 4U]).append(1, hex[code & 15U]);
-    }
-    return text.size() > most ? shown + "..." : shown;
-}
-
-std::string Quoted(std::string_view text) {
-    return Joined("\"", Shown(text), "\"");
-}
-
-std::string ByteName(char c) {
-    for (const auto& [byte, name] : kByteNames)
-        if (c == byte) return std::string(name);
-    if (c >= ' ' && c <= '~') return Joined("'", std::string_view(&c, 1), "'");
-    return Joined("the byte 0x", Shown({&c, 1}).substr(2));
 }
 
 }  // namespace corvale::tool

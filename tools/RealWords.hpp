@@ -24,13 +24,4 @@ inline constexpr std::string_view kCardExponents = "EeDdQq";
 /// fields look at 80 characters only. An infinity or a zero where it is too large or too small.
 [[nodiscard]] double CardReal(std::string_view real);
 
-/// Printable ASCII as it is, any other byte as \xNN, a long text cut: safe to print anywhere.
-[[nodiscard]] std::string Shown(std::string_view text);
-
-/// The same between quotation marks.
-[[nodiscard]] std::string Quoted(std::string_view text);
-
-/// "a tab", "a NUL", "the byte 0xA0", or the character between apostrophes.
-[[nodiscard]] std::string ByteName(char c);
-
 }  // namespace corvale::tool

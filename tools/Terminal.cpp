@@ -1,10 +1,13 @@
 #include "Terminal.hpp"
 
+#include "Escapes.hpp"
+
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <utility>
@@ -18,6 +21,8 @@ using namespace std::chrono_literals;
 constexpr auto kLong = 500ms;  // work shorter than this shows no bar
 constexpr auto kRedraw = 100ms;
 constexpr std::size_t kCells = 30;
+
+bool hasColours = false;
 
 std::string_view Variable(const char* name) {
     const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nobody sets any
@@ -35,13 +40,28 @@ std::size_t TerminalWidth() {
     return isKnown ? size.ws_col : usual;
 }
 
+// A signal that ends the program wipes the bar out first, or half of it would stay on the line.
+constexpr std::string_view kWipe = "\r\033[K";
+volatile std::sig_atomic_t barIsOnTerminal = 0;
+
+void WipeAndEnd(int signal) {
+    if (barIsOnTerminal != 0) static_cast<void>(!write(STDERR_FILENO, kWipe.data(), kWipe.size()));
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void WipeAtSignals() {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        if (std::signal(signal, WipeAndEnd) == SIG_IGN) std::signal(signal, SIG_IGN);
+}
+
 // The descriptor through which this process reads the file `wanted`; -1 while there is none.
 int FindDescriptor(const struct stat& wanted) {
     constexpr int most = 64;
     for (int descriptor = STDERR_FILENO + 1; descriptor < most; ++descriptor) {
         struct stat status = {};
         if (fstat(descriptor, &status) == 0 && status.st_dev == wanted.st_dev &&
-            status.st_ino == wanted.st_ino)
+            status.st_ino == wanted.st_ino && lseek(descriptor, 0, SEEK_CUR) >= 0)
             return descriptor;
     }
     return -1;
@@ -58,23 +78,24 @@ void Watch(const struct stat& file, ProgressBar& bar, const std::future<void>& i
 
 }  // namespace
 
-bool HasColours() {
-    static const bool has = IsTerminal(STDOUT_FILENO) && Variable("NO_COLOR").empty();
-    return has;
+void UseColours(std::string_view when) {
+    const bool isWanted = IsTerminal(STDOUT_FILENO) && Variable("NO_COLOR").empty();
+    hasColours = when == "always" || (when != "never" && isWanted);
 }
 
 std::string Coloured(Colour colour, std::string_view text) {
     constexpr std::array<std::string_view, 4> codes = {"", "\033[1m", "\033[1;35m", "\033[1;32m"};
     const std::string_view code = codes[static_cast<std::size_t>(colour)];
-    if (code.empty() || !HasColours()) return std::string(text);
+    if (code.empty() || !hasColours) return std::string(text);
     return std::string(code).append(text).append("\033[0m");
 }
 
-ProgressBar::ProgressBar(std::string title, std::uint64_t size, Show show)
-    : title_(std::move(title)),
+ProgressBar::ProgressBar(std::string_view title, std::uint64_t size, Show show)
+    : title_(Escaped(title)),
       size_(size),
       isWanted_(size > 0 && show != Show::Never && IsTerminal(STDERR_FILENO)),
       next_(begun_ + (show == Show::AtOnce ? 0ms : kLong)) {
+    if (isWanted_) WipeAtSignals();
     if (show == Show::AtOnce) Update(0);
 }
 
@@ -105,10 +126,17 @@ void ProgressBar::Draw(std::uint64_t done) {
     std::cout.flush();
     std::cerr << '\r' << title << text << "\033[K" << std::flush;
     isShown_ = true;
+    barIsOnTerminal = 1;
 }
 
 void ProgressBar::Clear() {
-    if (std::exchange(isShown_, false)) std::cerr << "\r\033[K" << std::flush;
+    if (std::exchange(isShown_, false)) std::cerr << kWipe << std::flush;
+    barIsOnTerminal = 0;
+}
+
+void ProgressBar::MakeWay() {
+    static const bool sharesTerminal = isatty(STDOUT_FILENO) == 1;
+    if (sharesTerminal) Clear();
 }
 
 ReadingWatch::ReadingWatch(const std::string& name, ProgressBar& bar) {
@@ -124,8 +152,8 @@ ReadingWatch::~ReadingWatch() {
 }
 
 ProgressBar::Show ShowProgress(bool isQuiet, bool isForced) {
-    if (isQuiet) return ProgressBar::Show::Never;
-    return isForced ? ProgressBar::Show::AtOnce : ProgressBar::Show::WhenLong;
+    if (isForced) return ProgressBar::Show::AtOnce;
+    return isQuiet ? ProgressBar::Show::Never : ProgressBar::Show::WhenLong;
 }
 
 std::uint64_t RegularFileSize(const std::string& name) {

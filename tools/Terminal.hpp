@@ -12,8 +12,9 @@ namespace corvale::tool {
 
 enum class Colour : std::uint8_t { Plain, Place, Warning, Mark };
 
-/// Whether standard output shows colours: a terminal that is not dumb, and no NO_COLOR.
-[[nodiscard]] bool HasColours();
+/// Whether standard output shows colours. "auto", as at first: on a terminal that is not dumb, and
+/// without NO_COLOR; "always" and "never" whatever it is.
+void UseColours(std::string_view when);
 
 /// `text` in a colour where standard output shows colours, else as it is.
 [[nodiscard]] std::string Coloured(Colour colour, std::string_view text);
@@ -26,7 +27,7 @@ class ProgressBar {
     enum class Show : std::uint8_t { Never, WhenLong, AtOnce };
 
     /// `size` of 0: not known, nothing is shown.
-    ProgressBar(std::string title, std::uint64_t size, Show show);
+    ProgressBar(std::string_view title, std::uint64_t size, Show show);
     ~ProgressBar() { Clear(); }
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
@@ -36,6 +37,8 @@ class ProgressBar {
     /// Draws the bar if it is time to.
     void Update(std::uint64_t done);
     void Clear();
+    /// Before output: wipes the bar out if standard output goes to a terminal, too.
+    void MakeWay();
 
   private:
     using Clock = std::chrono::steady_clock;
@@ -64,7 +67,7 @@ class ReadingWatch {
     std::thread thread_;
 };
 
-/// How a bar is to be shown: never where `isQuiet`, at once where `isForced`.
+/// How a bar is to be shown: at once where `isForced`, never where `isQuiet` alone.
 [[nodiscard]] ProgressBar::Show ShowProgress(bool isQuiet, bool isForced);
 
 /// The size of a regular file, else 0.

@@ -12,6 +12,7 @@ namespace {
 using nlohmann::json;
 using test::Outcome;
 using test::ProgramRuns;
+using test::Quoted;
 using test::ReadFile;
 using test::WriteFile;
 
@@ -57,7 +58,8 @@ TEST_F(Check, SaysWhatLoadingSets) {
     }
 }
 
-const std::string kTo511(503, ' ');  // the columns 9 to 511
+const std::string kBlanks = " 8" + std::string(80000, ' ');  // more than is kept of a line
+const std::string kTo511(503, ' ');                          // the columns 9 to 511
 
 struct FindingCase {
     std::string content;
@@ -88,6 +90,7 @@ const FindingCase kFindings[] = {
     {"QZ_MOIC " + kTo511 + "7 8\n", "cut", 1, 514, "1 word stands"},
     {"QZ_MOIC " + kTo511 + "78 9\n", "cut-number", 1, 512,
      "\"7\" is read, and 1 more word is not read"},
+    {"QZ_MOIC 1 x" + kBlanks + "9", "not-a-number", 1, 11, "and at least 1 more word is not read"},
     {"QZ_MOIC 1 / " + kTo511 + "7 8\n", "", 0, 0, ""},
     {"* " + kTo511 + "a long comment, and a long line that is no card\n", "", 0, 0, ""},
     {"\n\n\tQZ_DMA_ON\n", "not-in-column-1", 3, 2, "behind a tab"},
@@ -115,6 +118,37 @@ TEST_F(Check, FindsWhatIsWrong) {
     }
 }
 
+// Some 3 KB a finding if they were kept, and the cards, which come after them, 60 bytes each.
+TEST_F(Check, NeedsNoMemoryForMoreFindings) {
+    if (test::kIsSanitized) GTEST_SKIP() << "a sanitizer needs all addresses";
+    const Outcome outcome = Run("yes 'QZ_DMA_ON 0' | head -n 200000 >many; ulimit -v 100000; " +
+                                Quoted(CORVALE_PROGRAM) + " check --json many");
+    EXPECT_EQ(outcome.exitCode, 1) << outcome.err;
+    const json file = json::parse(outcome.out).at("files").at(0);
+    EXPECT_EQ(file.at("findings").size(), 200000U);
+    EXPECT_EQ(file.at("cards").size(), 200000U);
+    EXPECT_EQ(file.at("cards").back().at("line"), 200000);
+}
+
+// A file's name could steer the terminal, and a program that reads the output.
+TEST_F(Check, NamesAreEscaped) {
+    const std::string name = "e\x1b[31m\n\xc2\x9b.inp";
+    const std::string shown = "e\\x1B[31m\\x0A\\xC2\\x9B.inp";
+    WriteFile(name, " QZ_DMA_ON\nQZ_DMA_ON\n");
+    for (const std::string command : {"check ", "check --all ", "check --json ", "load no",
+                                      "load missing --log ", "check no", "no"}) {
+        const Outcome outcome = Corvale(command + Quoted(name));
+        const std::string said = outcome.out + outcome.err;
+        EXPECT_TRUE(std::ranges::all_of(said, [](char c) {
+            return c == '\n' || (c >= ' ' && c <= '~');
+        })) << command;
+        const bool isJson = command == "check --json ";
+        EXPECT_NE(said.find(isJson ? "\\u001b" : shown), std::string::npos) << said;
+    }
+    EXPECT_EQ(json::parse(Corvale("check --json " + Quoted(name)).out).at("files")[0].at("file"),
+              name);
+}
+
 TEST_F(Check, CountsUnusualBytes) {
     const json file = FileOf("\xef\xbb\xbf* \xc3\xa9\t\n*\r\n*\r*\n*" + std::string(1, '\0'));
     EXPECT_EQ(file.at("bytes"),
@@ -138,6 +172,7 @@ TEST_F(Check, TakesSeveralFilesAndSaysWhichCannotBeRead) {
         {"bad missing good", 2, 1, "one is missing"},
         {".", 2, 1, "a folder"},
         {"/dev/zero", 2, 1, "no text, and no end"},
+        {"- </dev/zero", 2, 1, "nor by this name"},
         {"/dev/null", 0, 0, "an empty file"},
         {"- <&-", 2, 1, "standard input is closed"},
         {"sub\\\\good", 0, 0, "a backslash is a slash, as in loading"},

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -41,7 +42,11 @@ void ExpectHardValue(double value, std::size_t i) {
 
 TEST_F(ProgramRuns, SaysWhatItIs) {
     EXPECT_EQ(Corvale("info").out, InfoLine() + "\n");
-    EXPECT_EQ(Corvale("--version").out, "corvale " CORVALE_VERSION "\n");
+    EXPECT_EQ(nlohmann::json::parse(Corvale("info --json").out).at("information"), InfoLine());
+    for (const char* version : {"--version", "-V"})
+        EXPECT_EQ(Corvale(version).out, "corvale " CORVALE_VERSION "\n");
+    EXPECT_EQ(Corvale("help").out, Corvale("--help").out);
+    EXPECT_EQ(Corvale("help load").out, Corvale("load --help").out);
     const Outcome help = Corvale("--help");
     EXPECT_EQ(help.exitCode, 0);
     for (const char* command : {"info", "load", "selftest"})
@@ -102,18 +107,21 @@ TEST_F(ProgramRuns, PrintsTheStoredMessageOfAFailure) {
     const Outcome rows = Corvale("load missing.inp");
     EXPECT_EQ(rows.exitCode, 2);
     EXPECT_EQ(rows.out, "");
-    EXPECT_EQ(rows.err, message + "\n");
+    EXPECT_EQ(rows.err, message + " (No such file or directory)\n");
     const Outcome json = Corvale("load missing.inp --json --log run.log");
     EXPECT_EQ(json.exitCode, 2);
-    EXPECT_EQ(json.err, message + "\n");
-    EXPECT_EQ(nlohmann::json::parse(json.out).at("status"), 2);
-    EXPECT_EQ(nlohmann::json::parse(json.out).at("message"), message);
+    EXPECT_EQ(json.err, rows.err);
+    const nlohmann::json wanted = {
+        {"status", 2}, {"message", message}, {"reason", "No such file or directory"}};
+    EXPECT_EQ(nlohmann::json::parse(json.out), wanted) << "and no values";
     EXPECT_NE(ReadFile("run.log").find("\nError-" + message + "\n"), std::string::npos);
 
     WriteFile("good.inp", "");
     const Outcome log = Corvale("load good.inp --log no/such/folder/log");
     EXPECT_EQ(log.exitCode, 2);
-    EXPECT_EQ(log.err, "OpenLogFile: log file failed to open.\n");
+    EXPECT_EQ(log.err,
+              "OpenLogFile: log file failed to open. "
+              "(\"no/such/folder/log\": No such file or directory)\n");
 }
 
 TEST_F(ProgramRuns, RefusesWhatItCouldNotDoWhole) {
@@ -123,21 +131,29 @@ TEST_F(ProgramRuns, RefusesWhatItCouldNotDoWhole) {
         std::string arguments;
         const char *complaint, *why;
     } cases[] = {
-        {"load 'g\too\xc3\xa9.inp'", "byte 2 has the code 9", "a tab would end the name"},
-        {"load 'caf\xc3\xa9.inp'", "byte 4 has the code 195", "so would an accented letter"},
-        {"load 'a\x7f'", "the code 127", "an unprintable character"},
-        {"load ' good.inp'", "begins with a blank", "the blank would be removed"},
-        {"load 'good.inp '", "ends with a blank", "this one too"},
-        {"load ''", "blank", "no name"},
-        {"load " + std::string(513, 'n'), "513 characters", "the name would be cut"},
+        {"load good.inp --log 'g\too\xc3\xa9'", "byte 2 has the code 9",
+         "a tab would end the name"},
+        {"load good.inp --log 'a\x7f'", "the code 127", "an unprintable character"},
+        {"load good.inp --log ' x'", "begins with a blank", "the blank would be removed"},
+        {"load good.inp --log 'x '", "ends with a blank", "this one too"},
+        {"load good.inp --log " + std::string(513, 'n'), "513 characters", "it would be cut"},
         {"load good.inp --log 'precious.log\xc3\xa9'", "code 195", "precious.log would be emptied"},
-        {"load 'b\xc3\xa9' --log precious.log", "code 195", "refused before the log is opened"},
+        {"load 'precious.log\xc3\xa9'", "(No such file", "precious.log would be read"},
+        {"load ' good.inp'", "(No such file", "so would good.inp"},
+        {"load ''", "(No such file", "no name"},
+        {"load .", "(Is a directory)", "nothing that is read"},
         {"load good.inp --log ./good.inp", "same file", "the log would empty the input"},
+        {"load new.inp --log ./new.inp", "same file", "or be its own input"},
+        {"load good.inp --log said >said", "same file", "or overwrite its own output"},
+        {"load good.inp --log /dev/stdout >>said", "same file", "by whatever name"},
         {"load good.inp --log ''", "blank", "an empty name is not no name"},
         {"load", "FILE", "nothing to load"},
         {"", "subcommand", "nothing to do"},
-        {"frobnicate", "", "an unknown command"},
-        {"info extra", "", "an argument too many"},
+        {"frobnicate", "\"frobnicate\" is no command\n", "an unknown command"},
+        {"laod x", "\"laod\" is no command; did you mean load?\nRun", "one letter off"},
+        {"check --jsn x", "\"--jsn\" is no option; did you mean --json?\nRun", "an option"},
+        {"help laod", "did you mean load?", "nothing to help with"},
+        {"info extra", "\"extra\" is one argument too many", "an argument too many"},
         {"info >/dev/full; exit $? #", "", "output that cannot be written"},
         {"--help >/dev/full; exit $? #", "", "nor help"},
     };
@@ -148,6 +164,19 @@ TEST_F(ProgramRuns, RefusesWhatItCouldNotDoWhole) {
     }
     EXPECT_EQ(ReadFile("precious.log"), "kept");
     EXPECT_EQ(ReadFile("good.inp"), "QZ_DMA_ON\n");
+}
+
+// The C API would cut these names and open another file, or none.
+TEST_F(ProgramRuns, ReadsFilesOfAnyName) {
+    const std::string folder(200, 'n');
+    std::filesystem::create_directories(folder + "/" + folder);
+    for (const std::string& name : {std::string("na\xc3\xafve orbit.inp"), std::string(" a\tb "),
+                                    std::string("  "), folder + "/" + folder + "/" + folder}) {
+        WriteFile(name, "QZ_DMA_ON\n");
+        const Outcome load = Corvale("load --json " + Quoted(name));
+        EXPECT_EQ(load.exitCode, 0) << load.err;
+        EXPECT_NE(load.out.find("\"elsetKeyMode\": 1"), std::string::npos) << name;
+    }
 }
 
 TEST_F(ProgramRuns, ExamplesPrintWhatTheCardsSet) {

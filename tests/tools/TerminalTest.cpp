@@ -29,20 +29,26 @@ TEST_F(Surroundings, ColoursAreForTerminals) {
     EXPECT_FALSE(Has(OnTerminal("export TERM=xterm NO_COLOR=1; corvale check bad"), escape));
     EXPECT_FALSE(Has(OnTerminal("export TERM=dumb; corvale check bad"), escape));
     EXPECT_FALSE(Has(OnTerminal("export TERM=xterm; corvale check bad | cat"), escape));
+    EXPECT_FALSE(Has(OnTerminal("export TERM=xterm; corvale check --color=never bad"), escape));
+    EXPECT_TRUE(Has(Corvale("check --color=always bad"), escape));
     EXPECT_EQ(OnTerminal("corvale check bad").exitCode, 1);
 }
 
 // --progress shows the bar from the first moment on; otherwise a short file has none.
 TEST_F(Surroundings, ProgressIsForTerminals) {
-    ASSERT_EQ(Run("yes '* a comment' | head -c 40000000 >long").exitCode, 0);
+    ASSERT_EQ(
+        Run("yes '* a comment' | head -c 40000000 >long; yes QZ_DMA_ON | head -c 999999 >cards")
+            .exitCode,
+        0);
     const std::string terminal = "export TERM=xterm; ";
     for (const char* command : {"load", "check"}) {
         const std::string run = terminal + "corvale " + command;
         const Outcome bar = OnTerminal(run + " --progress long >/dev/null");
         EXPECT_TRUE(Has(bar, "\rlong [")) << command << bar.out;
         EXPECT_TRUE(bar.out.ends_with("\r\033[K")) << command << ": it is wiped out";
+        const Outcome cards = OnTerminal(run + " --progress cards >/dev/null");
+        EXPECT_EQ(cards.out.find("\r\033[K"), cards.out.size() - 4) << "no card wipes it out";
         EXPECT_EQ(OnTerminal(run + " good >/dev/null").out, "") << command;
-        EXPECT_EQ(OnTerminal(run + " --progress --quiet long >/dev/null").out, "") << command;
         EXPECT_EQ(Corvale(std::string(command) + " --progress long >/dev/null").err, "") << command;
         EXPECT_EQ(OnTerminal("export TERM=dumb; corvale " + std::string(command) +
                              " --progress long >/dev/null")
@@ -50,6 +56,10 @@ TEST_F(Surroundings, ProgressIsForTerminals) {
                   "")
             << command;
     }
+    const Outcome ended =
+        OnTerminal(terminal + CORVALE_PROGRAM
+                   " check -q --progress long long long long long & sleep 0.2; kill $!; wait");
+    EXPECT_TRUE(Has(ended, "\rlong [") && ended.out.ends_with("\r\033[K")) << ended.out;
 }
 
 TEST_F(Surroundings, AFilterAnswersAtOnce) {

@@ -1,0 +1,164 @@
+// `corvale check --json`. The findings of a file are printed as they come. Its cards, which stand in
+// an array of their own, are kept until then in a file without a name, so that memory does not grow
+// with their number.
+#include "CheckReport.hpp"
+#include "JsonTexts.hpp"
+
+#include <cstdio>
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+
+namespace corvale::tool {
+
+namespace {
+
+using internal::kKeyModes;
+using nlohmann::ordered_json;
+
+// Text that is printed later. Small texts stay in memory, a file takes the rest.
+class Spool {
+  public:
+    Spool() = default;
+    ~Spool() {
+        if (file_ != nullptr) std::fclose(file_);
+    }
+    Spool(const Spool&) = delete;
+    Spool& operator=(const Spool&) = delete;
+
+    [[nodiscard]] bool IsEmpty() const { return isEmpty_; }
+    void Add(std::string_view text) {
+        isEmpty_ = false;
+        waiting_.append(text);
+        if (waiting_.size() >= kBlock) MoveToFile();
+    }
+    // Prints what was added, and begins anew.
+    void Print() {
+        if (file_ != nullptr) PrintFile();
+        std::cout << waiting_;
+        waiting_.clear();
+        isEmpty_ = true;
+    }
+
+  private:
+    static constexpr std::size_t kBlock = 0x40000;
+
+    void MoveToFile() {
+        if (file_ == nullptr) file_ = std::tmpfile();
+        if (file_ == nullptr ||
+            std::fwrite(waiting_.data(), 1, waiting_.size(), file_) != waiting_.size())
+            throw std::runtime_error("there is no space for a temporary file");
+        waiting_.clear();
+    }
+    void PrintFile() {
+        std::rewind(file_);
+        std::string block(kBlock, ' ');
+        while (const std::size_t count = std::fread(block.data(), 1, kBlock, file_))
+            std::cout.write(block.data(), static_cast<std::streamsize>(count));
+        if (std::ferror(file_) != 0)
+            throw std::runtime_error("the temporary file cannot be read back");
+        std::fclose(file_);
+        file_ = nullptr;
+    }
+
+    std::FILE* file_ = nullptr;
+    std::string waiting_;
+    bool isEmpty_ = true;
+};
+
+ordered_json JsonFinding(std::uint64_t line, const Finding& finding) {
+    return {{"line", line},         {"column", finding.column},   {"length", finding.length},
+            {"code", finding.code}, {"message", finding.message}, {"help", finding.help}};
+}
+
+ordered_json JsonCard(std::uint64_t line, const Explained& explained) {
+    return {{"line", line}, {"effect", EffectText(explained)}};
+}
+
+constexpr bool IsSetByCards(std::size_t mode) {
+    return std::ranges::any_of(internal::kCards,
+                               [&](const auto& card) { return card.mode == mode; });
+}
+
+ordered_json JsonSets(const FileContent& content) {
+    ordered_json sets;
+    for (std::size_t i = 0; i < kKeyModes.size(); ++i) {
+        if (!IsSetByCards(i)) continue;
+        ordered_json& mode = sets[std::string(kKeyModes[i].id)];
+        if (content.setsMode[i]) mode = 1;
+    }
+    ordered_json moic = ordered_json::array();
+    for (std::size_t i = 0; i < kElements; ++i)
+        moic.push_back(content.isSet[i] ? JsonReal(content.values[i]) : nullptr);
+    sets["moic"] = std::move(moic);
+    return sets;
+}
+
+ordered_json JsonBytes(const FileContent& content) {
+    return {{"byteOrderMark", content.hasByteOrderMark},
+            {"linesWithCrLf", content.withReturn},
+            {"linesWithInnerCr", content.innerReturns},
+            {"linesWithTabs", content.withTabs},
+            {"linesWithNuls", content.withNuls},
+            {"linesWithBytesAbove127", content.withHighBytes}};
+}
+
+class JsonReport : public CheckReport {
+  public:
+    void BeginFile(const std::string& name) override {
+        CheckReport::BeginFile(name);
+        std::cout << (isFirstFile_ ? "{\"files\": [\n" : ",\n") << "{\"file\": " << JsonName(name);
+        isFirstFile_ = false;
+        hasFindings_ = false;
+    }
+    void TakeLine(const Line& line, const Explained& explained) override {
+        if (explained.kind == LineKind::Card) {
+            cards_.Add(cards_.IsEmpty() ? "\n  " : ",\n  ");
+            cards_.Add(JsonCard(line.number, explained).dump());
+        }
+        for (const Finding& finding : explained.findings) {
+            std::cout << (hasFindings_ ? ",\n  " : ",\n \"findings\": [\n  ")
+                      << JsonFinding(line.number, finding);
+            hasFindings_ = true;
+        }
+    }
+    void EndFile(const FileContent& content) override {
+        EndArrays();
+        Put("lines", content.lines);
+        Put("sets", JsonSets(content));
+        Put("bytes", JsonBytes(content));
+        std::cout << '}';
+    }
+    void Unreadable(const std::string& why) override {
+        CheckReport::Unreadable(why);
+        if (hasFindings_ || !cards_.IsEmpty()) EndArrays();
+        Put("error", why);
+        std::cout << '}';
+    }
+    void Finish() override { std::cout << "\n]}\n"; }
+    [[nodiscard]] bool Wants(const Explained& explained) const override {
+        return explained.kind == LineKind::Card || !explained.findings.empty();
+    }
+
+  private:
+    static void Put(std::string_view key, const ordered_json& value) {
+        std::cout << ",\n \"" << key << "\": " << value;
+    }
+    void EndArrays() {
+        std::cout << (hasFindings_ ? "]" : ",\n \"findings\": []") << ",\n \"cards\": [";
+        cards_.Print();
+        std::cout << ']';
+    }
+
+    bool isFirstFile_ = true;
+    bool hasFindings_ = false;
+    Spool cards_;
+};
+
+}  // namespace
+
+std::unique_ptr<CheckReport> MakeJsonReport() {
+    return std::make_unique<JsonReport>();
+}
+
+}  // namespace corvale::tool
