@@ -5,14 +5,30 @@
 // colon, and returns status 2. A success never clears the stored message. The log file is opened
 // and closed by the C functions OpenLogFile and CloseLogFile; while it is open each message is also
 // one line in it: "Error-" and the message for an error, the message alone otherwise, in full
-// length, trailing blanks included. When TraceLogError and TraceLogInfo return, the line has been
-// handed to the system: a process that is killed loses none. One that was still being written then
-// may be cut, as the last of the log. A line that the system does not take (disk full, nobody reads
-// the pipe) is lost without an error; later ones are written again once they can be. A file-size
-// limit is such a case; only a process that sets one while the log is open, at or below the log's
-// size, should ignore SIGXFSZ. Processes may share a log: their lines stay whole (but for one of
-// over 1000 characters with dozens of line ends inside) and none is written over, but each that
-// opens it empties it. A log that is removed or renamed goes on taking lines.
+// length, trailing blanks included.
+//
+// What is certain of a line
+//
+// When TraceLogError and TraceLogInfo return, the line has been handed to the system by one
+// write() to a file that is opened to append. From this follows:
+//
+// Killed process   loses no line whose call has returned. The line that was being written may be
+//                  cut, as the last one that this process leaves
+// Power cut        may lose lines: the system keeps them in memory for some seconds. Who needs them
+//                  safe opens the log on a file system that is mounted with "sync"
+// Several threads  lines of all threads are whole
+// Several          may share a log: their lines are whole, in a file of any length, in a pipe up to
+// processes        4,096 bytes with the line end, and none is written over; each process that opens
+//                  the log by OpenLogFile empties it. Behind a part of a line that another process
+//                  has left (killed, or out of space) a line begins on the same line
+// Full disk, limit lose lines, without an error: later lines are written again once they can be, on
+// of a file        lines of their own. A process that limits file sizes at or below the size of its
+//                  open log must ignore SIGXFSZ itself
+// Paused reader    of a pipe, or a stopped terminal: the call waits, as long as somebody reads
+// Reader gone      loses lines, without an error and without SIGPIPE, until another one has come
+// Removed log      goes on taking lines
+// Little memory    a line of over 1,000 characters with dozens of line ends inside takes several
+//                  calls of write() where no memory is left for a copy
 //
 // Message  LastLoggedErrMsg  LogLastInfoMsg  TraceLogError  TraceLogInfo  LogFileUnit
 // Open     FileOpen  FileOpenMT
@@ -65,8 +81,9 @@ extern CORVALE_API std::atomic<std::int32_t> LogFileUnit;
 /// Width      any: 128 characters are stored, the line holds all. CR and LF are stored as they are
 ///            and become blanks in the line
 /// Bad input  a blank or empty message clears the store and writes no line
-/// Threads    any number at once, also in a forked child; one message at a time holds the lock
-///            "cs_logerrormessage", which must not be held by the caller. Not from a signal handler
+/// Threads    any number at once, also in a forked child and in handlers of fork; one message at a
+///            time holds the lock "cs_logerrormessage", which must not be held by the caller. No
+///            cancellation point. Not from a signal handler
 CORVALE_API void TraceLogError(std::string_view message) noexcept;
 
 /// Stores an informational message and writes it as one line to an open log.
@@ -80,7 +97,8 @@ CORVALE_API void TraceLogInfo(std::string_view message) noexcept;
 /// the name are taken as slashes; trailing blanks are not part of it, leading ones are.
 /// Directories, block devices and devices that never end are no text files; opening never waits for
 /// a named pipe longer than two seconds (reading one then waits for its writer as long as that
-/// lives). Lines are read and written with TextUnits.
+/// lives). Where another process holds a lease on the file it waits until that is given up. Lines
+/// are read and written with TextUnits. A file is emptied when nothing can fail any more.
 ///
 /// `ioMode`     0 to write (the file is created or emptied), 1 to read (it must exist), 2 to append
 ///              (it is created or kept)
@@ -89,7 +107,7 @@ CORVALE_API void TraceLogInfo(std::string_view message) noexcept;
 /// Bad input    status 2 and a message: "FileOpen: File name is empty." (tested first), "FileOpen:
 ///              Invalid ioMode for FileOpen.", "FileOpen: Unable to open file " with the name as it
 ///              was given, in quotes, and " for reading." or " for writing."; a name that holds a
-///              NUL opens nothing. `fileUnit` is then closed
+///              NUL opens nothing. `fileUnit` is then closed, and no file has changed
 /// Threads      as TextUnits: safe, but two callers that use one number disturb each other
 [[nodiscard]] CORVALE_API std::int32_t FileOpen(
     std::int32_t fileUnit, std::string_view fileName, std::int32_t ioMode,

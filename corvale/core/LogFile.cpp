@@ -21,7 +21,7 @@ namespace {
 constexpr std::int32_t kNoLog = 0;
 constexpr std::int32_t kLogUnit = 6;
 
-using Pieces = std::span<const std::string_view>;
+using internal::Pieces;
 
 bool IsBlank(Pieces pieces) noexcept {
     return std::all_of(pieces.begin(), pieces.end(), [](std::string_view piece) {
@@ -38,7 +38,7 @@ void StorePieces(Pieces pieces, MessageStore& store) noexcept {
     store.Store({message.data(), end});
 }
 
-// A line that the system does not take is lost: there is nobody to tell. Inline, as WriteWhole is.
+// A line that the system does not take is lost: there is nobody to tell.
 [[gnu::always_inline]] inline void WriteToLog(Pieces pieces) noexcept {
     const std::int32_t unit = LogFileUnit.load(std::memory_order_relaxed);
     if (unit != kNoLog) static_cast<void>(internal::WriteLine(unit, pieces));

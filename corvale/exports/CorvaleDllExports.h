@@ -16,7 +16,8 @@
  * Threads  LogMessage, the Get functions of modes and messages, CorvaleInit, CorvaleGetInfo,
  *          GetInitDllNames and the TestInterface functions: any number of threads at once. Opening
  *          and closing the log, setting modes, loading a file and GetMOICData are for the callers
- *          to serialise. None may be called from a signal handler.
+ *          to serialise. All may be called in handlers of fork and in a forked child; none is a
+ *          cancellation point; none may be called from a signal handler.
  * Exactness  the numbers of cards are correctly rounded to nearest, ties to even, in every locale
  *          and whatever the thread's rounding mode; all other results are the same bits everywhere
  *
@@ -74,7 +75,8 @@ CORVALE_API void GetInitDllNames(char* names) CORVALE_NOEXCEPT;
 
 /* Opens the log file, created or emptied; a log that is open is closed first. From then on every
  * message is also a line in the file: "Error-" and the message, or the informational message alone.
- * Other processes may log to the same file: lines stay whole, but whoever opens it empties it.
+ * Other processes may log to the same file: lines stay whole, but whoever opens it empties it. A
+ * file that cannot be opened as the log stays as it was.
  *
  * fileName  512 characters or a shorter terminated string; leading and trailing blanks are not part
  *           of the name

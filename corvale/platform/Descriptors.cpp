@@ -1,6 +1,6 @@
 #include <corvale/platform/Descriptors.hpp>
 
-#include <corvale/platform/SignalHold.hpp>
+#include <corvale/platform/CancelHold.hpp>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -27,8 +27,6 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kWriterWait{2000};  // how long a named pipe waits for its writer
 constexpr milliseconds kWriterStep{50};    // how often it asks whether one has come
-constexpr milliseconds kRoomWait{1000};    // how long a full pipe may take to make room for a line
-constexpr int kMostRefusals = 100;  // how often it may refuse a line although it says it has room
 constexpr int kFirstOwnDescriptor = 3;
 constexpr mode_t kNewFileMode = 0666;  // less what the process masks out
 
@@ -52,11 +50,21 @@ bool IsReady(int descriptor, short event, milliseconds wait) noexcept {
     }
 }
 
-int OpenFlags(FileAccess access) noexcept {
-    constexpr int always = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-    if (access == FileAccess::Read) return always | O_RDONLY;
-    constexpr int writing = always | O_WRONLY | O_CREAT | O_APPEND;
-    return access == FileAccess::Replace ? writing | O_TRUNC : writing;
+bool IsRegular(const char* path) noexcept {
+    struct stat status = {};
+    return stat(path, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// Named pipes and terminal lines would block at the opening: O_NONBLOCK spares that. A file under a
+// lease refuses to open so: the plain open waits for the holder.
+int Open(const char* path, int flags) noexcept {
+    flags |= O_CLOEXEC | O_NOCTTY;
+    const auto openWith = [&](int moreFlags) {
+        return RetryInterrupted([&] { return open(path, flags | moreFlags, kNewFileMode); });
+    };
+    const int descriptor = openWith(O_NONBLOCK);
+    if (descriptor >= 0 || errno != EWOULDBLOCK || !IsRegular(path)) return descriptor;
+    return openWith(0);
 }
 
 // The host may have closed its standard descriptors: what is opened then must not become its
@@ -66,11 +74,6 @@ int MoveAboveStandard(int descriptor) noexcept {
     const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, kFirstOwnDescriptor);
     close(descriptor);
     return moved;
-}
-
-int OpenPath(const char* path, FileAccess access) noexcept {
-    return MoveAboveStandard(
-        RetryInterrupted([&] { return open(path, OpenFlags(access), kNewFileMode); }));
 }
 
 bool IsNullDevice(const struct stat& status) noexcept {
@@ -118,12 +121,15 @@ bool MakeBlocking(int descriptor) noexcept {
     return flags != -1 && fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != -1;
 }
 
-// True when the last byte of a file that is not empty is no line end, or is not to be known: rather
-// an empty line than two lines in one.
-bool EndsInsideLine(const char* path, const struct stat& status) noexcept {
+// True if the file is not empty and its last byte is not a line end or cannot be read: better an
+// extra empty line than two joined ones. A file that may be written but not read is taken to end
+// with a line.
+bool EndsInsideLine(const char* path) noexcept {
+    struct stat status = {};
+    if (stat(path, &status) != 0) return errno != ENOENT;
     if (!S_ISREG(status.st_mode) || status.st_size == 0) return false;
-    const int reader = OpenPath(path, FileAccess::Read);
-    if (reader < 0) return true;
+    const int reader = Open(path, O_RDONLY);
+    if (reader < 0) return errno != EACCES;
     char last = '\n';
     const auto count =
         RetryInterrupted([&] { return pread(reader, &last, 1, status.st_size - 1); });
@@ -138,8 +144,13 @@ bool MayRaiseSignals(const struct stat& status) noexcept {
     return getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
 }
 
-// What remains to be known of a file that has just been opened; false when it is of no use.
-bool Settle(TextFile& file, const char* path) noexcept {
+bool Empty(int descriptor) noexcept {
+    return RetryInterrupted([&] { return ftruncate(descriptor, 0); }) == 0;
+}
+
+// Learns what else there is to know of a file that has just been opened, then empties it if it is
+// replaced; false when it is of no use.
+bool Prepare(TextFile& file) noexcept {
     struct stat status = {};
     if (fstat(file.descriptor, &status) != 0) return false;
     if (!IsText(file.descriptor, status, file.access)) return false;
@@ -148,78 +159,55 @@ bool Settle(TextFile& file, const char* path) noexcept {
         return MakeBlocking(file.descriptor);
     }
     file.mayRaiseSignals = MayRaiseSignals(status);
-    file.lacksLineEnd = file.access == FileAccess::Append && EndsInsideLine(path, status);
+    if (!S_ISREG(status.st_mode)) return true;
+    return MakeBlocking(file.descriptor) &&
+           (file.access == FileAccess::Append || Empty(file.descriptor));
+}
+
+using Path = std::array<char, PATH_MAX>;
+
+bool MakePath(std::string_view name, Path& path) noexcept {
+    name = name.substr(0, name.find_last_not_of(' ') + 1);
+    if (name.empty() || name.size() >= path.size() || name.find('\0') != std::string_view::npos)
+        return false;
+    *std::copy(name.begin(), name.end(), path.begin()) = '\0';
     return true;
 }
 
-// Drops the first `count` bytes of `parts` and every part that is empty.
-std::span<iovec> Advance(std::span<iovec> parts, std::size_t count) noexcept {
-    while (!parts.empty()) {
-        iovec& part = parts.front();
-        const std::size_t taken = std::min(count, part.iov_len);
-        part.iov_base = static_cast<char*>(part.iov_base) + taken;
-        part.iov_len -= taken;
-        count -= taken;
-        if (part.iov_len > 0) break;
-        parts = parts.subspan(1);
-    }
-    return parts;
+TextFile OpenToRead(const char* path) noexcept {
+    return {MoveAboveStandard(Open(path, O_RDONLY)), FileAccess::Read};
 }
 
-// A reader that has stopped is waited for once, not again for every line.
-bool WaitForRoom(TextFile& file, int refusals) noexcept {
-    if (!file.isStuck)
-        file.isStuck = refusals > kMostRefusals || !IsReady(file.descriptor, POLLOUT, kRoomWait);
-    return !file.isStuck;
-}
-
-std::ptrdiff_t WriteSome(int descriptor, std::span<iovec> parts) noexcept {
-    if (parts.size() == 1) {
-        const iovec& only = parts.front();
-        return RetryInterrupted([&] { return write(descriptor, only.iov_base, only.iov_len); });
-    }
-    return RetryInterrupted(
-        [&] { return writev(descriptor, parts.data(), static_cast<int>(parts.size())); });
-}
-
-std::ptrdiff_t WriteQuietly(const TextFile& file, std::span<iovec> parts) noexcept {
-    if (!file.mayRaiseSignals) return WriteSome(file.descriptor, parts);
-    const SignalHold hold;
-    return WriteSome(file.descriptor, parts);
-}
-
-// Writes what the first call, which returned `written`, has left of `parts`.
-bool GoOnWriting(TextFile& file, std::span<iovec> parts, std::ptrdiff_t written) noexcept {
-    for (int refusals = 0;; written = WriteQuietly(file, parts)) {
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0 && errno == EAGAIN && WaitForRoom(file, ++refusals)) continue;
-        if (written <= 0) return false;
-        file.isStuck = false;
-        refusals = 0;
-        parts = Advance(parts, static_cast<std::size_t>(written));
-        file.lacksLineEnd = !parts.empty();
-        if (parts.empty()) return true;
-        // A limit that was set after opening mostly shows as a short write first.
-        file.mayRaiseSignals = true;
-    }
+// `isCreated` says that this call has made the file, which O_EXCL tells.
+TextFile OpenToWrite(const char* path, FileAccess access, bool& isCreated) noexcept {
+    constexpr int flags = O_WRONLY | O_CREAT | O_APPEND;
+    TextFile file = {.access = access};
+    file.lacksLineEnd = access == FileAccess::Append && EndsInsideLine(path);
+    int descriptor = Open(path, flags | O_EXCL);
+    isCreated = descriptor >= 0;
+    if (!isCreated) descriptor = Open(path, flags);
+    file.descriptor = MoveAboveStandard(descriptor);
+    return file;
 }
 
 }  // namespace
 
 TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept {
-    std::array<char, PATH_MAX> path;
-    name = name.substr(0, name.find_last_not_of(' ') + 1);
-    if (name.empty() || name.size() >= path.size() || name.find('\0') != std::string_view::npos)
-        return {};
-    *std::copy(name.begin(), name.end(), path.begin()) = '\0';
+    Path path;
+    if (!MakePath(name, path)) return {};
 
-    TextFile file = {OpenPath(path.data(), access), access};
-    if (!file.IsOpen() || Settle(file, path.data())) return file;
-    close(file.descriptor);
+    const CancelHold hold;
+    bool isCreated = false;
+    TextFile file = access == FileAccess::Read ? OpenToRead(path.data())
+                                               : OpenToWrite(path.data(), access, isCreated);
+    if (file.IsOpen() && Prepare(file)) return file;
+    if (file.IsOpen()) close(file.descriptor);
+    if (isCreated) unlink(path.data());
     return {};
 }
 
 std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept {
+    const CancelHold hold;
     return RetryInterrupted([&] { return read(descriptor, buffer.data(), buffer.size()); });
 }
 
@@ -228,22 +216,8 @@ bool GoToStart(int descriptor) noexcept {
 }
 
 void CloseFile(int descriptor) noexcept {
+    const CancelHold hold;
     close(descriptor);
-}
-
-bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
-    parts = Advance(parts, 0);
-    return parts.empty() || GoOnWriting(file, parts, WriteQuietly(file, parts));
-}
-
-std::ptrdiff_t WriteQuietly(TextFile& file, std::string_view text) noexcept {
-    iovec whole = PartOf(text);
-    return WriteQuietly(file, {&whole, 1});
-}
-
-bool GoOnWriting(TextFile& file, std::string_view text, std::ptrdiff_t written) noexcept {
-    iovec rest = PartOf(text);
-    return GoOnWriting(file, {&rest, 1}, written);
 }
 
 }  // namespace corvale::internal

@@ -1,12 +1,18 @@
 // Internal to platform/: not installed, may change in any commit.
 //
 // Text files as the operating system sees them: opening with everything that can go wrong, reading
-// and writing with interrupted and partial calls taken care of.
+// and writing with interrupted, partial and refused calls taken care of. No call is a cancellation
+// point.
 #pragma once
+
+#include <corvale/platform/CancelHold.hpp>
 
 #ifndef _WIN32
 #include <sys/uio.h>
 #include <unistd.h>
+#endif
+#ifdef __linux__
+#include <sys/syscall.h>
 #endif
 #include <cstddef>
 #include <cstdint>
@@ -42,8 +48,7 @@ struct TextFile {
     int descriptor = -1;
     FileAccess access = FileAccess::Read;
     bool mayRaiseSignals = false;        ///< writing can raise SIGPIPE or SIGXFSZ
-    bool lacksLineEnd = false;           ///< what stands at its end is not a whole line
-    bool isStuck = false;                ///< was full, and the wait for room was in vain
+    bool lacksLineEnd = false;           ///< the file ends inside a line
     std::optional<char> firstByte = {};  ///< was read while opening; precedes all further reading
 
     [[nodiscard]] bool IsOpen() const noexcept { return descriptor >= 0; }
@@ -51,8 +56,10 @@ struct TextFile {
 
 /// Opens a text file: a regular file, a pipe, a terminal, the null device; to write, any character
 /// device. Directories, block devices and devices that never end are none. The descriptor is 3 or
-/// higher and is closed on exec. Nothing blocks: a named pipe that nobody reads does not open for
-/// writing, one that nobody writes does not open for reading after two seconds.
+/// higher and is closed on exec. A named pipe that nobody reads does not open for writing, one that
+/// nobody writes does not open for reading after two seconds; where another process holds a lease
+/// on the file, opening waits until it is given up. A file is emptied last: where opening fails,
+/// nothing has changed.
 ///
 /// Bad input  a name that is blank, holds a NUL or is longer than the system's paths opens nothing
 [[nodiscard]] TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept;
@@ -65,40 +72,56 @@ struct TextFile {
 
 void CloseFile(int descriptor) noexcept;
 
-/// Writes `parts`, which end in a line end, in one system call wherever the system takes them
-/// whole. Returns false if that was impossible; `lacksLineEnd` of `file` then says whether a part
-/// of a line is left behind. A full pipe is given one second to make room, and none again until it
-/// has taken something. `parts` is used up.
-[[nodiscard]] bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept;
+/// What became of a line.
+enum class Outcome : std::uint8_t {
+    Written,
+    Refused,  ///< a pipe or terminal is full; nothing of the line was written
+    Lost      ///< the system does not take it; `lacksLineEnd` says whether a part is in the file
+};
 
-#ifdef _WIN32
-/// `WriteAll` of one text.
-[[nodiscard]] bool WriteWhole(TextFile& file, std::string_view text) noexcept;
-#endif
+/// Writes `parts`, which end in a line end, in one system call wherever the system takes them
+/// whole. A part of a line is never left behind for want of room: once a pipe or terminal has taken
+/// some of it, the rest is waited for. `parts` is used up.
+[[nodiscard]] Outcome WriteAll(TextFile& file, std::span<iovec> parts) noexcept;
+
+/// Waits until a pipe or terminal may have room again, a second at most. `refusals` counts the
+/// waits of one line.
+void WaitForRoom(int descriptor, int refusals) noexcept;
 
 /// `text` as the system calls take it; they only read it.
 inline iovec PartOf(std::string_view text) noexcept {
     return {const_cast<char*>(text.data()), text.size()};
 }
 
-#ifndef _WIN32
-// What `WriteWhole` is made of: the first call where the file may raise signals, and all that
-// follows a first call which returned `written`.
-[[nodiscard]] std::ptrdiff_t WriteQuietly(TextFile& file, std::string_view text) noexcept;
-[[nodiscard]] bool GoOnWriting(TextFile& file, std::string_view text,
-                               std::ptrdiff_t written) noexcept;
+#ifdef _WIN32
+/// `WriteAll` of one text.
+[[nodiscard]] Outcome WriteWhole(TextFile& file, std::string_view text) noexcept;
+#else
+/// Writes what a first call, which returned `written`, has left of `parts`.
+[[nodiscard]] Outcome FinishLine(TextFile& file, std::span<iovec> parts,
+                                 std::ptrdiff_t written) noexcept;
 
-/// `WriteAll` of one text. Inline, since the processor forgets during a system call where its
-/// callers go on, and each of them costs some nanoseconds (bench: LogLine).
-[[nodiscard]] inline bool WriteWhole(TextFile& file, std::string_view text) noexcept {
+/// write(), but no cancellation point: making it none by `CancelHold` costs a log line 2 % (bench:
+/// LogLine).
+inline std::ptrdiff_t WriteOnce(int descriptor, std::string_view text) noexcept {
+#ifdef __linux__
+    return syscall(SYS_write, descriptor, text.data(), text.size());
+#else
+    const CancelHold hold;
+    return write(descriptor, text.data(), text.size());
+#endif
+}
+
+/// `WriteAll` of one text.
+[[nodiscard]] inline Outcome WriteWhole(TextFile& file, std::string_view text) noexcept {
+    iovec part = PartOf(text);
     if (file.mayRaiseSignals) [[unlikely]]
-        return GoOnWriting(file, text, WriteQuietly(file, text));
-    const std::ptrdiff_t written = write(file.descriptor, text.data(), text.size());
+        return WriteAll(file, {&part, 1});
+    const std::ptrdiff_t written = WriteOnce(file.descriptor, text);
     if (written != static_cast<std::ptrdiff_t>(text.size())) [[unlikely]]
-        return GoOnWriting(file, text, written);
-    file.isStuck = false;
+        return FinishLine(file, {&part, 1}, written);
     file.lacksLineEnd = false;
-    return true;
+    return Outcome::Written;
 }
 #endif
 

@@ -1,7 +1,16 @@
 // Internal to platform/: not installed, may change in any commit.
 //
-// A child made by fork has only the thread that forked: a lock that another thread held stays
-// locked in it for ever. These handlers leave the child with free locks and a whole unit table.
+// Keeps the library usable in a child made by fork. Only the thread that forked lives on in the
+// child: a lock that another thread held would stay locked for ever.
+//
+// Idea: nothing is locked across a fork. Every change to a shared structure becomes visible by one
+// atomic store, so the child's copy is consistent at any instant, and all it needs is fresh locks.
+// Whichever comes first renews them: our handler in the child, or the first call of the library
+// there. Handlers of the program that were registered before ours run before ours in the child, and
+// may call the library.
+//
+// Why not hold the locks from before the fork until after it, as is usual: a handler of the program
+// that calls the library, and runs while they are held, waits for its own thread.
 #pragma once
 
 #include <atomic>
@@ -9,21 +18,19 @@
 
 namespace corvale::internal {
 
-enum class ForkSide : std::uint8_t { Parent, Child };
+/// What a call has to attend to before it takes a lock: 1 as long as our handlers are not
+/// registered, and 1 for each fork that is under way. 0 almost always.
+extern constinit std::atomic<std::int32_t> forkWork;
+void AttendToForks() noexcept;
 
-// What `KeepUsableAfterFork` looks at, and calls the first time.
-extern constinit std::atomic<bool> isForkPrepared;
-void RegisterForkHandlers() noexcept;
-
-/// Registers the handlers with the system, once. Called by everything that takes one of the locks.
+/// Called by everything that takes one of the locks, before it does.
 inline void KeepUsableAfterFork() noexcept {
-    if (!isForkPrepared.load(std::memory_order_relaxed)) RegisterForkHandlers();
+    if (forkWork.load(std::memory_order_relaxed) != 0) [[unlikely]]
+        AttendToForks();
 }
 
-// What the handlers call, before and after the fork.
-void HoldNamedLocks() noexcept;
-void ReleaseNamedLocks(ForkSide side) noexcept;
-void HoldUnitTable() noexcept;
-void ReleaseUnitTable(ForkSide side) noexcept;
+// Replace the locks of the child, which has one thread, by free ones.
+void RenewNamedLocks() noexcept;
+void RenewUnitLocks() noexcept;
 
 }  // namespace corvale::internal

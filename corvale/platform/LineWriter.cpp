@@ -3,17 +3,41 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 
 namespace corvale::internal {
 
 namespace {
 
-constexpr std::size_t kMostParts = 128;
+constexpr std::size_t kMostParts = 128;  // of one call; the system takes 1024
 
 constexpr std::string_view kBlankForLineEnd = " ";
 
 bool IsLineEnd(char c) noexcept {
     return c == '\n' || c == '\r';
+}
+
+// Copies the pieces to `to`, line ends as blanks; returns the end.
+char* Join(Pieces pieces, char* to) noexcept {
+    for (const std::string_view piece : pieces)
+        to = std::transform(piece.begin(), piece.end(), to,
+                            [](char c) { return IsLineEnd(c) ? ' ' : c; });
+    return to;
+}
+
+std::size_t LengthOf(Pieces pieces) noexcept {
+    std::size_t length = 0;
+    for (const std::string_view piece : pieces) length += piece.size();
+    return length;
+}
+
+// Each line end is a part of its own and splits another one.
+bool HasFewParts(Pieces pieces) noexcept {
+    std::size_t parts = 2;  // a line end before the line and one after it
+    for (const std::string_view piece : pieces)
+        parts +=
+            1 + 2 * static_cast<std::size_t>(std::count_if(piece.begin(), piece.end(), IsLineEnd));
+    return parts <= kMostParts;
 }
 
 // The parts of a long line, written when there are as many as one call takes.
@@ -27,58 +51,80 @@ class LongLine {
         if (text.empty()) return;
         if (count_ == parts_.size()) {
             Flush();
-            if (isWhole_) file_.lacksLineEnd = true;  // until the rest has followed
+            if (outcome_ == Outcome::Written) file_.lacksLineEnd = true;  // until the rest follows
         }
         parts_[count_++] = PartOf(text);
     }
 
-    [[nodiscard]] bool Finish() noexcept {
+    void AddWithoutLineEnds(std::string_view piece) noexcept {
+        auto inside = std::find_if(piece.begin(), piece.end(), IsLineEnd);
+        while (inside != piece.end()) {
+            Add({piece.begin(), inside});
+            Add(kBlankForLineEnd);
+            piece = {inside + 1, piece.end()};
+            inside = std::find_if(piece.begin(), piece.end(), IsLineEnd);
+        }
+        Add(piece);
+    }
+
+    [[nodiscard]] Outcome Finish() noexcept {
         Add(kLineEnd);
         Flush();
-        return isWhole_;
+        return outcome_;
     }
 
   private:
     void Flush() noexcept {
-        isWhole_ = isWhole_ && WriteAll(file_, std::span(parts_).first(count_));
+        const std::span parts = std::span(parts_).first(count_);
         count_ = 0;
+        if (outcome_ != Outcome::Written) return;
+        outcome_ = WriteAll(file_, parts);
+        for (int refusals = 1; isBegun_ && outcome_ == Outcome::Refused; ++refusals) {
+            WaitForRoom(file_.descriptor, refusals);
+            outcome_ = WriteAll(file_, parts);
+        }
+        isBegun_ = true;
     }
 
     TextFile& file_;
     std::array<iovec, kMostParts> parts_;
     std::size_t count_ = 0;
-    bool isWhole_ = true;
+    bool isBegun_ = false;
+    Outcome outcome_ = Outcome::Written;
 };
+
+Outcome WriteInParts(TextFile& file, Pieces pieces) noexcept {
+    LongLine line(file);
+    for (const std::string_view piece : pieces) line.AddWithoutLineEnds(piece);
+    return line.Finish();
+}
+
+Outcome WriteJoined(TextFile& file, Pieces pieces, char* joined) noexcept {
+    char* end = joined;
+    if (file.lacksLineEnd) end += kLineEnd.copy(end, kLineEnd.size());
+    end = Join(pieces, end);
+    end += kLineEnd.copy(end, kLineEnd.size());
+    return WriteWhole(file, {joined, end});
+}
 
 }  // namespace
 
-ShortLine::ShortLine(std::span<const std::string_view> pieces) noexcept {
-    std::size_t length = 0;
-    for (const std::string_view piece : pieces) length += piece.size();
-    if (length > kShortLine) return;
-
+ShortLine::ShortLine(Pieces pieces) noexcept {
+    if (LengthOf(pieces) > kShortLine) return;
     kLineEnd.copy(text_.data() + kBegin - kLineEnd.size(), kLineEnd.size());
-    char* end = text_.data() + kBegin;
-    for (const std::string_view piece : pieces)
-        end = std::transform(piece.begin(), piece.end(), end,
-                             [](char c) { return IsLineEnd(c) ? ' ' : c; });
+    char* end = Join(pieces, text_.data() + kBegin);
     end += kLineEnd.copy(end, kLineEnd.size());
     size_ = static_cast<std::size_t>(end - text_.data()) - kBegin;
 }
 
-bool WriteLongLine(TextFile& file, std::span<const std::string_view> pieces) noexcept {
-    LongLine line(file);
-    for (std::string_view piece : pieces) {
-        auto inside = std::find_if(piece.begin(), piece.end(), IsLineEnd);
-        while (inside != piece.end()) {
-            line.Add({piece.begin(), inside});
-            line.Add(kBlankForLineEnd);
-            piece = {inside + 1, piece.end()};
-            inside = std::find_if(piece.begin(), piece.end(), IsLineEnd);
-        }
-        line.Add(piece);
-    }
-    return line.Finish();
+Outcome WriteLongLine(TextFile& file, Pieces pieces) noexcept {
+    if (HasFewParts(pieces)) return WriteInParts(file, pieces);
+    const std::size_t size = LengthOf(pieces) + 2 * kLineEnd.size();
+    char* const joined = static_cast<char*>(std::malloc(size));
+    const Outcome outcome =
+        joined != nullptr ? WriteJoined(file, pieces, joined) : WriteInParts(file, pieces);
+    std::free(joined);
+    return outcome;
 }
 
 }  // namespace corvale::internal

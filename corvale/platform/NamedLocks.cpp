@@ -68,15 +68,9 @@ std::mutex& ErrorMessageMutex() noexcept {
     return NamedLocks::errorMessage.lock;
 }
 
-// Between these two no other thread changes the list. Locks that other threads hold are lost to the
-// child together with those threads, so it gets new ones in their place.
-void HoldNamedLocks() noexcept {
-    NamedLocks::insertion.lock();
-}
-
-void ReleaseNamedLocks(ForkSide side) noexcept {
-    NamedLocks::insertion.unlock();
-    if (side == ForkSide::Parent) return;
+// Locks that other threads held are lost to the child together with those threads.
+void RenewNamedLocks() noexcept {
+    new (&NamedLocks::insertion) std::mutex;
     new (&NamedLocks::sharedForLackOfMemory) std::mutex;
     for (NamedLocks::Entry* entry = NamedLocks::firstEntry.load(); entry != nullptr;
          entry = entry->next)

@@ -21,11 +21,11 @@ inline constexpr std::string_view InfoMessageLock = "cs_loginfomessage";
 /// valid until the process ends. Only the first call for a new name allocates.
 ///
 /// Width      any; trailing blanks count
-/// Bad input  any name is usable, the empty one included; names for whose lock no memory can be had
-///            share one lock
+/// Bad input  any name is usable, the empty one included; if allocation fails, such names share one
+///            lock
 /// Threads    any number at once, from the first static constructor to the last exit handler; not
 ///            from a signal handler. In a child process after fork every lock is free, whoever held
-///            it in the parent
+///            it in the parent; in the program's own handlers, once they have called the library
 [[nodiscard]] CORVALE_API std::mutex& NamedLock(std::string_view name) noexcept;
 
 }  // namespace corvale::NamedLocks

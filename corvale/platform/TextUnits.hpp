@@ -4,7 +4,7 @@
 // Files are opened by `FileIO::FileOpen` and `FileOpenMT`; what they opened is read, written,
 // rewound and closed here. A unit either reads or writes. Unit 6 is the process's standard output
 // until something is opened on it or it is closed; the log file is opened on it. Unit 3 is the one
-// that input files are loaded through. At most 1024 units are open at a time.
+// that input files are loaded through. As many units may be open as the process may open files.
 //
 // A line ends with LF or with CR LF, and is written with the one of the system. A CR elsewhere, a
 // NUL, a tab, bytes above 127 are ordinary characters. The last line of a file counts without a
@@ -13,7 +13,8 @@
 // Bad input  a unit that is not open, or open for the other direction: false, and nothing changes
 // Threads    the table is safe from any thread and in a forked child, and lines of several threads
 //            to one unit come out whole; reading and rewinding one unit, or closing it while
-//            another thread reads it, is for its owner to serialise. Not from a signal handler
+//            another thread reads it, is for its owner to serialise. No call is a cancellation
+//            point. Not from a signal handler
 #pragma once
 
 #include <corvale/base/Export.h>
@@ -45,12 +46,14 @@ CORVALE_API void Close(std::int32_t unit) noexcept;
 
 /// Writes `text` and a line end: both have been handed to the system when it returns. CR and LF
 /// inside `text` become blanks, so that one text is one line. Where an earlier line could not be
-/// written whole, or the file's last line had no end, the new one still starts on a line of its
-/// own.
+/// written whole, or the file's last line had no end when it was opened, the new one starts on a
+/// line of its own. Where a pipe or terminal is full, it waits as long as somebody reads there;
+/// meanwhile other threads may use all units, and close this one, which ends the wait.
 ///
-/// Width      any; trailing blanks are written. In one system call, so that lines of other
-///            processes do not mix with it, unless it is longer than 1000 characters and holds
-///            dozens of line ends
+/// Width      any; trailing blanks are written. In one system call, so that lines of several
+///            processes do not mix: in a file lines of any length, in a pipe those of at most 4,096
+///            bytes with their line end (Linux; 512 are certain elsewhere). Only without memory for
+///            a copy, a line with dozens of line ends inside takes several calls
 /// Bad input  false when the system does not take the whole line (disk full, nobody reads the
 ///            pipe); the unit stays open, and later lines are written again once they can be
 [[nodiscard]] CORVALE_API bool WriteLine(std::int32_t unit, std::string_view text) noexcept;

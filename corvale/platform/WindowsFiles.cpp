@@ -133,22 +133,21 @@ void CloseFile(int descriptor) noexcept {
     CloseHandle(HandleOf(descriptor));
 }
 
-bool WriteWhole(TextFile& file, std::string_view text) noexcept {
+Outcome WriteWhole(TextFile& file, std::string_view text) noexcept {
     while (!text.empty()) {
         DWORD written = 0;
         if (WriteFile(HandleOf(file.descriptor), text.data(), LengthOfCall(text.size()), &written,
                       nullptr) == 0 ||
             written == 0)
-            return false;
+            return Outcome::Lost;
         text.remove_prefix(written);
         file.lacksLineEnd = !text.empty();
     }
-    return true;
+    return Outcome::Written;
 }
 
-// No call writes several parts: they are joined first, so that a line still comes whole. A full
-// pipe is waited for.
-bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
+// No call writes several parts: they are joined first, so that a line still comes whole.
+Outcome WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
     const auto textOf = [](const iovec& part) {
         return std::string_view(static_cast<const char*>(part.iov_base), part.iov_len);
     };
@@ -157,15 +156,18 @@ bool WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
     std::size_t size = 0;
     for (const iovec& part : parts) size += part.iov_len;
     const std::unique_ptr<char[]> joined(new (std::nothrow) char[size]);
-    if (!joined) return false;
+    if (!joined) return Outcome::Lost;
     char* end = joined.get();
     for (const iovec& part : parts) end += textOf(part).copy(end, part.iov_len);
     return WriteWhole(file, {joined.get(), size});
 }
 
-// There is no fork.
-constinit std::atomic<bool> isForkPrepared{true};
+// A full pipe is waited for by the call that writes to it.
+void WaitForRoom(int, int) noexcept {}
 
-void RegisterForkHandlers() noexcept {}
+// There is no fork.
+constinit std::atomic<std::int32_t> forkWork{0};
+
+void AttendToForks() noexcept {}
 
 }  // namespace corvale::internal

@@ -30,7 +30,7 @@ struct Failures {
 const std::vector<Way> kWrites = {{ENOSPC}, {EIO},   {EFBIG},  {EDQUOT}, {EBADF},
                                   {EPIPE},  {EINTR}, {EAGAIN}, {0},      {ENOSPC, true}};
 const Failures kFailures[] = {
-    {CallOf("open"), {{EMFILE}, {ENFILE}, {ENOMEM}, {ENOSPC}, {EACCES}, {EIO}, {EINTR}}},
+    {CallOf("open"), {{EMFILE}, {ENFILE}, {ENOMEM}, {ENOSPC}, {EPERM}, {EIO}, {EAGAIN}, {EINTR}}},
     {CallOf("close"), {{EIO}, {EINTR}}},
     {CallOf("read"), {{EIO}, {EBADF}, {ENOMEM}, {EINTR}, {EAGAIN}, {0}, {EIO, true}}},
     {CallOf("pread"), {{EIO}, {EINTR}}},
@@ -38,13 +38,15 @@ const Failures kFailures[] = {
     {CallOf("writev"), kWrites},
     {CallOf("fstat"), {{ENOMEM}, {EOVERFLOW}}},
     {CallOf("fstatfs"), {{ENOSYS}, {EINTR}}},
-    {CallOf("stat"), {{ENOENT}, {EACCES}}},
+    {CallOf("stat"), {{EACCES}}},
     {CallOf("isatty"), {{ENOTTY}}},
     {CallOf("lseek"), {{ESPIPE}, {EBADF}}},
     {CallOf("poll"), {{ENOMEM}, {EINTR}}},
     {CallOf("fcntl"), {{EMFILE}, {EINVAL}}},
     {CallOf("getrlimit"), {{EFAULT}}},
     {CallOf("sigtimedwait"), {{EINTR}}},
+    {CallOf("ftruncate"), {{EIO}, {EPERM}, {EINTR}}},
+    {CallOf("nanosleep"), {{EINTR}}},
     {CallOf("malloc"), {{ENOMEM}}},
     {CallOf("new"), {{ENOMEM}}},
     {CallOf("aligned new"), {{ENOMEM}}},
@@ -53,15 +55,18 @@ const Failures kFailures[] = {
 
 constexpr int kOnce = 1;
 constexpr int kFromThenOn = INT_MAX;
-constexpr int kStorm = 1000;  // signals that come one after the other still end
+constexpr int kStorm = 1000;  // what passes: signals one after the other, a pipe that is full
+
+bool IsWriting(std::size_t call) {
+    return call == CallOf("write") || call == CallOf("writev");
+}
 
 // Whether a caller may notice: not where a call can be repeated, nor where nothing depends on it.
 bool MayShow(const Fault& fault) {
     const std::set<std::size_t> without = {CallOf("close"), CallOf("fstatfs"), CallOf("isatty"),
                                            CallOf("getrlimit")};
-    const bool isOfWriting = fault.call == CallOf("write") || fault.call == CallOf("writev");
     return fault.error != 0 && fault.error != EINTR && !without.contains(fault.call) &&
-           !(fault.error == EAGAIN && isOfWriting && fault.times == kOnce);
+           !(fault.error == EAGAIN && IsWriting(fault.call));
 }
 
 class FaultLoops {
@@ -77,7 +82,9 @@ class FaultLoops {
             if (made[call])
                 for (const auto& [error, isPartialFirst] : ways)
                     for (const int times :
-                         {isPartialFirst ? 2 : kOnce, error == EINTR ? kStorm : kFromThenOn})
+                         {isPartialFirst ? 2 : kOnce,
+                          error == EINTR || (error == EAGAIN && IsWriting(call)) ? kStorm
+                                                                                 : kFromThenOn})
                         Repeat(operation, {call, error, isPartialFirst, 0, times});
         ++operations_;
     }

@@ -7,6 +7,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
+#include <sys/syscall.h>
 #include <sys/uio.h>
 #include <unistd.h>
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdarg>
+#include <ctime>
 #include <new>
 
 namespace corvale::test {
@@ -110,6 +112,8 @@ CORVALE_WRAP(int, getrlimit, (__rlimit_resource_t resource, rlimit* limit), (res
 CORVALE_WRAP(int, sigtimedwait, (const sigset_t* set, siginfo_t* info, const timespec* timeout),
              (set, info, timeout), -1)
 
+CORVALE_WRAP(int, ftruncate, (int descriptor, off_t length), (descriptor, length), -1)
+
 int __real_open(const char* path, int flags, ...);
 int __wrap_open(const char* path, int flags, ...) {
     va_list arguments;
@@ -141,6 +145,18 @@ ssize_t __wrap_write(int descriptor, const void* buffer, std::size_t size) {
     return __real_write(descriptor, buffer, verdict == Verdict::Partial ? (size + 1) / 2 : size);
 }
 
+// The library writes so what may not be a cancellation point.
+long __wrap_syscall(long number, ...);
+long __wrap_syscall(long number, ...) {
+    va_list arguments;
+    va_start(arguments, number);
+    const int descriptor = va_arg(arguments, int);
+    const void* const buffer = va_arg(arguments, const void*);
+    const std::size_t size = va_arg(arguments, std::size_t);
+    va_end(arguments);
+    return number == SYS_write ? __wrap_write(descriptor, buffer, size) : -1;
+}
+
 ssize_t __real_writev(int descriptor, const iovec* parts, int count);
 ssize_t __wrap_writev(int descriptor, const iovec* parts, int count) {
     const Verdict verdict = Judge(CallOf("writev"));
@@ -158,6 +174,12 @@ int __wrap_poll(pollfd* waiting, nfds_t count, int timeout) {
     if (ready == 0)
         Shared().timePassed += Clock::duration(std::chrono::milliseconds(timeout)).count();
     return ready;
+}
+
+int __wrap_nanosleep(const timespec* pause, timespec* left);
+int __wrap_nanosleep(const timespec* pause, timespec*) {
+    Shared().timePassed += Clock::duration(std::chrono::nanoseconds(pause->tv_nsec)).count();
+    return Fails(CallOf("nanosleep")) ? -1 : 0;
 }
 
 int __real_fcntl(int descriptor, int command, ...);

@@ -15,10 +15,11 @@
 
 namespace corvale::test {
 
-inline constexpr std::array<std::string_view, 20> kCalls = {
-    "open",         "close",          "read",   "pread", "write",       "writev",  "fstat",
-    "fstatfs",      "stat",           "isatty", "lseek", "poll",        "fcntl",   "getrlimit",
-    "sigtimedwait", "pthread_atfork", "malloc", "new",   "aligned new", "any call"};
+inline constexpr std::array<std::string_view, 22> kCalls = {
+    "open",   "close",     "read",         "pread",          "write",     "writev",
+    "fstat",  "fstatfs",   "stat",         "isatty",         "lseek",     "poll",
+    "fcntl",  "getrlimit", "sigtimedwait", "pthread_atfork", "ftruncate", "nanosleep",
+    "malloc", "new",       "aligned new",  "any call"};
 
 /// The place of a call in `kCalls`.
 consteval std::size_t CallOf(std::string_view name) {
