@@ -14,7 +14,10 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace corvale::internal {
 
@@ -29,8 +32,26 @@ constexpr std::size_t kFront = 1024;
 constexpr std::size_t kChunk = 0x40000;  // 256 KiB
 static_assert(kFront >= kReadBefore + kLongest);
 
-// Too large for the stack of a small thread; loading is serialised by the callers.
-alignas(64) constinit std::array<char, kFront + kChunk + 1> buffer{};
+// What one reading works in: its buffer, and the lines that it hands over together.
+struct Workspace {
+    std::span<char> buffer;
+    std::span<std::string_view> lines;
+};
+
+template <std::size_t ChunkSize, std::size_t LineCount>
+struct Memory {
+    std::array<char, kFront + ChunkSize + 1> buffer;
+    std::array<std::string_view, LineCount> lines;
+
+    [[nodiscard]] Workspace All() noexcept { return {buffer, lines}; }
+};
+
+// Too large for the stack of a small thread: the first of several readings has the shared memory,
+// each of the others its own. Without memory for that it works in small steps on its stack.
+using LargeMemory = Memory<kChunk, 512>;
+using SmallMemory = Memory<1024, 32>;
+alignas(64) constinit LargeMemory sharedMemory{};
+constinit std::atomic<bool> isSharedMemoryTaken{false};
 
 // A line cut to the columns that count, and whether all of them are in the buffer.
 struct Line {
@@ -49,23 +70,24 @@ Line LineAt(const char* at, const char* end) noexcept {
 }
 
 // Collects lines and hands them to `take` together: the reader goes through a group backwards, and
-// the larger a group is, the more cards it can skip. Its size bounds the stack that a load needs.
+// the larger a group is, the more cards it can skip.
 class Group {
   public:
-    explicit Group(void (*take)(Lines) noexcept) noexcept : take_(take) {}
+    Group(void (*take)(Lines) noexcept, std::span<std::string_view> lines) noexcept
+        : take_(take), lines_(lines) {}
 
     void Add(std::string_view line) noexcept {
         lines_[count_++] = line;
         if (count_ == lines_.size()) HandOver();
     }
     void HandOver() noexcept {
-        if (count_ > 0) take_(Lines(lines_).first(count_));
+        if (count_ > 0) take_(lines_.first(count_));
         count_ = 0;
     }
 
   private:
     void (*take_)(Lines) noexcept;
-    std::array<std::string_view, 512> lines_;
+    std::span<std::string_view> lines_;
     std::size_t count_ = 0;
 };
 
@@ -80,15 +102,15 @@ std::string_view AddCandidates(const char* at, const char* end, Group& group) no
     return {};
 }
 
-}  // namespace
-
-void ReadCandidateLines(std::int32_t unit, void (*take)(Lines) noexcept) noexcept {
-    Group group(take);
-    char* const front = buffer.data() + kFront;
+void ReadIn(const Workspace& memory, std::int32_t unit, void (*take)(Lines) noexcept) noexcept {
+    Group group(take, memory.lines);
+    const std::span<char> chunk =
+        memory.buffer.subspan(kFront).first(memory.buffer.size() - kFront - 1);
+    char* const front = chunk.data();
     std::string_view unfinished;
     bool isAtLineStart = true;
     for (;;) {  // ends with the file: each turn reads at least one byte
-        const std::ptrdiff_t count = ReadBytes(unit, {front, kChunk});
+        const std::ptrdiff_t count = ReadBytes(unit, chunk);
         if (count <= 0) {
             if (count == 0 && !unfinished.empty()) group.Add(unfinished.substr(0, kCardColumns));
             return group.HandOver();
@@ -107,6 +129,25 @@ void ReadCandidateLines(std::int32_t unit, void (*take)(Lines) noexcept) noexcep
         if (!unfinished.empty()) std::memmove(kept, unfinished.data(), unfinished.size());
         unfinished = {kept, unfinished.size()};
     }
+}
+
+[[gnu::noinline]] void ReadOnStack(std::int32_t unit, void (*take)(Lines) noexcept) noexcept {
+    SmallMemory memory;
+    ReadIn(memory.All(), unit, take);
+}
+
+}  // namespace
+
+void ReadCandidateLines(std::int32_t unit, void (*take)(Lines) noexcept) noexcept {
+    if (!isSharedMemoryTaken.exchange(true, std::memory_order_acquire)) {
+        ReadIn(sharedMemory.All(), unit, take);
+        isSharedMemoryTaken.store(false, std::memory_order_release);
+        return;
+    }
+    void* const block = std::malloc(sizeof(LargeMemory));
+    if (block == nullptr) return ReadOnStack(unit, take);
+    ReadIn((new (block) LargeMemory)->All(), unit, take);
+    std::free(block);
 }
 
 }  // namespace corvale::internal

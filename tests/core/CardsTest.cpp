@@ -169,6 +169,27 @@ TEST_F(Cards, AUnitIsReadFromItsFirstLineAndStaysOpen) {
     TextUnits::Close(3);
 }
 
+// One reading waits inside a card while another one takes place.
+TEST_F(Cards, TwoReadingsDoNotDisturbEachOther) {
+    test::WriteFile(folder / "in", std::string(3000, '*') + "\nQZ_MOIC 5\n");
+    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
+    const int writer = open((folder / "fifo").c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(write(writer, "QZ_DMA", 6), 6);
+    std::thread waiting([&] {
+        std::int32_t unit = 0;
+        EXPECT_EQ(FileIO::FileOpenMT(folder / "fifo", 1, unit), 0);
+        ReadCorvaleFrFileUnit(unit);
+        TextUnits::Close(unit);
+    });
+    for (int unread = 1; unread > 0; usleep(1000)) ioctl(writer, FIONREAD, &unread);
+    EXPECT_EQ(ReadCorvaleFrFile(folder / "in"), 0);
+    EXPECT_EQ(write(writer, "_ON\n", 4), 4);
+    close(writer);
+    waiting.join();
+    EXPECT_EQ(MoicArr[0], 5);
+    EXPECT_EQ(ElsetKeyModeGet(), 1);
+}
+
 TEST(CardTypes, ComparesAsItStands) {
     const std::pair<std::string_view, std::int32_t> cases[] = {
         {"QZ_MOIC 1 2 3", 1},   {"QZ_MOIC", 1},         {"QZ_MOIC\t1", 100},
