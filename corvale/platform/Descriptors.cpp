@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <ctime>
 
 #ifdef __linux__
 #include <linux/magic.h>
@@ -25,8 +26,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kWriterWait{2000};  // how long a named pipe waits for its writer
-constexpr milliseconds kWriterStep{50};    // how often it asks whether one has come
+constexpr milliseconds kWriterWait{2000};      // how long a named pipe waits for its writer
+constexpr milliseconds kWriterStep{50};        // how often it asks whether one has come
+constexpr timespec kLookAgain{0, 10'000'000};  // whether a file's end stands still
+constexpr int kMostLooks = 100;
 constexpr int kFirstOwnDescriptor = 3;
 constexpr mode_t kNewFileMode = 0666;  // less what the process masks out
 
@@ -122,19 +125,35 @@ bool MakeBlocking(int descriptor) noexcept {
 }
 
 // True if the file is not empty and its last byte is not a line end or cannot be read: better an
-// extra empty line than two joined ones. A file that may be written but not read is taken to end
-// with a line.
+// extra empty line than two joined ones. The end of a line that another process is just writing
+// moves; one that stands still counts.
+bool EndsInsideLine(int reader) noexcept {
+    off_t before = 0;
+    for (int look = 0; look < kMostLooks; ++look) {
+        struct stat status = {};
+        if (fstat(reader, &status) != 0) return true;
+        const off_t size = status.st_size;
+        if (size == 0) return false;
+        char last = '\n';
+        if (RetryInterrupted([&] { return pread(reader, &last, 1, size - 1); }) != 1) return true;
+        if (last == '\n') return false;
+        if (size == before) return true;
+        before = size;
+        nanosleep(&kLookAgain, nullptr);
+    }
+    return true;
+}
+
+// A file that may be written but not read is taken to end with a line.
 bool EndsInsideLine(const char* path) noexcept {
     struct stat status = {};
     if (stat(path, &status) != 0) return errno != ENOENT;
     if (!S_ISREG(status.st_mode) || status.st_size == 0) return false;
     const int reader = Open(path, O_RDONLY);
     if (reader < 0) return errno != EACCES;
-    char last = '\n';
-    const auto count =
-        RetryInterrupted([&] { return pread(reader, &last, 1, status.st_size - 1); });
+    const bool endsInside = EndsInsideLine(reader);
     close(reader);
-    return count != 1 || last != '\n';
+    return endsInside;
 }
 
 // A file-size limit turns a write into SIGXFSZ, a pipe without readers into SIGPIPE.

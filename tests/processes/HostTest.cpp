@@ -220,9 +220,10 @@ TEST_F(Host, LinesOfProcessesStayWholeWhateverTheyHold) {
     const std::string filling =
         std::string(500, 'x') + std::string(200, '\n') + std::string(900, 'y');
     std::vector<pid_t> writers;
+    ASSERT_EQ(FileOpen(kUnit, folder / "shared", kAppend), 0);
     for (const char name : "abcd"s)
         writers.push_back(test::StartChild([&] {
-            bool holds = FileOpen(kUnit, folder / "shared", kAppend) == 0;
+            bool holds = true;
             const std::string line = name + filling + name;
             for (int i = 0; i < 500; ++i) holds = holds && TextUnits::WriteLine(kUnit, line);
             return holds;
