@@ -1,3 +1,7 @@
+// Opening by mode, with a message for each way to fail. The order of the checks is part of what
+// callers see: the unit is closed first, then the name is looked at, then the mode.
+//
+// The name has two forms: the caller's, which messages quote, and the system's, with slashes.
 #include <corvale/core/CorvaleTypes.hpp>
 #include <corvale/core/FileIO.hpp>
 #include <corvale/core/LogFile.hpp>
@@ -15,6 +19,7 @@ namespace {
 
 using internal::FileAccess;
 
+// The values of `ioMode`.
 constexpr std::int32_t kWrite = 0;
 constexpr std::int32_t kRead = 1;
 constexpr std::int32_t kAppend = 2;
@@ -36,6 +41,7 @@ class SystemPath {
     std::string_view path_;
 };
 
+// Nothing for a mode that neither procedure knows.
 std::optional<FileAccess> AccessFor(std::int32_t ioMode) noexcept {
     switch (ioMode) {
         case kRead:
@@ -49,11 +55,13 @@ std::optional<FileAccess> AccessFor(std::int32_t ioMode) noexcept {
     }
 }
 
+// Stores the message; the status of every failure.
 std::int32_t Fail(std::string_view message) noexcept {
     TraceLogError(message);
     return CorvaleTypes::StatusFailed;
 }
 
+// The message holds the name whole, however long: in pieces it needs no memory.
 std::int32_t FailToOpen(std::string_view beginning, std::string_view name,
                         std::int32_t ioMode) noexcept {
     const std::array<std::string_view, 6> line = {

@@ -1,3 +1,11 @@
+// A message: its line in the log, then the store, both under the lock of its kind.
+//
+// The line comes first: a process that is killed between the two has lost nothing that a reader of
+// the log could miss. Nothing is buffered, since a log is read after a crash. What this promises to
+// callers is at the head of FileIO.hpp.
+//
+// A message may come in pieces, because a name of any length can be in it and no memory is taken:
+// the pieces meet in the line, and as far as they fit in the store.
 #include <corvale/core/LogFile.hpp>
 
 #include <corvale/core/CorvaleTypes.hpp>
@@ -29,6 +37,7 @@ bool IsBlank(Pieces pieces) noexcept {
     });
 }
 
+// The store takes one text: the beginning of the pieces is joined for it.
 void StorePieces(Pieces pieces, MessageStore& store) noexcept {
     if (pieces.size() == 1) return store.Store(pieces.front());
     std::array<char, CorvaleTypes::MessageWidth> message;
@@ -38,7 +47,8 @@ void StorePieces(Pieces pieces, MessageStore& store) noexcept {
     store.Store({message.data(), end});
 }
 
-// A line that the system does not take is lost: there is nobody to tell.
+// A line that the system does not take is lost: there is nobody to tell. Always inline for the
+// reason given at `internal::WriteLine`.
 [[gnu::always_inline]] inline void WriteToLog(Pieces pieces) noexcept {
     const std::int32_t unit = LogFileUnit.load(std::memory_order_relaxed);
     if (unit != kNoLog) static_cast<void>(internal::WriteLine(unit, pieces));

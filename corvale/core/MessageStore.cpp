@@ -1,3 +1,6 @@
+// A message is sixteen atomic words. Readers take no lock: what is read while another message is
+// stored may mix the two, but is never undefined behaviour. Relaxed loads and stores of words cost
+// as much as plain ones.
 #include <corvale/core/FileIO.hpp>
 
 #include <corvale/text/TextParts.hpp>
@@ -19,6 +22,7 @@ void MessageStore::Load(std::span<char, 128> message) const noexcept {
 }
 
 void MessageStore::Store(std::string_view message) noexcept {
+    // Only a shorter message is copied, to fill it with blanks.
     std::array<char, sizeof words_> filled;
     if (message.size() < filled.size()) {
         internal::PutText(message, filled);

@@ -1,3 +1,12 @@
+// Opening of text files, in an order that changes nothing before the last step:
+//
+// 1  the name as the system's path
+// 2  to append: does the file end inside a line? A reader of its own tells. It is closed before
+//    step 3, so that one free descriptor is enough
+// 3  open, without emptying. Nothing may block for ever here: O_NONBLOCK, but for leases
+// 4  what it is: regular files, pipes and terminals are text, directories and block devices are not
+// 5  to replace: empty it. Whatever fails before this leaves the file as it was, and removes it if
+//    this call has created it
 #include <corvale/platform/Descriptors.hpp>
 
 #include <corvale/platform/CancelHold.hpp>
@@ -33,6 +42,7 @@ constexpr int kMostLooks = 100;
 constexpr int kFirstOwnDescriptor = 3;
 constexpr mode_t kNewFileMode = 0666;  // less what the process masks out
 
+// A signal with a handler that does not restart calls ends them with EINTR.
 template <class Call>
 auto RetryInterrupted(Call call) noexcept {
     auto result = call();
@@ -79,6 +89,7 @@ int MoveAboveStandard(int descriptor) noexcept {
     return moved;
 }
 
+// The one device to read that ends.
 bool IsNullDevice(const struct stat& status) noexcept {
     struct stat nullDevice = {};
     return stat("/dev/null", &nullDevice) == 0 && nullDevice.st_rdev == status.st_rdev;
@@ -119,6 +130,8 @@ bool HasWriter(TextFile& file) noexcept {
     return false;
 }
 
+// From here on reading waits for the writer. A regular file ignores O_NONBLOCK, but a file system
+// in user space may not.
 bool MakeBlocking(int descriptor) noexcept {
     const int flags = fcntl(descriptor, F_GETFL);
     return flags != -1 && fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != -1;

@@ -24,6 +24,7 @@ void StartInChild() noexcept {
     forkWork.store(isDone ? 0 : 1, std::memory_order_relaxed);
 }
 
+// Runs in the thread that forks, which is the only one that goes on in the child.
 void BeforeFork() noexcept {
     forkWork.fetch_add(1, std::memory_order_relaxed);
 }
@@ -50,6 +51,7 @@ void RegisterHandlers() noexcept {
 
 void AttendToForks() noexcept {
     RegisterHandlers();
+    // In a handler of the program, in the child, before our own has run.
     if (getpid() != process.load(std::memory_order_relaxed)) StartInChild();
 }
 

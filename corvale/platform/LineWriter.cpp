@@ -1,3 +1,13 @@
+// One line, one system call: the kernel appends what one call brings without letting another writer
+// in between, in files of any size and in pipes up to their limit. So a line is put together before
+// it is written, in whichever way is cheapest for its length:
+//
+// up to 1,000 characters   joined on the stack: one part is written faster than several
+// longer                   written from where it is, each line end replaced by a part of its own
+// longer, many line ends   joined in memory taken for it, since one call takes only so many parts;
+//                          without memory written in several calls, which other processes can see
+//
+// CR and LF inside become blanks on the way: one message is one line, whatever it holds.
 #include <corvale/platform/LineWriter.hpp>
 
 #include <algorithm>
@@ -40,7 +50,8 @@ bool HasFewParts(Pieces pieces) noexcept {
     return parts <= kMostParts;
 }
 
-// The parts of a long line, written when there are as many as one call takes.
+// The parts of a long line, written when there are as many as one call takes. Once some of it is
+// written, the file ends inside a line until the rest has followed.
 class LongLine {
   public:
     explicit LongLine(TextFile& file) noexcept : file_(file) {
@@ -79,6 +90,7 @@ class LongLine {
         count_ = 0;
         if (outcome_ != Outcome::Written) return;
         outcome_ = WriteAll(file_, parts);
+        // Half a line cannot be left for another writer: its rest is waited for, unit locked.
         for (int refusals = 1; isBegun_ && outcome_ == Outcome::Refused; ++refusals) {
             WaitForRoom(file_.descriptor, refusals);
             outcome_ = WriteAll(file_, parts);
@@ -99,6 +111,7 @@ Outcome WriteInParts(TextFile& file, Pieces pieces) noexcept {
     return line.Finish();
 }
 
+// `joined` has space for the line and two line ends.
 Outcome WriteJoined(TextFile& file, Pieces pieces, char* joined) noexcept {
     char* end = joined;
     if (file.lacksLineEnd) end += kLineEnd.copy(end, kLineEnd.size());

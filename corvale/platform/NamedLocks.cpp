@@ -1,3 +1,6 @@
+// A list of locks that only ever grows at its front. It is searched without a lock: an entry is
+// whole before the one store that makes it the first, and none is taken out. The two locks of
+// messages are in it from the beginning, without an allocation.
 #include <corvale/platform/NamedLocks.hpp>
 
 #include <corvale/platform/ForkSafety.hpp>
@@ -47,6 +50,7 @@ std::mutex& NamedLock(std::string_view name) noexcept {
     if (Entry* entry = Find(name)) return entry->lock;
 
     const std::scoped_lock guard(insertion);
+    // Another thread may have made it meanwhile.
     if (Entry* entry = Find(name)) return entry->lock;
     Entry* entry = MakeEntry(name);
     if (entry == nullptr) return sharedForLackOfMemory;

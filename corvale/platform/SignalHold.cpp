@@ -1,3 +1,6 @@
+// A write raises SIGPIPE or SIGXFSZ in the thread that makes it. While that thread blocks the two,
+// the signal stays pending. It is taken before the mask is restored, unless one was pending before:
+// that one is the host's. No handler is changed, for those belong to the whole process.
 #include <corvale/platform/SignalHold.hpp>
 
 #include <pthread.h>

@@ -87,6 +87,8 @@ Slot SlotAt(Block& block, std::size_t index) noexcept {
     return {&block.keys[index], &block.units[index], &block.readBuffers[index], index};
 }
 
+// The slot in which `number` is open, if any. Takes no lock: keys and blocks are published by one
+// store each, after what they lead to.
 Slot Find(std::int32_t number) noexcept {
     const Key wanted = KeyOf(number);
     if (standardOutputKey.load(std::memory_order_acquire) == wanted)
@@ -104,6 +106,7 @@ Slot FindReading(std::int32_t number) noexcept {
     return slot && slot.unit->file.access == FileAccess::Read ? slot : Slot{};
 }
 
+// Waits for a line that is being written; closes the descriptor once no other thread can reach it.
 void CloseNumber(std::int32_t number) noexcept {
     const Slot slot = Find(number);
     if (!slot) return;
@@ -117,7 +120,8 @@ void CloseNumber(std::int32_t number) noexcept {
     if (descriptor != kStandardOutput) CloseFile(descriptor);
 }
 
-// The next block; made where there is none, null without memory for it. Called under `opening`.
+// The next block of the chain, made where there is none; null without memory for it. Called under
+// `opening`.
 Block* NextOf(Block& block) noexcept {
     if (Block* next = block.next.load(std::memory_order_relaxed)) return next;
     Block* next = new (std::nothrow) Block;
@@ -125,6 +129,7 @@ Block* NextOf(Block& block) noexcept {
     return next;
 }
 
+// Pairs with the release in `CloseNumber`: who claims the slot comes after its last owner.
 bool IsFree(const std::atomic<Key>& key) noexcept {
     return key.load(std::memory_order_acquire) == kFree;
 }
@@ -202,6 +207,7 @@ std::int32_t Connect(const Slot& slot, const TextFile& file,
     }
 }
 
+// Nothing is locked while the file is opened, which may take seconds.
 std::optional<std::int32_t> Open(std::optional<std::int32_t> number, std::string_view name,
                                  FileAccess access) noexcept {
     const Slot slot = Claim(number);
@@ -212,6 +218,7 @@ std::optional<std::int32_t> Open(std::optional<std::int32_t> number, std::string
     return std::nullopt;
 }
 
+// -1 where the unit has been closed meanwhile.
 int DescriptorOf(std::int32_t unit) noexcept {
     const WritingUnit writing(unit);
     return writing.File() != nullptr ? writing.File()->descriptor : -1;
@@ -299,6 +306,8 @@ bool Rewind(std::int32_t unit) noexcept {
 bool ReadLine(std::int32_t unit, std::span<char> line) noexcept {
     const Slot slot = FindReading(unit);
     if (!slot) return false;
+    // A line may come in any number of buffers, and its CR may be the last character of one, before
+    // the LF of the next.
     std::size_t length = 0;  // of the line so far, what does not fit in `line` included
     char last = '\0';        // its last character
     for (;;) {

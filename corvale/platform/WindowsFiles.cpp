@@ -55,6 +55,7 @@ int OpenPath(const Path& path, DWORD rights, DWORD creation) noexcept {
                                     FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
+// A file on a disk, not a console, pipe or device.
 bool IsRegular(int descriptor) noexcept {
     return GetFileType(HandleOf(descriptor)) == FILE_TYPE_DISK;
 }
@@ -84,6 +85,7 @@ int OpenToWrite(const Path& path, FileAccess access) noexcept {
                     access == FileAccess::Replace ? CREATE_ALWAYS : OPEN_ALWAYS);
 }
 
+// A NUL where it cannot be read: no line end.
 char LastByte(int file, LARGE_INTEGER size) noexcept {
     char last = '\0';
     --size.QuadPart;
@@ -105,6 +107,7 @@ bool EndsInsideLine(const Path& path) noexcept {
 
 }  // namespace
 
+// Everything else has been reserved before: what is replaced here is emptied by the open itself.
 TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept {
     Path path;
     name = name.substr(0, name.find_last_not_of(' ') + 1);

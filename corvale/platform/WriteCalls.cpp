@@ -1,5 +1,14 @@
-// Writing of a line by system calls, any of which may be interrupted, carried out in part or
-// refused.
+// Writing of a line by system calls, any of which may be
+//
+// interrupted           and is made again
+// carried out in part   (a file-size limit, a disk nearly full, a long line to a pipe): further
+//                       calls write the rest, and until then the file ends inside a line
+// refused               (a full pipe, a stopped terminal): where nothing is written yet the caller
+//                       waits, who can let go of the unit meanwhile; where a part is, this waits
+// failed                and the line, or its rest, is lost
+//
+// The descriptors of pipes and terminals do not block (Descriptors.cpp), so that a wait is ours to
+// make: a blocking call would hold the unit.
 #include <corvale/platform/Descriptors.hpp>
 
 #include <corvale/platform/CancelHold.hpp>
@@ -37,6 +46,7 @@ std::ptrdiff_t WriteParts(int descriptor, std::span<iovec> parts) noexcept {
     return writev(descriptor, parts.data(), static_cast<int>(parts.size()));
 }
 
+// Writes without letting the system end the host by a signal.
 std::ptrdiff_t WriteQuietly(const TextFile& file, std::span<iovec> parts) noexcept {
     if (!file.mayRaiseSignals) return WriteParts(file.descriptor, parts);
     const SignalHold hold;
