@@ -5,7 +5,10 @@
 #                                            the shared things once more with ThreadSanitizer
 #     scripts/soak.sh floats [FIRST LAST]    all 2^32 single-precision values, or the slices FIRST to
 #                                            LAST of 0 to 255: slice, values, differences, checksum
-#     scripts/soak.sh all                    both
+#     scripts/soak.sh guest [ROUNDS]         a host's worst: killed writers, paused readers, handlers
+#                                            of fork in every order, cancelled threads, leases, storms
+#                                            of signals, limits that move; 1,000 rounds of each
+#     scripts/soak.sh all                    the first two
 #
 # The floats take half an hour to an hour of one processor, two at most are used. Each slice that is
 # done stands in build/soak-floats-TREE.txt, TREE being the sources' hash: a run that was stopped
@@ -62,10 +65,17 @@ soak_others() {
     soaks="$top/build/tsan" soak tests/share_soak 4
 }
 
+soak_guest() {
+    build_soaks release processes_tests
+    CORVALE_TIMES=${1:-1000} nice -n 19 "$soaks/tests/processes_tests" --gtest_brief=1 |
+        grep -v '^Running main'
+}
+
 mkdir -p "$top/build"
 case "${1:-others}" in
     floats) soak_floats "${@:2}" ;;
     others) soak_others ;;
+    guest) soak_guest "${@:2}" ;;
     all) soak_others && soak_floats ;;
-    *) sed -n '2,10s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2; exit 2 ;;
+    *) sed -n '2,13s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2; exit 2 ;;
 esac

@@ -13,21 +13,16 @@
 #include <pthread.h>
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
 #include <thread>
 
 namespace corvale::FileIO {
 namespace {
 
 using namespace std::literals;
+using test::Rounds;
 
 constexpr std::int32_t kUnit = 11;
 constexpr std::int32_t kWrite = 0, kRead = 1, kAppend = 2;
-
-int Times(int otherwise) {
-    const char* times = std::getenv("CORVALE_TIMES");
-    return times == nullptr ? otherwise : std::atoi(times);
-}
 
 // Calls that take every lock of the library.
 bool UseLibrary() {
@@ -90,7 +85,7 @@ TEST_F(Host, HandlersOfForkMayCallTheLibrary) {
             EXPECT_TRUE(test::HoldsInChild([&] {
                 callsAt = moment;
                 if (isAgain) CloseLogFile(), RegisterHandlers();
-                return OpenLogFile((folder / "log").c_str()) == 0 && ForksAmidThreads(Times(20));
+                return OpenLogFile((folder / "log").c_str()) == 0 && ForksAmidThreads(Rounds(20));
             })) << "moment "
                 << int{moment} << (isAgain ? ", registered after the first call too" : "");
 }
@@ -127,7 +122,7 @@ TEST_F(Host, ACancelledThreadEndsAfterItsCall) {
     EXPECT_TRUE(test::HoldsInChild([&] {
         const bool isOpen = OpenLogFile((folder / "log").c_str()) == 0;
         int cancelled = 0;
-        const int times = Times(50);
+        const int times = Rounds(50);
         for (int i = 0; i < times; ++i) {
             Cancelled data{folder / "in", folder / "out", false, i % 2 == 1};
             pthread_t thread;
@@ -163,7 +158,7 @@ class LeaseHolder {
             int signal = 0;
             if (write(ends[1], isHeld ? "y" : "n", 1) != 1 || !isHeld) return false;
             sigwait(&wanted, &signal);
-            usleep(50000);
+            usleep(20000);
             return fcntl(file, F_SETLEASE, F_UNLCK) == 0;
         });
         char answer = 'n';
@@ -191,7 +186,9 @@ TEST_F(Host, AFileUnderALeaseIsWaitedFor) {
                  {F_RDLCK, kWrite, "new\n"},
                  {F_WRLCK, kWrite, "new\n"},
                  {F_WRLCK, kAppend, "x\nnew\n"}};
-    for (const auto& [kind, ioMode, content] : cases) {
+    const int times = Rounds(1) * static_cast<int>(std::size(cases));
+    for (int i = 0; i < times && !HasFailure(); ++i) {
+        const auto& [kind, ioMode, content] = cases[static_cast<std::size_t>(i) % std::size(cases)];
         test::WriteFile(folder / "leased", "x\n");
         const LeaseHolder holder(folder / "leased", kind);
         if (!holder.Holds()) GTEST_SKIP() << "this file system gives no leases";

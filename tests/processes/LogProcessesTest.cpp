@@ -15,7 +15,6 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <random>
 #include <thread>
@@ -26,11 +25,7 @@ namespace {
 using namespace std::literals;
 using test::Padded;
 using test::Stored;
-
-int Times(int otherwise) {
-    const char* times = std::getenv("CORVALE_TIMES");
-    return times == nullptr ? otherwise : std::atoi(times);
-}
+using test::Rounds;
 
 // The n-th message of a writer; now and then a long one. Takes no memory: in a child of a fork the
 // allocator may be locked.
@@ -89,7 +84,7 @@ TEST_F(Processes, KilledAtAnyInstantTheyHaveLostNoLine) {
     auto& returned = *new (mmap(nullptr, sizeof(Returned), PROT_READ | PROT_WRITE,
                                 MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Returned;
     std::mt19937 random(9);
-    const int times = Times(20);
+    const int times = Rounds(20);
     int lines = 0, unfinished = 0;
     for (int i = 0; i < times && !HasFailure(); ++i) {
         returned[0] = returned[1] = 0;
@@ -138,7 +133,7 @@ bool LogsAndLoads(const std::string& name, const std::string& input, const std::
 TEST_F(Processes, ChildrenWorkWhateverThreadsDidAtTheFork) {
     ASSERT_TRUE(Open());
     test::WriteFile(folder / "input", "QZ_MOIC 5\n");
-    const int children = Times(40);
+    const int children = Rounds(40);
     std::atomic<bool> isOver = false;
     std::map<std::string, int> counts;
     std::vector<std::thread> writers;
