@@ -25,7 +25,7 @@ namespace {
 using test::Rounds;
 
 constexpr std::int32_t kUnit = 11;
-constexpr std::int32_t kWrite = 0, kRead = 1, kAppend = 2;
+constexpr std::int32_t kWrite = 0, kAppend = 2;
 
 // The n-th line of a writer. Its length is one of many, its last character tells that it is whole.
 std::string Line(char writer, int n) {
