@@ -79,10 +79,10 @@ enum class Outcome : std::uint8_t {
     Lost      ///< the system does not take it; `lacksLineEnd` says whether a part is in the file
 };
 
-/// Writes `parts`, which end in a line end, in one system call wherever the system takes them
-/// whole. A part of a line is never left behind for want of room: once a pipe or terminal has taken
-/// some of it, the rest is waited for. `parts` is used up.
-[[nodiscard]] Outcome WriteAll(TextFile& file, std::span<iovec> parts) noexcept;
+/// Writes `parts` of a line in one system call wherever the system takes them whole. Half a line is
+/// not left for another writer to end: once a pipe or terminal has taken some of it, and where it
+/// `isBegun` already, the rest is waited for. `parts` is used up.
+[[nodiscard]] Outcome WriteAll(TextFile& file, std::span<iovec> parts, bool isBegun) noexcept;
 
 /// Waits until a pipe or terminal may have room again, a second at most. `refusals` counts the
 /// waits of one line.
@@ -98,8 +98,8 @@ inline iovec PartOf(std::string_view text) noexcept {
 [[nodiscard]] Outcome WriteWhole(TextFile& file, std::string_view text) noexcept;
 #else
 /// Writes what a first call, which returned `written`, has left of `parts`.
-[[nodiscard]] Outcome FinishLine(TextFile& file, std::span<iovec> parts,
-                                 std::ptrdiff_t written) noexcept;
+[[nodiscard]] Outcome FinishLine(TextFile& file, std::span<iovec> parts, std::ptrdiff_t written,
+                                 bool isBegun) noexcept;
 
 /// write(), but no cancellation point: making it none by `CancelHold` costs a log line 2 % (bench:
 /// LogLine).
@@ -112,14 +112,14 @@ inline std::ptrdiff_t WriteOnce(int descriptor, std::string_view text) noexcept 
 #endif
 }
 
-/// `WriteAll` of one text.
+/// `WriteAll` of a line in one text.
 [[nodiscard]] inline Outcome WriteWhole(TextFile& file, std::string_view text) noexcept {
     iovec part = PartOf(text);
     if (file.mayRaiseSignals) [[unlikely]]
-        return WriteAll(file, {&part, 1});
+        return WriteAll(file, {&part, 1}, false);
     const std::ptrdiff_t written = WriteOnce(file.descriptor, text);
     if (written != static_cast<std::ptrdiff_t>(text.size())) [[unlikely]]
-        return FinishLine(file, {&part, 1}, written);
+        return FinishLine(file, {&part, 1}, written, false);
     file.lacksLineEnd = false;
     return Outcome::Written;
 }

@@ -88,13 +88,7 @@ class LongLine {
     void Flush() noexcept {
         const std::span parts = std::span(parts_).first(count_);
         count_ = 0;
-        if (outcome_ != Outcome::Written) return;
-        outcome_ = WriteAll(file_, parts);
-        // Half a line cannot be left for another writer: its rest is waited for, unit locked.
-        for (int refusals = 1; isBegun_ && outcome_ == Outcome::Refused; ++refusals) {
-            WaitForRoom(file_.descriptor, refusals);
-            outcome_ = WriteAll(file_, parts);
-        }
+        if (outcome_ == Outcome::Written) outcome_ = WriteAll(file_, parts, isBegun_);
         isBegun_ = true;
     }
 

@@ -150,7 +150,7 @@ Outcome WriteWhole(TextFile& file, std::string_view text) noexcept {
 }
 
 // No call writes several parts: they are joined first, so that a line still comes whole.
-Outcome WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
+Outcome WriteAll(TextFile& file, std::span<iovec> parts, bool) noexcept {
     const auto textOf = [](const iovec& part) {
         return std::string_view(static_cast<const char*>(part.iov_base), part.iov_len);
     };

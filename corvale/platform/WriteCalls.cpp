@@ -55,9 +55,9 @@ std::ptrdiff_t WriteQuietly(const TextFile& file, std::span<iovec> parts) noexce
 
 }  // namespace
 
-Outcome FinishLine(TextFile& file, std::span<iovec> parts, std::ptrdiff_t written) noexcept {
+Outcome FinishLine(TextFile& file, std::span<iovec> parts, std::ptrdiff_t written,
+                   bool isBegun) noexcept {
     const CancelHold hold;
-    bool isBegun = false;
     for (int refusals = 0;; written = WriteQuietly(file, parts)) {
         if (written < 0 && errno == EINTR) continue;
         if (written < 0 && errno == EAGAIN) {
@@ -76,18 +76,18 @@ Outcome FinishLine(TextFile& file, std::span<iovec> parts, std::ptrdiff_t writte
     }
 }
 
-Outcome WriteAll(TextFile& file, std::span<iovec> parts) noexcept {
+Outcome WriteAll(TextFile& file, std::span<iovec> parts, bool isBegun) noexcept {
     const CancelHold hold;
     parts = Advance(parts, 0);
-    return FinishLine(file, parts, WriteQuietly(file, parts));
+    return FinishLine(file, parts, WriteQuietly(file, parts), isBegun);
 }
 
 void WaitForRoom(int descriptor, int refusals) noexcept {
     const CancelHold hold;
     pollfd waiting = {descriptor, POLLOUT, 0};
-    const bool isInterrupted = poll(&waiting, 1, kRoomWaitMs) < 0 && errno == EINTR;
+    static_cast<void>(poll(&waiting, 1, kRoomWaitMs));
     // It says that it has room and refuses all the same, or cannot be asked.
-    if (refusals > kMostRefusals && !isInterrupted) nanosleep(&kPause, nullptr);
+    if (refusals > kMostRefusals) nanosleep(&kPause, nullptr);
 }
 
 }  // namespace corvale::internal

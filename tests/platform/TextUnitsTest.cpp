@@ -305,14 +305,14 @@ TEST(TextUnits, DescriptorsStayApartFromTheHosts) {
     }));
 }
 
-bool LimitDescriptors(rlim_t count) {
+bool Limit(__rlimit_resource_t resource, rlim_t count) {
     const rlimit limit = {count, count};
-    return setrlimit(RLIMIT_NOFILE, &limit) == 0;
+    return setrlimit(resource, &limit) == 0;
 }
 
 // As many units as the system gives, then one more when one has been closed.
 bool OpensUpToALimit(const std::string& path, rlim_t descriptors, std::size_t least) {
-    if (!LimitDescriptors(descriptors)) return false;
+    if (!Limit(RLIMIT_NOFILE, descriptors)) return false;
     const auto before = test::OpenDescriptors();
     std::vector<std::int32_t> units;
     std::int32_t unit = -1;
@@ -362,6 +362,13 @@ TEST(TextUnits, AFailedOpenDestroysNothing) {
         close(0);
         return FailsAndKeeps(folder, "precious") && FailsAndKeeps(folder, "new");
     })) << "one descriptor, but of the host's standard input";
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_TRUE(test::HoldsInChild([path = folder / "precious"] {
+        // Numbers 64 apart share an index, so that the second one needs a new block of the table.
+        return FileOpen(kUnit + 64, "/dev/null", kRead) == 0 && Limit(RLIMIT_AS, 0) &&
+               FileOpen(kUnit, path, kWrite) == 2 && IsOpen(kUnit + 64);
+    })) << "no memory for more units";
+#endif
     EXPECT_EQ(test::ReadFile(folder / "precious"), "content\n");
 }
 
