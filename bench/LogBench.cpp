@@ -26,13 +26,13 @@ std::string LogName() {
         .native();
 }
 
-struct CFace {
+struct CApi {
     static void Open() { OpenLogFile(LogName().c_str()); }
     static void Line() { LogMessage(kMessage.c_str()); }
     static void Close() { CloseLogFile(); }
 };
 
-struct ModuleFace : CFace {
+struct Module : CApi {
     static void Line() { corvale::FileIO::TraceLogInfo(kMessage); }
 };
 
@@ -86,13 +86,13 @@ void LogLine(benchmark::State& state) {
     BENCHMARK(LogLine<Logger>)->Name(name)->Iterations(40000)->UseRealTime(); \
     BENCHMARK(LogLine<Logger>)->Name(name)->Iterations(5000)->Threads(8)->UseRealTime()
 
-#define RACE(Face, topic)                     \
-    LOG_LINE(Face, topic "/Corvale");         \
+#define RACE(Way, topic)                      \
+    LOG_LINE(Way, topic "/Corvale");          \
     LOG_LINE(Spdlog, topic "/spdlog");        \
     LOG_LINE(Stdio, topic "/fprintf+fflush"); \
     LOG_LINE(BareWrite, topic "/write() alone")
 
-RACE(ModuleFace, "LogLine TraceLogInfo");
-RACE(CFace, "LogLine LogMessage");
+RACE(Module, "LogLine TraceLogInfo");
+RACE(CApi, "LogLine LogMessage");
 
 }  // namespace

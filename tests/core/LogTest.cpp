@@ -11,7 +11,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <cstdio>
 #include <optional>
@@ -24,7 +23,6 @@ using test::Padded;
 using test::Stored;
 
 const std::string kBlanks(128, ' ');
-const std::string kOpenFailed = Padded("OpenLogFile: log file failed to open.", 128);
 
 class Log : public testing::Test {
   protected:
@@ -86,58 +84,6 @@ TEST_F(Log, BuffersAreAdjustedAndCutAtANul) {
     EXPECT_EQ(stored, Padded("stop", 128) + "#") << "128 characters, no terminator";
     ASSERT_EQ(OpenLogFile(("  " + (folder / "log")).c_str()), 0) << "leading blanks are dropped";
     EXPECT_EQ(Lines().size(), 0U);
-}
-
-TEST_F(Log, OpeningClosesTheLogBefore) {
-    test::WriteFile(folder / "second", "old\n");
-    ASSERT_TRUE(Open());
-    LogMessage("one");
-    for (int times = 0; times < 2; ++times) {
-        ASSERT_TRUE(Open("second"));
-        EXPECT_EQ(LogFileUnit, 6);
-        EXPECT_EQ(test::ReadFile(folder / "second"), "") << "emptied, open or not";
-        TraceLogError("two");
-    }
-    EXPECT_EQ(Lines().size(), 1U);
-    for (int times = 0; times < 2; ++times) {
-        CloseLogFile();
-        EXPECT_EQ(LogFileUnit, 0);
-        EXPECT_FALSE(TextUnits::IsOpen(6));
-        EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks);
-        EXPECT_EQ(Stored(LogLastInfoMsg), Padded("one", 128));
-    }
-}
-
-TEST_F(Log, WhatCannotBeOpenedLeavesAStateWithoutAFile) {
-    ASSERT_EQ(symlink("loop", (folder / "loop").c_str()), 0);
-    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
-    const struct {
-        std::string name;
-        const char* why;
-    } cases[] = {
-        {folder.Path(), "a directory"},
-        {folder / "missing/log", "a missing directory"},
-        {folder / "loop", "a link to itself"},
-        {folder / "fifo", "a named pipe that nobody reads"},
-        {kBlanks, "a blank name"},
-        {"", "an empty one"},
-    };
-    const auto before = test::OpenDescriptors();
-    for (const auto& [name, why] : cases) {
-        ASSERT_TRUE(Open());
-        LogMessage("one");
-        EXPECT_EQ(OpenLogFile(name.c_str()), 2) << why;
-        EXPECT_EQ(LogFileUnit, 6) << why;
-        EXPECT_EQ(Stored(LastLoggedErrMsg), kOpenFailed) << why;
-        EXPECT_FALSE(TextUnits::IsOpen(6)) << why;
-        TraceLogError("goes nowhere");
-        EXPECT_EQ(Stored(LastLoggedErrMsg), Padded("goes nowhere", 128)) << why;
-        EXPECT_EQ(Lines().size(), 1U) << why;
-        EXPECT_EQ(test::OpenDescriptors(), before) << why;
-    }
-    CloseLogFile();
-    EXPECT_EQ(LogFileUnit, 0);
-    EXPECT_EQ(Stored(LastLoggedErrMsg), kBlanks);
 }
 
 // Whether a child can write to standard output when it is born while a thread waits there for room.
