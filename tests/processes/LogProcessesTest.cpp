@@ -24,8 +24,8 @@ namespace {
 
 using namespace std::literals;
 using test::Padded;
-using test::Stored;
 using test::Rounds;
+using test::Stored;
 
 // The n-th message of a writer; now and then a long one. Takes no memory: in a child of a fork the
 // allocator may be locked.
