@@ -16,4 +16,4 @@ cd "$top"
 cmake --preset release >/dev/null
 cmake --build --preset release --target fault_loops processes_tests >/dev/null
 build/release/tests/faults/fault_loops
-CORVALE_TIMES=$times build/release/tests/processes_tests --gtest_brief=1
+CORVALE_TIMES=$times build/release/tests/processes_tests --gtest_brief=1 --gtest_filter='Processes.*'

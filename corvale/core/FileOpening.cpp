@@ -1,7 +1,7 @@
 // Opening by mode, with a message for each way to fail. The order of the checks is part of what
 // callers see: the unit is closed first, then the name is looked at, then the mode.
 //
-// The name has two forms: the caller's, which messages quote, and the system's, with slashes.
+// Messages quote the name as the caller gives it; the system gets it with slashes for backslashes.
 #include <corvale/core/CorvaleTypes.hpp>
 #include <corvale/core/FileIO.hpp>
 #include <corvale/core/LogFile.hpp>
@@ -11,7 +11,6 @@
 #include <corvale/text/TextParts.hpp>
 
 #include <array>
-#include <climits>
 
 namespace corvale::FileIO {
 
@@ -23,23 +22,6 @@ using internal::FileAccess;
 constexpr std::int32_t kWrite = 0;
 constexpr std::int32_t kRead = 1;
 constexpr std::int32_t kAppend = 2;
-
-// The system's form of a name: slashes for backslashes. Longer names than the system's paths open
-// nothing and stay as they are.
-class SystemPath {
-  public:
-    explicit SystemPath(std::string_view name) noexcept : path_(name) {
-        if (name.size() > characters_.size()) return;
-        const std::span<char> path = std::span(characters_).first(name.size());
-        StrFunctions::ReplaceString(name, "\\", "/", path);
-        path_ = {path.data(), path.size()};
-    }
-    [[nodiscard]] std::string_view Text() const noexcept { return path_; }
-
-  private:
-    std::array<char, PATH_MAX> characters_;
-    std::string_view path_;
-};
 
 // Nothing for a mode that neither procedure knows.
 std::optional<FileAccess> AccessFor(std::int32_t ioMode) noexcept {
@@ -85,8 +67,7 @@ std::int32_t FileOpen(std::int32_t fileUnit, std::string_view fileName, std::int
     if (!access) return Fail("FileOpen: Invalid ioMode for FileOpen.");
 
     const std::string_view name = internal::WithoutTrailingBlanks(fileName);
-    if (internal::OpenUnit(fileUnit, SystemPath(name).Text(), *access))
-        return CorvaleTypes::StatusOk;
+    if (internal::OpenUnit(fileUnit, {name, true}, *access)) return CorvaleTypes::StatusOk;
     return FailToOpen("FileOpen: Unable to open file ", name, ioMode);
 }
 
@@ -98,7 +79,7 @@ std::int32_t FileOpenMT(std::string_view fileName, std::int32_t ioMode,
     if (!access || ioMode == kAppend) return Fail("FileOpenMT: Invalid ioMode for FileOpen.");
 
     const std::string_view name = internal::WithoutTrailingBlanks(fileName);
-    fileUnit = internal::OpenFreshUnit(SystemPath(name).Text(), *access);
+    fileUnit = internal::OpenFreshUnit({name, true}, *access);
     if (fileUnit != 0) return CorvaleTypes::StatusOk;
     return FailToOpen("FileOpenMT: Unable to open file ", name, ioMode);
 }

@@ -87,7 +87,7 @@ void TraceErrorLine(std::span<const std::string_view> line) noexcept {
 std::int32_t OpenLog(std::string_view name) noexcept {
     CloseOpenLog();
     LogFileUnit.store(kLogUnit, std::memory_order_relaxed);
-    if (OpenUnit(kLogUnit, name, FileAccess::Replace)) return CorvaleTypes::StatusOk;
+    if (OpenUnit(kLogUnit, {name}, FileAccess::Replace)) return CorvaleTypes::StatusOk;
     TraceLogError("OpenLogFile: log file failed to open.");
     return CorvaleTypes::StatusFailed;
 }

@@ -101,7 +101,8 @@ CORVALE_API int32_t OpenLogFile(const char* fileName) CORVALE_NOEXCEPT;
 CORVALE_API void CloseLogFile(void) CORVALE_NOEXCEPT;
 
 /* Stores an informational message and writes it to an open log as a line of 128 characters, which
- * has been handed to the system when the call returns.
+ * has been handed to the system when the call returns. Where the log is a full pipe or a stopped
+ * terminal, the call waits for its reader.
  *
  * message  128 characters or a shorter terminated string; leading blanks are removed
  * Threads  any

@@ -198,11 +198,13 @@ bool Prepare(TextFile& file) noexcept {
 
 using Path = std::array<char, PATH_MAX>;
 
-bool MakePath(std::string_view name, Path& path) noexcept {
-    name = name.substr(0, name.find_last_not_of(' ') + 1);
-    if (name.empty() || name.size() >= path.size() || name.find('\0') != std::string_view::npos)
+bool MakePath(FileName name, Path& path) noexcept {
+    const std::string_view text = name.text.substr(0, name.text.find_last_not_of(' ') + 1);
+    if (text.empty() || text.size() >= path.size() || text.find('\0') != std::string_view::npos)
         return false;
-    *std::copy(name.begin(), name.end(), path.begin()) = '\0';
+    const auto end = std::copy(text.begin(), text.end(), path.begin());
+    if (name.hasBackslashes) std::replace(path.begin(), end, '\\', '/');
+    *end = '\0';
     return true;
 }
 
@@ -224,7 +226,7 @@ TextFile OpenToWrite(const char* path, FileAccess access, bool& isCreated) noexc
 
 }  // namespace
 
-TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept {
+TextFile OpenTextFile(FileName name, FileAccess access) noexcept {
     Path path;
     if (!MakePath(name, path)) return {};
 

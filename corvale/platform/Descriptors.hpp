@@ -43,6 +43,12 @@ enum class FileAccess : std::uint8_t {
     Append    ///< created or kept; write only, at its end
 };
 
+/// The name of a file. Trailing blanks are not part of it.
+struct FileName {
+    std::string_view text;
+    bool hasBackslashes = false;  ///< that stand for slashes
+};
+
 /// An open file, or none.
 struct TextFile {
     int descriptor = -1;
@@ -62,7 +68,7 @@ struct TextFile {
 /// nothing has changed.
 ///
 /// Bad input  a name that is blank, holds a NUL or is longer than the system's paths opens nothing
-[[nodiscard]] TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept;
+[[nodiscard]] TextFile OpenTextFile(FileName name, FileAccess access) noexcept;
 
 /// Reads what is there, up to the size of `buffer`: the number of bytes, 0 at the end, -1 on error.
 [[nodiscard]] std::ptrdiff_t ReadSome(int descriptor, std::span<char> buffer) noexcept;

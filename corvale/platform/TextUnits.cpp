@@ -208,7 +208,7 @@ std::int32_t Connect(const Slot& slot, const TextFile& file,
 }
 
 // Nothing is locked while the file is opened, which may take seconds.
-std::optional<std::int32_t> Open(std::optional<std::int32_t> number, std::string_view name,
+std::optional<std::int32_t> Open(std::optional<std::int32_t> number, FileName name,
                                  FileAccess access) noexcept {
     const Slot slot = Claim(number);
     if (!slot) return std::nullopt;
@@ -226,13 +226,13 @@ int DescriptorOf(std::int32_t unit) noexcept {
 
 }  // namespace
 
-bool OpenUnit(std::int32_t unit, std::string_view name, FileAccess access) noexcept {
+bool OpenUnit(std::int32_t unit, FileName name, FileAccess access) noexcept {
     KeepUsableAfterFork();
     CloseNumber(unit);
     return Open(unit, name, access).has_value();
 }
 
-std::int32_t OpenFreshUnit(std::string_view name, FileAccess access) noexcept {
+std::int32_t OpenFreshUnit(FileName name, FileAccess access) noexcept {
     KeepUsableAfterFork();
     return Open(std::nullopt, name, access).value_or(0);
 }

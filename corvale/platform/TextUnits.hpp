@@ -47,8 +47,9 @@ CORVALE_API void Close(std::int32_t unit) noexcept;
 /// Writes `text` and a line end: both have been handed to the system when it returns. CR and LF
 /// inside `text` become blanks, so that one text is one line. Where an earlier line could not be
 /// written whole, or the file's last line had no end when it was opened, the new one starts on a
-/// line of its own. Where a pipe or terminal is full, it waits as long as somebody reads there;
-/// meanwhile other threads may use all units, and close this one, which ends the wait.
+/// line of its own. Where a pipe or terminal is full, it waits as long as somebody reads there.
+/// Meanwhile other threads may use all units; closing this one ends the wait, unless a part of the
+/// line is written already or the unit is the standard output.
 ///
 /// Width      any; trailing blanks are written. In one system call, so that lines of several
 ///            processes do not mix: in a file lines of any length, in a pipe those of at most 4,096

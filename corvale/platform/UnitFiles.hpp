@@ -14,14 +14,14 @@
 
 namespace corvale::internal {
 
-/// Opens `name` on `unit`, after closing what was open there. Trailing blanks are not part of the
-/// name. False when it cannot be opened; `unit` is then closed, and no file has changed.
-[[nodiscard]] bool OpenUnit(std::int32_t unit, std::string_view name, FileAccess access) noexcept;
+/// Opens `name` on `unit`, after closing what was open there. False when it cannot be opened; `unit`
+/// is then closed, and no file has changed.
+[[nodiscard]] bool OpenUnit(std::int32_t unit, FileName name, FileAccess access) noexcept;
 
 /// Opens `name` on a number that no open unit has: 1000000 or higher, and another one after each
 /// close, so that a number kept too long names nothing. 0 when it cannot be opened; no file has
 /// then changed.
-[[nodiscard]] std::int32_t OpenFreshUnit(std::string_view name, FileAccess access) noexcept;
+[[nodiscard]] std::int32_t OpenFreshUnit(FileName name, FileAccess access) noexcept;
 
 /// Reads the next bytes of a unit: their number, 0 at the end, -1 on error or when it does not
 /// read.
@@ -60,7 +60,7 @@ class WritingUnit {
 ///
 /// Inline down to the system call, and so is what calls it for a message: the call flushes the
 /// processor's return predictor, so that each function above it costs a mispredicted return. With
-/// plain functions TraceLogInfo takes 1.07 times a bare write(), so 1.05 (bench: LogLine).
+/// plain functions TraceLogInfo takes 1.07 times a bare write(), so 1.06 (bench: LogLine).
 [[nodiscard, gnu::always_inline]] inline bool WriteLine(std::int32_t unit, Pieces pieces) noexcept {
     const ShortLine line(pieces);
     Outcome outcome = OfferLine(unit, line, pieces);

@@ -108,10 +108,11 @@ bool EndsInsideLine(const Path& path) noexcept {
 }  // namespace
 
 // Everything else has been reserved before: what is replaced here is emptied by the open itself.
-TextFile OpenTextFile(std::string_view name, FileAccess access) noexcept {
+// Backslashes are slashes here in any case.
+TextFile OpenTextFile(FileName name, FileAccess access) noexcept {
     Path path;
-    name = name.substr(0, name.find_last_not_of(' ') + 1);
-    if (name.find('\0') != std::string_view::npos || !Widen(name, path)) return {};
+    const std::string_view text = name.text.substr(0, name.text.find_last_not_of(' ') + 1);
+    if (text.find('\0') != std::string_view::npos || !Widen(text, path)) return {};
     const bool reads = access == FileAccess::Read;
     TextFile file = {reads ? OpenToRead(path) : OpenToWrite(path, access), access};
     file.lacksLineEnd = access == FileAccess::Append && file.IsOpen() &&
