@@ -49,10 +49,10 @@ CORVALE_API void CkSum(std::string_view line, std::int32_t first, std::int32_t l
 /// The index i, from 1, with table(i) <= `value` < table(i + 1); 1 up to the first entry and `n`
 /// from the last one on.
 ///
-/// A fact of the format: among equal neighbours the index is where a walk meets `value` that starts
-/// at the place that linear interpolation gives. A walk down ends at their last; a walk up at the
-/// first one above its start. For (1, 2, 2, 2, 5) and 2 the start is 2 and the index 3. The time is
-/// that of a bisection at most, however uneven the table.
+/// Kept behaviour: among equal entries the index is where a walk, one entry at a time from the one
+/// that linear interpolation gives, meets `value`: downwards the last of them, upwards the first
+/// above the start. For (1, 2, 2, 2, 5) and 2 the start is 2 and the index 3. The time is that of a
+/// bisection at most, however uneven the table.
 ///
 /// Units      `table` and `value` share any unit
 /// Shape      `n` entries, ascending
