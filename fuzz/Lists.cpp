@@ -13,7 +13,7 @@
 namespace corvale::fuzz {
 namespace lists {
 
-constexpr std::size_t kMost = 5000;  // more than 256 go another way, as do 4096
+constexpr std::size_t kMost = 5000;  // lists have ways of their own from 257 and 4096 on
 
 // Bytes first, then what a generator makes of the last of them.
 class Values {
@@ -35,12 +35,15 @@ void IntegerList(Choices& in, std::size_t count) {
     std::array<std::int32_t, kMost> plain{};
     const std::size_t order = in.Below(4);
     const int shift = in.Byte() % 31;  // how many different values there are
-    const int offset = in.Byte() % 4 == 0 ? 128 : 0;
+    const std::uint8_t kind = in.Byte();
+    const int offset = kind % 4 == 0 ? 128 : 0;
     Values values(in);
     auto* const list = room.Of<std::int32_t>(count);
     for (std::size_t i = 0; i < count; ++i)
         list[i] = plain[i] =
             static_cast<std::int32_t>(values.Next() % (std::uint64_t{1} << shift)) - offset;
+    // One value far from the others: what tells them apart is in their low bits alone.
+    if (kind % 8 == 1 && count > 0) list[count / 2] = plain[count / 2] = INT32_MAX;
     auto n = static_cast<std::int32_t>(count), plainCount = n;
     if (order == 3) {
         GenFunctions::IDupe(list, n);
@@ -53,7 +56,8 @@ void IntegerList(Choices& in, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) ExpectSame(list[i], plain[i], "an integer list");
 }
 
-// An ascending table, its steps of one size or growing; for three values in four the result is prescribed.
+// A table with steps of one size or growing ones, with equal neighbours. Where an entry is out of
+// order or the value is NaN, any index of the table will do.
 void Search(Choices& in, std::size_t count) {
     static thread_local Room<8 * kMost> room;
     const bool isAscending = in.Byte() % 4 != 0;
@@ -70,6 +74,7 @@ void Search(Choices& in, std::size_t count) {
     if (isAscending) std::sort(table, table + count);
     for (std::size_t i = 1; isAscending && spread % 4 == 3 && count < 24 && i < count; ++i)
         table[i] += 2.0 * table[i - 1];
+    for (std::size_t i = 0; isAscending && spread % 4 == 2 && i < count; ++i) table[i] *= table[i];
     double value = any;
     if (count > 0 && at % 4 != 3) value = table[at % count];
     if (at % 4 != 0) value = std::nextafter(value, at % 4 == 1 ? 1e300 : -1e300);

@@ -1,10 +1,10 @@
 #include <corvale/numeric/Cholesky.hpp>
 
+#include <corvale/numeric/Scratch.hpp>
 #include <corvale/numeric/matrices/CholeskyFactor.hpp>
 #include <corvale/numeric/matrices/CholeskyInverse.hpp>
 #include <corvale/numeric/matrices/CholeskySmall.hpp>
 #include <corvale/numeric/matrices/CholeskySolve.hpp>
-#include <corvale/numeric/matrices/Scratch.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -86,7 +86,7 @@ void SolveAndInvert(const double* a, const double* b, std::int32_t order, double
     if (DoneSmall<rootFree>({a, b, n, inverse, x})) return;
 
     constexpr std::size_t kMatrices = rootFree ? 4 : 2;
-    internal::Scratch<Room(kOrderWithoutHeap, kMatrices)> scratch(Room(n, kMatrices));
+    internal::Scratch<double, Room(kOrderWithoutHeap, kMatrices)> scratch(Room(n, kMatrices));
     if (scratch.Data() == nullptr) return FillWithNaN(n, inverse, x);
 
     CholeskyWork work = LayOut(scratch.Data(), n, rootFree);

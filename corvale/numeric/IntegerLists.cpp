@@ -1,173 +1,182 @@
 #include <corvale/numeric/IntegerLists.hpp>
 
+#include <corvale/numeric/RadixSort.hpp>
+#include <corvale/numeric/Scratch.hpp>
+
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
-#include <cstdlib>
-#include <memory>
 
+// Three ways, by how far apart the least and the greatest value are:
+//
+// Dense   Up to 16 times the length, as with catalogue numbers: a bitmap with one bit a value. A
+//         bit that is already set marks a repeat, and the set bits in order are the sorted list
+//         (J. Bentley, Programming Pearls, 1986, column 1).
+// Sparse  Radix sort; for `IDupe` of pairs of value and index, so that equal values are neighbours,
+//         the last one last.
+// Short   Up to 256 values, or where allocation fails: a hash set on the stack, and std::sort.
 namespace corvale::GenFunctions {
 
 namespace {
 
-// A value of the list in the high half, its place in the low one: sorted, the places of equal
-// values stand side by side and ascend.
-using ValueAtPlace = std::uint64_t;
+// Greatest span of a dense list, in values an element. At 16 a word of the bitmap holds four values
+// on average; at 32 the radix sort is faster (ISort in bench/SmallBench.cpp with such values).
+constexpr std::size_t kDense = 16;
 
-ValueAtPlace Pair(std::int32_t value, std::int32_t place) noexcept {
-    return ValueAtPlace{static_cast<std::uint32_t>(value)} << 32U |
-           static_cast<std::uint32_t>(place);
-}
-
-std::uint32_t SortKey(ValueAtPlace pair) noexcept {
-    return static_cast<std::uint32_t>(pair >> 32U);
-}
-
-// Ascends with the value, negative ones first.
-std::uint32_t SortKey(std::int32_t value) noexcept {
-    return static_cast<std::uint32_t>(value) ^ 0x80000000U;
-}
-
-std::int32_t PlaceOf(ValueAtPlace pair) noexcept {
-    return static_cast<std::int32_t>(pair & 0xFFFFFFFFU);
-}
-
-struct Release {
-    void operator()(void* memory) const noexcept { std::free(memory); }
-};
-template <class T>
-using Scratch = std::unique_ptr<T[], Release>;
-
-// Room for `count` elements, or null.
-template <class T>
-Scratch<T> TakeScratch(std::size_t count) noexcept {
-    return Scratch<T>{static_cast<T*>(std::malloc(count * sizeof(T)))};
-}
-
-// Below this length the counters of a wide digit cost more than the passes they save.
-constexpr std::size_t kWideDigitLength = 4096;
-
-// Shorter lists are not worth an allocation.
+// Sparse lists up to this length are not worth an allocation.
 constexpr std::size_t kShortest = 256;
 
-// Sorts by 32-bit keys, lowest digit first, equal keys in their order; a digit that all keys share
-// costs no pass. `other` has room for as many; returns the one of the two that holds the result.
-// Three times as fast as std::sort on a million; bench: ISort in bench/SmallBench.cpp.
-//
-// Not inline: two copies of its counters, 8 KiB each, would overrun the smallest thread's stack.
-template <class T>
-[[gnu::noinline]] T* RadixSort(T* data, T* other, std::size_t count) noexcept {
-    const unsigned width = count < kWideDigitLength ? 8 : 11;
-    const std::uint32_t mask = (1U << width) - 1;
-    for (unsigned shift = 0; shift < 32; shift += width) {
-        std::array<std::uint32_t, 2048> ends{};
-        for (std::size_t i = 0; i < count; ++i) ++ends[SortKey(data[i]) >> shift & mask];
-        if (ends[SortKey(data[0]) >> shift & mask] == count) continue;
+using Bits = internal::Scratch<std::uint64_t, kDense * kShortest / 64 + 1>;
 
-        std::uint32_t begin = 0;
-        for (std::uint32_t digit = 0; digit <= mask; ++digit) {
-            const std::uint32_t size = ends[digit];
-            ends[digit] = begin;
-            begin += size;
+/// The values of a list, seen as unsigned distances from the least one.
+struct Span {
+    std::int32_t least, greatest;
+
+    static Span Of(const std::int32_t* list, std::size_t count) noexcept {
+        std::int32_t least = list[0],
+                     greatest = list[0];  // the compiler takes members for list elements
+        for (std::size_t i = 1; i < count; ++i) {
+            least = std::min(least, list[i]);
+            greatest = std::max(greatest, list[i]);
         }
-        for (std::size_t i = 0; i < count; ++i)
-            other[ends[SortKey(data[i]) >> shift & mask]++] = data[i];
-        std::swap(data, other);
+        return {least, greatest};
     }
-    return data;
+    [[nodiscard]] std::uint32_t Distance(std::int32_t value) const noexcept {
+        return static_cast<std::uint32_t>(value) - static_cast<std::uint32_t>(least);
+    }
+    [[nodiscard]] std::size_t Words() const noexcept { return Distance(greatest) / 64 + 1; }
+    [[nodiscard]] bool IsDense(std::size_t count) const noexcept {
+        return Distance(greatest) / kDense < count;
+    }
+};
+
+/// Sets the bit of `value`. Returns 1 if it was set already, else 0.
+std::int32_t SetBit(std::uint64_t* bits, std::uint32_t value) noexcept {
+    const std::uint64_t old = bits[value / 64];
+    bits[value / 64] = old | std::uint64_t{1} << value % 64;
+    return static_cast<std::int32_t>(old >> value % 64 & 1);
 }
 
-// Sets all but the last of equal values to 0; zeros stay.
-void ClearRepeats(const ValueAtPlace* sorted, std::size_t count, std::int32_t* list) noexcept {
-    for (std::size_t i = 0; i + 1 < count; ++i)
-        if (SortKey(sorted[i]) == SortKey(sorted[i + 1])) list[PlaceOf(sorted[i])] = 0;
+/// False without memory, as the next one.
+bool ClearRepeatsByBits(std::int32_t* list, std::size_t count, const Span& span) noexcept {
+    Bits bits(span.Words());
+    if (bits.Data() == nullptr) return false;
+    std::fill_n(bits.Data(), span.Words(), std::uint64_t{0});
+    for (std::size_t i = count; i > 0; --i)  // no branch, which would be guessed half of the time
+        list[i - 1] &= SetBit(bits.Data(), span.Distance(list[i - 1])) - 1;
+    return true;
 }
 
-// The values of a stretch of a list, 0 excepted. At most half full, so a search ends soon; however
-// the values are chosen it ends within the stretch.
+bool ClearRepeatsByPairs(std::int32_t* list, std::size_t count, const Span& span) noexcept {
+    internal::Scratch<std::uint64_t, 1> pairs(2 * count);
+    if (pairs.Data() == nullptr) return false;
+    for (std::size_t i = 0; i < count; ++i)
+        pairs.Data()[i] = std::uint64_t{span.Distance(list[i])} << 32U | i;
+    const std::uint64_t* sorted = internal::RadixSort(pairs.Data(), pairs.Data() + count, count,
+                                                      span.Distance(span.greatest));
+    for (std::size_t i = 1; i < count; ++i)
+        if (sorted[i - 1] >> 32U == sorted[i] >> 32U) list[sorted[i - 1] & 0xFFFFFFFFU] = 0;
+    return true;
+}
+
+/// A hash set of up to 256 values; half of its slots stay 0, so a search ends soon.
 class StretchSet {
   public:
-    static constexpr std::int32_t kMostValues = 256;
-
-    /// Adds `value`; false where it is there already.
-    bool Add(std::int32_t value) noexcept {
-        std::int32_t& slot = slots_[Find(value)];
-        if (slot == value) return false;
-        slot = value;
-        return true;
-    }
-    [[nodiscard]] bool Contains(std::int32_t value) const noexcept {
-        return slots_[Find(value)] == value;
+    /// The slot that holds `value`, or the empty one where it belongs.
+    std::int32_t& Slot(std::int32_t value) noexcept {
+        // 2^32 over the golden ratio, which spreads neighbours; the nine high bits are the slot.
+        std::size_t slot = static_cast<std::uint32_t>(value) * 0x9E3779B1U >> 23U;
+        while (slots_[slot] != 0 && slots_[slot] != value) slot = (slot + 1) % slots_.size();
+        return slots_[slot];
     }
 
   private:
-    static constexpr std::size_t kSlots = std::size_t{2} * kMostValues;
-
-    // The slot that holds `value`, or the empty one where it belongs.
-    [[nodiscard]] std::size_t Find(std::int32_t value) const noexcept {
-        // 2^32 over the golden ratio, which spreads neighbours; the nine high bits are the slot.
-        std::size_t slot = static_cast<std::uint32_t>(value) * 0x9E3779B1U >> 23U;
-        while (slots_[slot] != 0 && slots_[slot] != value) slot = (slot + 1) % kSlots;
-        return slot;
-    }
-
-    std::array<std::int32_t, kSlots> slots_{};
+    std::array<std::int32_t, 2 * kShortest> slots_{};
+    static_assert(2 * kShortest == 1U << (32 - 23));
 };
 
-// Needs no memory: takes stretches of the list, the last one first, and looks up all that stands
-// before each. A list of one stretch is done without that.
-void ClearRepeatsByStretches(std::int32_t* list, std::int32_t n) noexcept {
-    for (std::int32_t end = n; end > 0; end -= StretchSet::kMostValues) {
-        const std::int32_t begin = std::max(end - StretchSet::kMostValues, 0);
+// Needs no memory: takes stretches of the list, the last one first, and looks up all that precedes
+// each. A list of one stretch is done at once; the time grows with the square of their number.
+void ClearRepeatsByStretches(std::int32_t* list, std::size_t count) noexcept {
+    for (std::size_t end = count; end > 0;) {
+        const std::size_t begin = end - std::min(end, kShortest);
         StretchSet values;
-        for (std::int32_t place = end - 1; place >= begin; --place)
-            if (list[place] != 0 && !values.Add(list[place])) list[place] = 0;
-        for (std::int32_t place = 0; place < begin; ++place)
-            if (list[place] != 0 && values.Contains(list[place])) list[place] = 0;
+        for (; end > begin; --end) {
+            std::int32_t& slot = values.Slot(list[end - 1]);
+            if (slot == list[end - 1])
+                list[end - 1] = 0;
+            else
+                slot = list[end - 1];
+        }
+        for (std::size_t i = 0; i < begin; ++i)
+            if (values.Slot(list[i]) == list[i]) list[i] = 0;
     }
 }
 
-void ClearAllRepeats(std::int32_t* list, std::int32_t n) noexcept {
-    if (n <= StretchSet::kMostValues) return ClearRepeatsByStretches(list, n);
-    const auto count = static_cast<std::size_t>(n);
-    const auto pairs = TakeScratch<ValueAtPlace>(2 * count);
-    if (!pairs) return ClearRepeatsByStretches(list, n);
-
-    for (std::int32_t place = 0; place < n; ++place)
-        pairs[static_cast<std::size_t>(place)] = Pair(list[place], place);
-    ClearRepeats(RadixSort(pairs.get(), pairs.get() + count, count), count, list);
+/// Sets all but the last of equal values to 0.
+void ClearRepeats(std::int32_t* list, std::size_t count) noexcept {
+    const Span span = Span::Of(list, count);
+    if (span.IsDense(count) && ClearRepeatsByBits(list, count, span)) return;
+    if (count > kShortest && ClearRepeatsByPairs(list, count, span)) return;
+    ClearRepeatsByStretches(list, count);
 }
 
-// Moves what is positive to the front and leaves 0 where it came from. What is negative is not
-// moved: it stays unless it is moved over. Returns how many were kept.
+/// Moves positive values to the front and leaves 0 where they were. A negative value stays in its
+/// slot unless a positive one is moved there. Returns how many were kept.
 std::int32_t Pack(std::int32_t* list, std::int32_t n) noexcept {
     std::int32_t kept = 0;
-    for (std::int32_t place = 0; place < n; ++place) {
-        const std::int32_t value = list[place];
-        if (value <= 0) continue;
-        list[place] = 0;
-        list[kept++] = value;
+    for (std::int32_t i = 0; i < n; ++i) {  // no branch: half of the values may be dropped
+        const auto keep = static_cast<std::int32_t>(list[i] > 0);
+        list[kept] ^= (list[i] ^ list[kept]) & -keep;
+        kept += keep;
     }
+    for (std::int32_t i = kept; i < n; ++i) list[i] = std::min(list[i], 0);
     return kept;
 }
 
-void SortAscending(std::int32_t* list, std::size_t count) noexcept {
-    if (count > kShortest) {
-        if (const auto other = TakeScratch<std::int32_t>(count)) {
-            const std::int32_t* sorted = RadixSort(list, other.get(), count);
-            if (sorted != list) std::copy(sorted, sorted + count, list);
-            return;
-        }
-    }
+/// Null without memory, as the next one; else the end of the sorted values.
+std::int32_t* SortByBits(std::int32_t* list, std::size_t count, const Span& span) noexcept {
+    Bits bits(span.Words());
+    if (bits.Data() == nullptr) return nullptr;
+    std::fill_n(bits.Data(), span.Words(), std::uint64_t{0});
+    for (std::size_t i = 0; i < count; ++i) SetBit(bits.Data(), span.Distance(list[i]));
+    auto base = static_cast<std::uint32_t>(span.least);
+    for (std::size_t i = 0; i < span.Words(); ++i, base += 64)
+        for (std::uint64_t word = bits.Data()[i]; word != 0; word &= word - 1)
+            *list++ = static_cast<std::int32_t>(base +
+                                                static_cast<std::uint32_t>(std::countr_zero(word)));
+    return list;
+}
+
+std::int32_t* SortByRadix(std::int32_t* list, std::size_t count, const Span& span) noexcept {
+    internal::Scratch<std::uint32_t, 1> keys(2 * count);
+    if (keys.Data() == nullptr) return nullptr;
+    std::transform(list, list + count, keys.Data(),
+                   [&](auto value) { return span.Distance(value); });
+    const std::uint32_t* sorted =
+        internal::RadixSort(keys.Data(), keys.Data() + count, count, span.Distance(span.greatest));
+    for (std::size_t i = 0; i < count; ++i)
+        list[i] = static_cast<std::int32_t>(sorted[i] + static_cast<std::uint32_t>(span.least));
+    return std::unique(list, list + count);
+}
+
+/// Sorts and drops repeats. Returns the end of what is left.
+std::int32_t* SortUnique(std::int32_t* list, std::size_t count, const Span& span) noexcept {
+    std::int32_t* end = nullptr;
+    if (span.IsDense(count)) end = SortByBits(list, count, span);
+    if (end == nullptr && count > kShortest) end = SortByRadix(list, count, span);
+    if (end != nullptr) return end;
     std::sort(list, list + count);
+    return std::unique(list, list + count);
 }
 
 }  // namespace
 
 void IDupe(std::int32_t* list, std::int32_t& n) noexcept {
     if (n < 2) return;
-    ClearAllRepeats(list, n);
-    const std::int32_t* last = list + n - 1;  // never looked at as an empty place
+    ClearRepeats(list, static_cast<std::size_t>(n));
+    const std::int32_t* last = list + n - 1;  // never looked at as an empty slot
     if (std::find(list, list + n - 1, 0) == last) return;
     n = Pack(list, n);
 }
@@ -175,11 +184,16 @@ void IDupe(std::int32_t* list, std::int32_t& n) noexcept {
 void ISort(std::int32_t order, std::int32_t* list, std::int32_t& n) noexcept {
     if (n == 1 && list[0] == 0) n = 0;
     if (n < 2) return;
-    IDupe(list, n);
-    if (n < 2) return;
-
-    SortAscending(list, static_cast<std::size_t>(n));
-    if (order < 0) std::reverse(list, list + n);
+    Span span = Span::Of(list, static_cast<std::size_t>(n));
+    if (span.least <= 0) {  // positive values lose their repeats while they are sorted
+        IDupe(list, n);
+        if (n < 2) return;
+        span = Span::Of(list, static_cast<std::size_t>(n));
+    }
+    std::int32_t* end = SortUnique(list, static_cast<std::size_t>(n), span);
+    std::fill(end, list + n, 0);
+    n = static_cast<std::int32_t>(end - list);
+    if (order < 0) std::reverse(list, end);
 }
 
 }  // namespace corvale::GenFunctions

@@ -1,18 +1,17 @@
 // Integer lists: duplicates out, and sorted.
 //
-// A list is meant for positive integers; 0 marks an empty place. `n` is its count on entry and the
+// A list is meant for positive integers; 0 marks an empty slot. `n` is its count on entry and the
 // count of what is kept on return.
 //
 // Shape      `list` holds `n` elements
-// Bad input  `n` below 1: nothing happens, `list` may be null. Negative integers are described with
-//            the procedures
+// Bad input  `n` below 1: nothing happens, `list` may be null. each procedure tells what becomes of
+//            negative integers
 // Aliasing   `list` is changed in place; `n` is not one of its elements
 // Threads    no state: any number of threads at once on different lists
 //
-// Scratch    lists of more than 256 take 16 bytes an element for the length of the call. Where the
-//            memory is not to be had the result is the same and nothing fails; the time then grows
-//            with the square of the length (up to 20 s for a million). Otherwise the time grows
-//            with the length
+// Scratch    lists of more than 256 allocate up to 16 bytes an element for the length of the call.
+//            If the allocation fails the result is the same, in O(n^2) time (up to 20 s for a
+//            million); otherwise the time grows with the length
 #pragma once
 
 #include <corvale/base/Export.h>
@@ -21,13 +20,13 @@
 
 namespace corvale::GenFunctions {
 
-/// Removes empty places and duplicates; of equal values the last one stays. What is kept moves to
+/// Removes empty slots and duplicates; of equal values the last one stays. What is kept moves to
 /// the front in its order, and 0 fills the rest: (5, 3, 5) becomes (3, 5, 0) with `n` = 2.
 ///
-/// Facts of the format: place `n` is never looked at as an empty one, and where no other place is
-/// empty or repeated nothing changes: (7, 8, 0) stays as it is, with `n` = 3, and so do negative
-/// values. Otherwise negative values are dropped like zeros, but one that no kept value was moved
-/// over stays where it was: (6, 6, -1) becomes (6, 0, -1) with `n` = 1.
+/// Kept behaviour: slot `n` never counts as empty, and if no other slot is empty or repeated
+/// nothing changes: (7, 8, 0) stays as it is, with `n` = 3, and so do negative values. Otherwise
+/// negative values are dropped like zeros, but a negative value stays in its slot unless a kept
+/// value is moved there: (6, 6, -1) becomes (6, 0, -1) with `n` = 1.
 CORVALE_API void IDupe(std::int32_t* list, std::int32_t& n) noexcept;
 
 /// Does what `IDupe` does, then sorts what is kept: ascending for `order` 0 or above, descending

@@ -1,8 +1,8 @@
 #include <corvale/numeric/MatrixInversion.hpp>
 
+#include <corvale/numeric/Scratch.hpp>
 #include <corvale/numeric/matrices/InversionPanels.hpp>
 #include <corvale/numeric/matrices/InversionSteps.hpp>
-#include <corvale/numeric/matrices/Scratch.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -57,7 +57,7 @@ void FillWithNaN(const MatrixView<const double>& a, const MatrixView<double>& re
 /// Copies through memory of its own, so that the two may overlap.
 void Copy(const MatrixView<const double>& a, const MatrixView<double>& result) noexcept {
     const auto rows = static_cast<std::size_t>(a.Rows());
-    Scratch<64> scratch(rows * static_cast<std::size_t>(a.Columns()));
+    Scratch<double, 64> scratch(rows * static_cast<std::size_t>(a.Columns()));
     if (scratch.Data() == nullptr) return FillWithNaN(a, result);
     double* to = scratch.Data();
     ForEach(a.Rows(), a.Columns(), [&](auto i, auto j) { *to++ = a(i, j); });
@@ -192,7 +192,7 @@ void MtxInv(MatrixView<const double> a, MatrixView<double> result) noexcept {
     if (!IsSquare(a)) return Copy(a, result);
 
     const auto n = static_cast<std::size_t>(a.Rows());
-    Scratch<StepsRoom(kOrderWithoutHeap)> scratch(Room(n));
+    Scratch<double, StepsRoom(kOrderWithoutHeap)> scratch(Room(n));
     if (scratch.Data() == nullptr) return FillWithNaN(a, result);
     Inversion inversion(scratch.Data(), n, true);
     inversion.Reduce(a) ? inversion.WriteInOrder(result) : inversion.Write(result);
@@ -204,7 +204,7 @@ void MInv(MatrixView<const double> a, MatrixView<double> result) noexcept {
     if (!IsSquare(a)) return Fill(a, result, 0.0);
 
     const auto n = static_cast<std::size_t>(a.Rows());
-    Scratch<StepsRoom(kOrderWithoutHeap)> scratch(Room(n));
+    Scratch<double, StepsRoom(kOrderWithoutHeap)> scratch(Room(n));
     if (scratch.Data() == nullptr) return FillWithNaN(a, result);
     Inversion inversion(scratch.Data(), n, false);
     inversion.Reduce(a) ? inversion.Write(result) : Fill(a, result, 0.0);
