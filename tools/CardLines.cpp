@@ -16,20 +16,22 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 constexpr std::string_view kWideMarks[] = {"\xff\xfe", "\xfe\xff"};
 
-// Which unusual bytes a text holds. One pass without early ends, which compilers turn into vectors.
+// Which unusual bytes a text holds.
 struct UnusualBytes {
     bool hasReturn = false, hasTab = false, hasNul = false, hasHigh = false;
 };
 
+// One pass without an early end over bytes alone, which compilers turn into vectors.
 UnusualBytes UnusualBytesOf(std::string_view text) {
-    unsigned returns = 0, tabs = 0, nuls = 0, high = 0;
+    constexpr unsigned char isReturn = 1, isTab = 2, isNul = 4, isHigh = 0x80;
+    unsigned char all = 0;
     for (const char c : text) {
-        returns |= c == '\r' ? 1U : 0U;
-        tabs |= c == '\t' ? 1U : 0U;
-        nuls |= c == '\0' ? 1U : 0U;
-        high |= static_cast<unsigned char>(c) & 0x80U;
+        all |= c == '\r' ? isReturn : 0;
+        all |= c == '\t' ? isTab : 0;
+        all |= c == '\0' ? isNul : 0;
+        all |= static_cast<unsigned char>(c) & isHigh;
     }
-    return {returns != 0, tabs != 0, nuls != 0, high != 0};
+    return {(all & isReturn) != 0, (all & isTab) != 0, (all & isNul) != 0, (all & isHigh) != 0};
 }
 
 void CountBytes(const Line& line, const UnusualBytes& bytes, FileContent& content) {

@@ -33,7 +33,7 @@ struct Explained {
 /// sets; what it leaves as it was is not set.
 struct FileContent {
     std::bitset<internal::kKeyModes.size()> setsMode;  ///< to 1
-    Values values{};
+    ElementValues values;
     Elements isSet;
 
     std::uint64_t lines = 0, comments = 0, cards = 0, findings = 0;

@@ -98,10 +98,14 @@ class TextReport : public CheckReport {
   public:
     explicit TextReport(bool showsAll) : showsAll_(showsAll) {}
 
+    void BeginFile(const std::string& name) override {
+        CheckReport::BeginFile(name);
+        shownName_ = Escaped(name);
+    }
     void TakeLine(const Line& line, const Explained& explained) override {
-        const std::string place = Joined(Escaped(FileName()), ":", line.number, ":");
+        const std::string place = Joined(shownName_, ":", line.number, ":");
         if (explained.kind == LineKind::Card)
-            std::cout << Coloured(Colour::Place, place) << ' ' << EffectText(explained) << '\n';
+            std::cout << Coloured(Colour::Place, place) << ' ' << Effect(explained) << '\n';
         for (const Finding& finding : explained.findings) {
             std::cout << Coloured(Colour::Place, Joined(place, finding.column, ":")) << ' '
                       << Coloured(Colour::Warning, "warning:") << ' ' << finding.message << '\n';
@@ -112,7 +116,7 @@ class TextReport : public CheckReport {
             std::cout << place << ' ' << KindText(explained.kind) << '\n';
     }
     void EndFile(const FileContent& content) override {
-        std::cout << Coloured(Colour::Place, Escaped(FileName()) + ":") << ' '
+        std::cout << Coloured(Colour::Place, shownName_ + ":") << ' '
                   << Count(content.lines, "line") << ", " << Count(content.cards, "card") << ", "
                   << Count(content.findings, "finding") << "; loading it "
                   << (SetsAnything(content) ? "sets" : "sets nothing") << '\n';
@@ -130,7 +134,21 @@ class TextReport : public CheckReport {
         return kind == LineKind::Blank ? "blank" : "no card of this library: passed over";
     }
 
+    // Most cards do what the card before them did.
+    const std::string& Effect(const Explained& explained) {
+        const bool isSame = explained.card == last_.card && explained.sets == last_.sets &&
+                            explained.setBefore == last_.setBefore;
+        if (!isSame) {
+            last_ = {LineKind::Card, explained.card, explained.sets, explained.setBefore};
+            effect_ = EffectText(explained);
+        }
+        return effect_;
+    }
+
     bool showsAll_;
+    std::string shownName_;
+    Explained last_;
+    std::string effect_;  // of `last_`
 };
 
 }  // namespace

@@ -16,6 +16,21 @@ using internal::kCardLetters;
 using internal::kCards;
 using internal::kLongestKeyword;
 
+constexpr char kCaseBit = 0x20;  // set in small ASCII letters, clear in capitals
+
+// Whether `text` can begin with a keyword, or with a word near one. Saves the time of most lines: it
+// looks at the first characters alone.
+bool MayBeMeant(std::string_view text) {
+    const std::string_view start = text.substr(0, kLongestKeyword + 2);
+    for (std::size_t i = 0; i < start.size(); ++i) {
+        const char capital = static_cast<char>(start[i] & ~kCaseBit);
+        if (i < 3 && (capital == kCardLetters[0] || capital == kCardLetters[1])) return true;
+        if (start[i] == '_') return true;
+        if (start[i] == ' ') return false;
+    }
+    return false;
+}
+
 // Whether `word` can differ from a keyword in no more than two places: then one of the first two
 // letters is left at its beginning, or the underscore that follows them. Saves the time of most
 // lines.
@@ -97,12 +112,14 @@ std::string UpperCase(std::string_view text) {
 }
 
 const Card* CardOf(std::string_view line) {
+    if (line.empty() || (line.front() & ~kCaseBit) != kCardLetters.front()) return nullptr;
     return internal::CardOf(UpperCase(line.substr(0, kLongestKeyword)));
 }
 
 std::optional<Finding> NearCard(std::string_view line) {
     const std::size_t first = InvisibleSize(line);
     const std::string_view visible = line.substr(first);
+    if (!MayBeMeant(visible)) return std::nullopt;
     if (const Card* const card = Beginning(visible); card != nullptr)
         return first > 0 ? NotInFirstColumn(line.substr(0, first), *card)
                          : NoBlankBehind(line, *card);

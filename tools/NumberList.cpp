@@ -13,8 +13,11 @@ namespace corvale::tool {
 namespace {
 
 constexpr std::size_t kNumbersStart = std::string_view("QZ_MOIC ").size();  // counted from 0
-constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kItemEnds = " \t,/";
+
+bool IsItemEnd(char c) {
+    return c == ' ' || c == '\t' || c == ',' || c == '/';
+}
 
 std::string Plural(std::size_t count, std::string_view noun) {
     return Joined(count, " ", noun, count == 1 ? "" : "s");
@@ -47,7 +50,7 @@ std::string MoreWords(const Words& words) {
 // Walks along the items of the card and says what it meets.
 class Reading {
   public:
-    Reading(std::string_view line, std::size_t length, Values& values)
+    Reading(std::string_view line, std::size_t length, ElementValues& values)
         : whole_(line),
           record_(line.substr(0, kColumns)),
           isWhole_(length == line.size()),
@@ -72,13 +75,29 @@ class Reading {
             ++element_;
             return true;
         }
-        const std::string_view word = WordAt(at_);
         lastWord_ = at_;
+        if (const std::size_t end = at_ + DecimalLength(record_.substr(at_)); IsShortItem(end)) {
+            values_.SetDecimal(element_, record_.substr(at_, end - at_));
+            list_.isSet.set(element_++);
+            return EndItem(end);
+        }
+        const std::string_view word = WordAt(at_);
         const bool isCut = at_ + word.size() == kColumns && whole_.size() > kColumns &&
-                           kItemEnds.find(whole_[kColumns]) == std::string_view::npos;
+                           !IsItemEnd(whole_[kColumns]);
         if (!Item(word)) return Unusable(word);
         if (isCut) CutNumber(word);
-        at_ = AfterBlanks(at_ + word.size());
+        return EndItem(at_ + word.size());
+    }
+
+    // Whether what begins here and ends at `end` is an item that needs no second look, as most do.
+    [[nodiscard]] bool IsShortItem(std::size_t end) const {
+        return end > at_ && end <= at_ + ElementValues::kTextWidth &&
+               (end == whole_.size() || (end < record_.size() && IsItemEnd(record_[end])));
+    }
+
+    // An item ends at `end`; one comma may follow it. True: more items may follow.
+    bool EndItem(std::size_t end) {
+        at_ = AfterBlanks(end);
         if (at_ < record_.size() && record_[at_] == ',') ++at_;
         return true;
     }
@@ -118,7 +137,7 @@ class Reading {
         LookAtSize(word, value);
         const std::size_t end = std::min(element_ + count, kElements);
         for (; element_ < end; ++element_) {
-            values_[element_] = value;
+            values_.Set(element_, value);
             list_.isSet.set(element_);
         }
     }
@@ -131,14 +150,15 @@ class Reading {
 
     // `digits` are within `record_`.
     void LookAtSize(std::string_view digits, double value) {
+        if (value != 0.0 && !std::isinf(value)) return;
         const auto at = static_cast<std::size_t>(digits.data() - record_.data());
-        const std::string name = ValueName(digits);
         if (std::isinf(value))
             Say("too-large", at, digits.size(),
-                name + ", is too large for a real and sets an infinity");
+                ValueName(digits) + ", is too large for a real and sets an infinity");
         const std::string_view mantissa = digits.substr(0, digits.find_first_of("EeDdQq+-", 1));
         if (value == 0.0 && mantissa.find_first_of("123456789") != std::string_view::npos)
-            Say("too-small", at, digits.size(), name + ", is too small for a real and sets 0");
+            Say("too-small", at, digits.size(),
+                ValueName(digits) + ", is too small for a real and sets 0");
     }
 
     [[nodiscard]] std::string ValueName(std::string_view word) const {
@@ -232,16 +252,19 @@ class Reading {
         return words;
     }
     [[nodiscard]] std::size_t AfterBlanks(std::size_t at) const {
-        return std::min(record_.find_first_not_of(kBlanks, at), record_.size());
+        while (at < record_.size() && (record_[at] == ' ' || record_[at] == '\t')) ++at;
+        return at;
     }
     [[nodiscard]] std::string_view WordAt(std::size_t at) const {
-        return record_.substr(at, record_.find_first_of(kItemEnds, at) - at);
+        std::size_t end = at;
+        while (end < record_.size() && !IsItemEnd(record_[end])) ++end;
+        return record_.substr(at, end - at);
     }
 
     std::string_view whole_, record_;
     bool isWhole_;  // `whole_` is: else only as much as is kept of a line
     std::size_t at_;
-    Values& values_;
+    ElementValues& values_;
     std::size_t element_ = 0;    // counted from 0
     std::size_t lastWord_ = 0;   // where the last item begins
     std::size_t overshoot_ = 0;  // how many of its values are beyond the 128th
@@ -250,7 +273,12 @@ class Reading {
 
 }  // namespace
 
-NumberList ReadNumbers(std::string_view line, std::size_t length, Values& values) {
+double ElementValues::operator[](std::size_t element) const {
+    const std::size_t size = sizes_[element];
+    return size == 0 ? values_[element] : CardReal({texts_[element].data(), size});
+}
+
+NumberList ReadNumbers(std::string_view line, std::size_t length, ElementValues& values) {
     return Reading(line, length, values).Read();
 }
 

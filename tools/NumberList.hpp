@@ -2,9 +2,8 @@
 // a word, told with columns and reasons. Tests compare the two on random cards.
 #pragma once
 
-#include <corvale/core/CardTable.hpp>
+#include "ElementValues.hpp"
 
-#include <array>
 #include <bitset>
 #include <cstdint>
 #include <optional>
@@ -14,7 +13,6 @@
 
 namespace corvale::tool {
 
-inline constexpr std::size_t kElements = internal::kMoicCount;
 inline constexpr std::size_t kColumns = internal::kCardColumns;  ///< of a line that count
 
 /// Something worth saying of a line, and where it stands.
@@ -27,7 +25,6 @@ struct Finding {
 };
 
 using Elements = std::bitset<kElements>;
-using Values = std::array<double, kElements>;
 
 /// Which elements the numbers of one card set, and what of them was not used.
 struct NumberList {
@@ -37,6 +34,7 @@ struct NumberList {
 
 /// Reads the numbers of the card `line` into `values`. Its first 512 columns count; `line` may hold
 /// more of it, and `length` is that of all of it.
-[[nodiscard]] NumberList ReadNumbers(std::string_view line, std::size_t length, Values& values);
+[[nodiscard]] NumberList ReadNumbers(std::string_view line, std::size_t length,
+                                     ElementValues& values);
 
 }  // namespace corvale::tool

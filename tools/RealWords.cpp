@@ -69,12 +69,15 @@ double ToDouble(const std::string& digits, std::int64_t exponent) {
 
 }  // namespace
 
-std::size_t RealLength(std::string_view text, std::string_view exponentLetters) {
+std::size_t DecimalLength(std::string_view text) {
     const std::size_t mantissa = AfterSign(text, 0);
     const std::size_t end = AfterMantissa(text, mantissa);
-    if (text.substr(mantissa, end - mantissa).find_first_of(kDigits) == std::string_view::npos)
-        return 0;
-    if (end == text.size()) return end;
+    return end == mantissa || (end == mantissa + 1 && text[mantissa] == '.') ? 0 : end;
+}
+
+std::size_t RealLength(std::string_view text, std::string_view exponentLetters) {
+    const std::size_t end = DecimalLength(text);
+    if (end == 0 || end == text.size()) return end;
     if (exponentLetters.find(text[end]) != std::string_view::npos)
         return AfterDigits(text, AfterSign(text, end + 1));
     return IsSign(text[end]) ? AfterDigits(text, end + 1) : end;

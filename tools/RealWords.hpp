@@ -16,6 +16,9 @@ inline constexpr std::string_view kCardExponents = "EeDdQq";
 /// a digit included.
 [[nodiscard]] std::size_t RealLength(std::string_view text, std::string_view exponentLetters);
 
+/// The same for a real without an exponent: 0 where none begins.
+[[nodiscard]] std::size_t DecimalLength(std::string_view text);
+
 /// Why `text`, of which `length` characters are a real, is no real as a whole: "a second point".
 /// Not for a text that is one.
 [[nodiscard]] std::string WhyNoReal(std::string_view text, std::size_t length);

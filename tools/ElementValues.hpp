@@ -1,0 +1,39 @@
+// The values of the 128 elements while a file is explained.
+#pragma once
+
+#include <corvale/core/CardTable.hpp>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace corvale::tool {
+
+inline constexpr std::size_t kElements = internal::kMoicCount;
+
+/// Most values are overwritten before anybody asks for them: the text of a short decimal is kept and
+/// converted when it is read. In a file of cards without a fault that takes a third of the time.
+class ElementValues {
+  public:
+    /// The width of a text that is kept: such a decimal is neither too large nor too small.
+    static constexpr std::size_t kTextWidth = 24;
+
+    void Set(std::size_t element, double value) {
+        values_[element] = value;
+        sizes_[element] = 0;
+    }
+    /// A real without an exponent, of at most `kTextWidth` characters.
+    void SetDecimal(std::size_t element, std::string_view decimal) {
+        decimal.copy(texts_[element].data(), kTextWidth);
+        sizes_[element] = static_cast<std::uint8_t>(decimal.size());
+    }
+    [[nodiscard]] double operator[](std::size_t element) const;
+
+  private:
+    std::array<double, kElements> values_{};
+    std::array<std::array<char, kTextWidth>, kElements> texts_{};
+    std::array<std::uint8_t, kElements> sizes_{};  // 0: the value is in `values_`
+};
+
+}  // namespace corvale::tool
