@@ -132,8 +132,16 @@ template <std::unsigned_integral Word = std::uint64_t>
     return static_cast<Word>(~Word{0} / 0xFFU * byte);
 }
 
-/// 0 if no byte of a little word is above `limit`; otherwise the lowest bit set is the upper bit of
-/// the first byte that is. A byte above 127 carries into the next one, whose bit may be wrong then.
+/// The upper bit of each byte that is above `limit`.
+template <unsigned char limit, std::unsigned_integral Word>
+[[nodiscard]] constexpr Word MarkAbove(Word word) noexcept {
+    static_assert(limit < 128);
+    return (((word & EachByte<Word>(127)) + EachByte<Word>(127 - limit)) | word) &
+           EachByte<Word>(128);
+}
+
+/// The same for the first of these bytes in a little word, which is enough to find it or to know
+/// that there is none. A byte above 127 carries into the next one, whose mark may be wrong then.
 template <unsigned char limit, std::unsigned_integral Word>
 [[nodiscard]] constexpr Word MarkFirstAbove(Word word) noexcept {
     static_assert(limit < 128);
@@ -143,6 +151,20 @@ template <unsigned char limit, std::unsigned_integral Word>
 /// How many bytes are 0 before the first other one: 0 to 8.
 [[nodiscard]] constexpr std::size_t ZeroBytesFirst(std::uint64_t word) noexcept {
     return static_cast<std::size_t>(std::countr_zero(word)) / 8;
+}
+
+/// How many bytes are 0 after the last other one: 0 to 8.
+[[nodiscard]] constexpr std::size_t ZeroBytesLast(std::uint64_t word) noexcept {
+    return static_cast<std::size_t>(std::countl_zero(word)) / 8;
+}
+
+/// `a` where `isFirst` is 1, `b` where it is 0. In bits, because compilers make branches of
+/// conditional expressions, which cost much where they cannot be predicted.
+template <class T>
+[[nodiscard]] inline const T* Choose(std::uint64_t isFirst, const T* a, const T* b) noexcept {
+    const auto first = reinterpret_cast<std::uintptr_t>(a);
+    const auto second = reinterpret_cast<std::uintptr_t>(b);
+    return reinterpret_cast<const T*>(second ^ ((first ^ second) & (0 - std::uintptr_t{isFirst})));
 }
 
 /// The sum of the four lanes of 16 bits, itself below 2^16: the product adds all of them in its

@@ -12,7 +12,7 @@
 
 namespace corvale::internal {
 
-/// The power of ten that makes room for up to eight digits.
+/// The power of ten that moves a number up by so many digits, up to 8.
 constexpr std::uint64_t kSmallPowersOfTen[] = {1,      10,      100,      1000,     10000,
                                                100000, 1000000, 10000000, 100000000};
 
@@ -27,7 +27,9 @@ template <std::unsigned_integral Word>
     return static_cast<unsigned>(ZeroBytesFirst(MarkFirstAbove<9>(values)));
 }
 
-/// The number that the first `count` digits make, up to 8 of them.
+/// The number that the first `count` digits make, up to 8 of them. With zeros before them they are
+/// eight digits; a multiplication joins pairs, and one for each other pair joins those: the sum of
+/// the products is a word whose upper half is the number.
 [[nodiscard]] constexpr std::uint64_t NumberOf(std::uint64_t values, unsigned count) noexcept {
     const std::uint64_t digits = PutZerosFirst(values, 8 - count);
     const std::uint64_t pairs = digits * 10 + (digits >> 8U);
@@ -39,7 +41,7 @@ template <std::unsigned_integral Word>
 
 /// The eight digits of a number below 10^8, leading zeros included, as characters.
 [[nodiscard]] constexpr std::uint64_t EightDigits(std::uint64_t number) noexcept {
-    // Each step splits all parts at once.
+    // Each step splits all parts at once: two of four digits, four of two, eight of one.
     const std::uint64_t fours = number / 10000 | number % 10000 << 32U;
     const std::uint64_t hundreds = DivideLanes32By100(fours);
     const std::uint64_t twos = hundreds | (fours - hundreds * 100) << 16U;
@@ -58,10 +60,10 @@ template <std::unsigned_integral Word>
     return at;
 }
 
-/// Takes the digits of `text` from `at` on into `number` (modulo 2^64, behind what it holds) and
-/// returns the position after them.
-[[nodiscard]] inline std::size_t TakeDigits(std::string_view text, std::size_t at,
-                                            std::uint64_t& number) noexcept {
+/// Appends the digits of `text` from `at` on to `number`, modulo 2^64, and returns the position
+/// after them.
+[[nodiscard]] inline std::size_t AppendDigits(std::string_view text, std::size_t at,
+                                              std::uint64_t& number) noexcept {
     unsigned count = 8;
     while (count == 8) {
         const std::uint64_t values = DigitValues(LoadPadded(text, at));

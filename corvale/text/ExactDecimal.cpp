@@ -11,8 +11,18 @@ namespace corvale::internal {
 
 namespace {
 
-// A whole number of any size that is met here. A mantissa has 512 digits at most, and the least
-// exponent that counts is -342 for the first 19 of them: the greatest is 5^835 times 54 bits.
+// Long arithmetic, as on paper: what reaches it is too rare for more.
+//
+// digits x 10^e and the middle (2 s + 1) x 2^b are compared as whole numbers: each is multiplied by
+// the powers of 5 and 2 that are denominators in the other.
+//
+// The greatest of them: a mantissa has 512 digits at most, and -342 is the least exponent of its
+// first 19 that is not 0 for any digits; so the least of all digits is -342 + 19 - 512, and the
+// middle is multiplied by 5^835 at most. That has 1,939 bits, and the other side is as long;
+// proofs/numbers counts them.
+constexpr std::size_t kMostBits = 1939 + 54 + 64;
+
+// A whole number from 0 up.
 class WholeNumber {
   public:
     explicit WholeNumber(std::uint64_t value) noexcept : words_{value} {}
@@ -37,18 +47,20 @@ class WholeNumber {
     }
 
   private:
-    std::array<std::uint64_t, 44> words_;  // the least first; 2,816 bits
+    std::array<std::uint64_t, kMostBits / 64 + 1> words_;  // the least first, [0, size_) in use
     std::size_t size_ = 1;
 };
 
-// The number is digits x 10^exponent.
+// digits x 10^exponent.
 struct Decimal {
     WholeNumber digits{0};
     std::int64_t exponent = 0;
 };
 
+// All digits of `number` from the first other than 0 on: the exponent of the first 19, which the
+// scan has found, less one for each of the others.
 Decimal AllDigits(const ScannedReal& number) noexcept {
-    if (!number.isCut) return {WholeNumber(number.digits), number.exponent};
+    if (!number.isTruncated) return {WholeNumber(number.digits), number.exponent};
     assert(number.mantissa.size() <= kLongestMantissa);
     Decimal all;
     std::int64_t count = 0;

@@ -1,6 +1,6 @@
 // Internal to the library: not installed, may change in any commit.
 //
-// The last word where leading digits do not decide how a decimal number rounds.
+// Exact tie-break for decimals whose first 19 digits do not determine the rounding.
 #pragma once
 
 #include <corvale/text/RealConversion.hpp>

@@ -1,6 +1,7 @@
 // Internal to the library: not installed, may change in any commit.
 //
 // The powers of five that turn decimal exponents into binary ones, made while compiling. 10 KB.
+// proofs/numbers compares them with powers of whole numbers.
 #pragma once
 
 #include <corvale/base/Uint128.hpp>
@@ -18,8 +19,8 @@ struct PowerOfFive {
     std::uint64_t low;
 };
 
-// With 19 digits before it, a smaller exponent gives less than half the least double, a larger one
-// more than the greatest.
+// The exponents that matter: of a number of 19 digits or fewer a smaller exponent gives less than
+// half the least double, a larger one more than the greatest.
 constexpr int kLeastTenExponent = -342;
 constexpr int kGreatestTenExponent = 308;
 
@@ -41,7 +42,7 @@ consteval void MultiplyByFive(Wide& value) noexcept {
     }
 }
 
-// value = value / 5, rounded down. Down once more each time is down from the exact quotient.
+// value = value / 5, rounded down. Rounding down at each step is the same as once at the end.
 consteval void DivideByFive(Wide& value) noexcept {
     std::uint64_t remainder = 0;
     for (std::size_t i = value.size(); i > 0; --i) {
@@ -60,8 +61,7 @@ consteval PowerOfFive LeadingBits(const Wide& value) noexcept {
     return {word(0) << shift | word(1) >> (64 - shift), word(1) << shift | word(2) >> (64 - shift)};
 }
 
-// The next 128-bit number, for powers that the leading bits do not hold whole. None of them ends in
-// 128 ones.
+// The next number of 128 bits, for powers that have more. None of them is 128 ones, so it is one.
 consteval PowerOfFive RoundUp(PowerOfFive power) noexcept {
     ++power.low;
     if (power.low == 0) ++power.high;

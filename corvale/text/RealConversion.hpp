@@ -1,8 +1,9 @@
 // Internal to the library: not installed, may change in any commit.
 //
-// The one place where a decimal number becomes a double. Readers scan with ScanReal and decide, at
-// their call, what may follow the number (AlignedDecimal.hpp takes the commonest field of the same
-// grammar ahead of it); the value is formed by ToDouble, only when it is wanted.
+// The one place where a decimal number becomes a double. Readers scan a number with ScanReal and
+// check what follows it; ToDouble forms the value, only when it is wanted. AlignedDecimal.hpp reads
+// the commonest fields of the same grammar without a scan. RealConversion.cpp tells how the value is
+// rounded.
 //
 // The grammar, after an optional sign:
 //   mantissa  digits with at most one point; no implied decimals
@@ -32,33 +33,33 @@ struct RealRules {
 /// A number as it was scanned, before any rounding.
 struct ScannedReal {
     std::uint64_t digits = 0;   ///< the first 19 significant digits, or all where they are fewer
-    std::int64_t exponent = 0;  ///< the value is digits x 10^exponent, or above it where `isCut`
+    std::int64_t exponent = 0;  ///< the value is digits x 10^exponent, above it if truncated
     bool isNegative = false;
-    bool isCut = false;              ///< there are digits other than 0 after the 19th; then:
+    bool isTruncated = false;        ///< there are digits other than 0 after the 19th; then:
     std::string_view mantissa = {};  ///< all digits, and the point, in the scanned text
 };
 
 /// The longest mantissa that may become a double: no reader gives more of a line than that.
 constexpr std::size_t kLongestMantissa = 512;
 
-/// A mantissa of more than 19 digits.
+/// The number of a mantissa with more than 19 digits.
 [[nodiscard]] ScannedReal KeepFirstDigits(std::string_view mantissa, bool isNegative) noexcept;
 
 /// The nearest double to digits x 10^exponent.
 [[nodiscard]] double DecimalToDouble(std::uint64_t digits, std::int64_t exponent,
                                      bool isNegative) noexcept;
 
-/// The nearest double to a number that is cut.
-[[nodiscard]] double CutToDouble(const ScannedReal& number) noexcept;
+/// The nearest double to a truncated number.
+[[nodiscard]] double TruncatedToDouble(const ScannedReal& number) noexcept;
 
-/// The nearest double. A mantissa that is cut has no more than kLongestMantissa characters.
+/// The nearest double. A truncated mantissa has no more than kLongestMantissa characters.
 [[nodiscard]] inline double ToDouble(const ScannedReal& number) noexcept {
-    if (number.isCut) return CutToDouble(number);
+    if (number.isTruncated) return TruncatedToDouble(number);
     return DecimalToDouble(number.digits, number.exponent, number.isNegative);
 }
 
-// What follows is compiled into each reader, where the rules are constants: a third of the time of
-// a field; bench: RealField/Corvale.
+// What follows is compiled into each reader, where the rules are constants, which saves a third of
+// the time of a field; bench: RealField/Corvale.
 
 [[nodiscard]] constexpr bool IsSign(char c) noexcept {
     return c == '+' || c == '-';
@@ -69,18 +70,19 @@ constexpr std::size_t kLongestMantissa = 512;
     return lower == 'e' || lower == 'd' || (exponentQ && lower == 'q');
 }
 
-/// Takes the mantissa at `at` and returns the position after it; `npos` where it has no digit and
-/// needs one.
+/// Reads the mantissa at `at` and returns the position after it; `npos` where it has no digit and
+/// needs one. The digits before and after the point are one number; more than 19 do not fit it, so
+/// such a mantissa is read again.
 [[nodiscard, gnu::always_inline]] inline std::size_t ScanMantissa(std::string_view text,
                                                                   std::size_t at, RealRules rules,
                                                                   ScannedReal& number) noexcept {
     constexpr std::size_t kKeptDigits = 19;  // the most that always fit 64 bits
     const std::size_t first = at;
-    at = TakeDigits(text, at, number.digits);
+    at = AppendDigits(text, at, number.digits);
     std::size_t count = at - first;
     if (at < text.size() && text[at] == '.') {
         const std::size_t fraction = at + 1;
-        at = TakeDigits(text, fraction, number.digits);
+        at = AppendDigits(text, fraction, number.digits);
         number.exponent = -static_cast<std::int64_t>(at - fraction);
         count = at - first - 1;
     }
@@ -93,7 +95,7 @@ constexpr std::size_t kLongestMantissa = 512;
     return at;
 }
 
-/// Takes the exponent at `at`, if one is there, and returns the position after it.
+/// Adds the exponent at `at`, if one is there, and returns the position after it.
 [[nodiscard]] inline std::size_t ScanExponent(std::string_view text, std::size_t at, bool exponentQ,
                                               std::int64_t& exponent) noexcept {
     const bool hasLetter = IsExponentLetter(text[at], exponentQ);
@@ -102,18 +104,18 @@ constexpr std::size_t kLongestMantissa = 512;
     bool isNegative = false;
     if (at < text.size() && IsSign(text[at])) isNegative = text[at++] == '-';
 
-    // Beyond this it is endless, whatever the mantissa of a text in memory is.
-    constexpr std::int64_t kEndless = 1'000'000'000'000'000;
+    // Saturates: beyond this every mantissa that fits in memory overflows or underflows.
+    constexpr std::int64_t kLimit = 1'000'000'000'000'000;
     std::int64_t value = 0;
     for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at)
-        if (value < kEndless) value = value * 10 + (text[at] - '0');
+        if (value < kLimit) value = value * 10 + (text[at] - '0');
     exponent += isNegative ? -value : value;
     return at;
 }
 
-/// Scans the number that begins at position `at` <= size of `text` and takes every character that
-/// continues it. Returns the position after the last one taken; `npos` where no number begins. What
-/// stands before `at` is not looked at, but must be readable.
+/// Scans the longest number that begins at position `at` <= size of `text`. Returns the position
+/// after it; `npos` where no number begins. The characters before `at` do not matter, but must be
+/// readable.
 [[nodiscard, gnu::always_inline]] inline std::size_t ScanReal(std::string_view text, std::size_t at,
                                                               RealRules rules,
                                                               ScannedReal& number) noexcept {
