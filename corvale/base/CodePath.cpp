@@ -10,7 +10,12 @@ constinit std::atomic<Avx2> knownAvx2{Avx2::Unknown};
 
 namespace {
 
-// What the system saves when it changes between threads: the SSE and the AVX registers.
+// AVX2 code needs two answers: that the processor has the instructions, and that the system saves
+// their registers when it changes between threads (Intel, "Software Developer's Manual", volume 1,
+// "Detection of AVX2"). Not __builtin_cpu_supports, which asks for every feature that there is while
+// the library is loaded; CodePath.hpp says what a question costs.
+//
+// In the register XCR0: the bits for the SSE and the AVX registers.
 constexpr unsigned kSavesVectors = 0x6;
 
 [[gnu::target("xsave")]] bool SystemSavesVectors() noexcept {

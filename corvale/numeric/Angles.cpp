@@ -10,7 +10,9 @@ namespace corvale::GenFunctions {
 
 namespace {
 
-using internal::Characters;
+using internal::Asterisks;
+using internal::OneCharacter;
+using internal::Part;
 using internal::TextOf;
 using internal::ThreeDigits;
 using internal::TwoDigits;
@@ -20,17 +22,23 @@ constexpr double kTwoPi = 6.283185307179586;
 constexpr double kHalfPi = 1.5707963267948966;
 static_assert(kTwoPi == 0x1.921fb54442d18p+2 && kHalfPi == 0x1.921fb54442d18p+0);
 
-// From here seconds round to 60 as whole seconds, and the degree text carries.
+// The two texts round by two rules each (kept behaviour): one decides whether the seconds carry into
+// the minutes, the other rounds the digits that are shown.
+//
+//            carries from     because they round to 60 as    digits shown, where nothing carries
+// degrees    59.5 seconds     whole seconds                  thousandths, a tie to even
+// hours      59.95 seconds    tenths                         tenths, a tie up
+//
+// So degrees with 59.76 seconds show as the next minute and 00.000, although 59.760 would fit; the
+// thousandths of what does not carry are 59,500 at most, and the tenths 600 at most, which carry.
 constexpr double kDegreeCarrySeconds = 59.5;
-// From here seconds print as 60.0 with one decimal, and the hour form carries.
 constexpr double kHourCarrySeconds = 59.95;
-// What a field shows that cannot hold its number.
-constexpr Characters kMarks = 0x2A2A2A2A2A2A2A2A;
 
-// Added to fractional minutes, so that whole minutes that came out a little low stay whole.
+// Added to fractional minutes, so that whole minutes that came out a little low stay whole (kept
+// behaviour: it shows in the results as 6e-11 seconds).
 constexpr double kMinuteGuard = 1e-12;
 
-// The remainder of `x` by `modulus`, with the sign of `x`. What is smaller already is its own
+// The remainder of `x` by `modulus`, exact, with the sign of `x`. What is smaller already is its own
 // remainder, which saves the division: a fifth of the hour text's time; bench: DegToHHMMSSS_Str.
 double Reduced(double x, double modulus) noexcept {
     return std::fabs(x) < modulus ? x : std::fmod(x, modulus);
@@ -48,6 +56,7 @@ bool HasWholeDegrees(double deg) noexcept {
     return deg > -2147483649.0 && deg < 2147483648.0;
 }
 
+// The steps and their order are the result: each rounds, so another order changes last bits.
 DegreeParts SplitDegrees(double deg) noexcept {
     const auto degrees = static_cast<std::int32_t>(deg);
     const double fraction = deg - degrees;
@@ -55,8 +64,9 @@ DegreeParts SplitDegrees(double deg) noexcept {
     return {degrees, minutes, std::fabs((fraction - minutes / 60.0) * 3600.0)};
 }
 
-// Thousandths of `seconds`, rounded to nearest, a tie to even. The double is m x 2^-shift and
-// m x 1000 fits 64 bits, so the rounding is exact whatever rounding mode the thread has set.
+// Thousandths of `seconds`, 0 to 60, rounded to nearest, a tie to even. The double is
+// m x 2^-shift, m has 53 bits and m x 1000 fits 64, so the rounding is exact in every rounding mode
+// of the thread. Without a branch on it: which way it goes is random.
 std::uint32_t Thousandths(double seconds) noexcept {
     const auto bits = std::bit_cast<std::uint64_t>(seconds);
     const auto exponent = static_cast<int>(bits >> 52U);
@@ -68,8 +78,8 @@ std::uint32_t Thousandths(double seconds) noexcept {
     const std::uint64_t whole = product >> shift;
     const std::uint64_t rest = product - (whole << shift);
     const std::uint64_t half = std::uint64_t{1} << (shift - 1);
-    const std::uint64_t isUp = rest + (whole & 1U) > half ? 1 : 0;  // no branch: it is random
-    return static_cast<std::uint32_t>(whole + isUp);
+    const std::uint64_t increment = rest + (whole & 1U) > half ? 1 : 0;
+    return static_cast<std::uint32_t>(whole + increment);
 }
 
 struct HourParts {
@@ -90,13 +100,15 @@ HourParts SplitHours(double deg) noexcept {
     return {hours, minutes, (allMinutes - minutes) * 60.0};
 }
 
-// Half and more rounds up. Not `x + 0.5`, which lifts 0.49999999999999994 to 1.
+// `x`, 0 to 600, rounded to nearest, a tie up. Not as `x + 0.5`, which lifts 0.49999999999999994
+// to 1. Without a branch on the rounding, either.
 std::uint32_t RoundHalfUp(double x) noexcept {
     const auto whole = static_cast<std::int32_t>(x);
-    const std::int32_t isUp = x - whole >= 0.5 ? 1 : 0;  // no branch: it is random
-    return static_cast<std::uint32_t>(whole + isUp);
+    const std::int32_t increment = x - whole >= 0.5 ? 1 : 0;
+    return static_cast<std::uint32_t>(whole + increment);
 }
 
+// |value|, of the least integer, too.
 std::uint32_t Magnitude(std::int32_t value) noexcept {
     const auto bits = static_cast<std::uint32_t>(value);
     return value < 0 ? 0U - bits : bits;
@@ -139,8 +151,8 @@ void DegToDDMMSSS(double deg, std::int32_t& dd, std::int32_t& mm, double& ss) no
 }
 
 std::array<char, 11> DegToDDMMSSSSS_Str(double deg) noexcept {
-    const Characters sign = deg < 0.0 ? Characters{'-'} : Characters{'0'};
-    if (!HasWholeDegrees(deg)) return TextOf<11>((kMarks & ~Characters{0xFF}) | sign, kMarks);
+    const Part<1> sign = OneCharacter(deg < 0.0 ? '-' : '0');
+    if (!HasWholeDegrees(deg)) return TextOf(sign, Asterisks<7>(), Asterisks<3>());
 
     const DegreeParts parts = SplitDegrees(deg);
     const bool carries = parts.seconds >= kDegreeCarrySeconds;
@@ -148,10 +160,9 @@ std::array<char, 11> DegToDDMMSSSSS_Str(double deg) noexcept {
     const std::uint32_t degrees = Magnitude(parts.degrees) + allMinutes / 60;
     const std::uint32_t thousandths = carries ? 0 : Thousandths(parts.seconds);
 
-    const Characters degreeDigits = degrees < 100 ? TwoDigits(degrees) : kMarks & 0xFFFF;
-    return TextOf<11>(sign | degreeDigits << 8U | TwoDigits(allMinutes % 60) << 24U |
-                          TwoDigits(thousandths / 1000) << 40U | Characters{'.'} << 56U,
-                      ThreeDigits(thousandths % 1000));
+    return TextOf(sign, degrees < 100 ? TwoDigits(degrees) : Asterisks<2>(),
+                  TwoDigits(allMinutes % 60), TwoDigits(thousandths / 1000), OneCharacter('.'),
+                  ThreeDigits(thousandths % 1000));
 }
 
 void DegToHHMMSSS(double deg, std::int32_t& hh, std::int32_t& mm, double& ss) noexcept {
@@ -168,7 +179,7 @@ void DegToHHMMSSS(double deg, std::int32_t& hh, std::int32_t& mm, double& ss) no
 
 std::array<char, 7> DegToHHMMSSS_Str(double deg) noexcept {
     const HourParts parts = SplitHours(deg);
-    if (std::isnan(parts.seconds)) return TextOf<7>(kMarks);
+    if (std::isnan(parts.seconds)) return TextOf(Asterisks<7>());
 
     std::uint32_t tenths = 600;
     if (parts.seconds < kHourCarrySeconds) tenths = RoundHalfUp(parts.seconds * 10.0);
@@ -177,8 +188,7 @@ std::array<char, 7> DegToHHMMSSS_Str(double deg) noexcept {
     const std::uint32_t minutes = Magnitude(parts.minutes) + (carries ? 1 : 0);
     const std::uint32_t hours = (Magnitude(parts.hours) + minutes / 60) % 24;
 
-    return TextOf<7>(TwoDigits(hours) | TwoDigits(minutes % 60) << 16U |
-                     ThreeDigits(tenths) << 32U);
+    return TextOf(TwoDigits(hours), TwoDigits(minutes % 60), ThreeDigits(tenths));
 }
 
 }  // namespace corvale::GenFunctions

@@ -64,7 +64,7 @@ CORVALE_API void DegToDDMMSSS(double deg, std::int32_t& dd, std::int32_t& mm, do
 /// and seconds with three decimals, rounded to nearest, a tie to even. 10.5 gives "0103000.000",
 /// -0.5 gives "-003000.000".
 ///
-/// A fact of the format: seconds that round to 60 as whole seconds, from 59.5 up, carry into the
+/// Kept behaviour: seconds that round to 60 as whole seconds, from 59.5 up, carry into the
 /// minutes and show as 00.000. So 59.76 seconds show as the next minute.
 ///
 /// Units      degrees
@@ -77,7 +77,7 @@ CORVALE_API void DegToDDMMSSS(double deg, std::int32_t& dd, std::int32_t& mm, do
 /// and seconds `ss`. Seconds from 59.95 up become 0 and carry into minutes and hours, and 24 hours
 /// into 0.
 ///
-/// A fact of the format: 1e-12 minutes are added before the split, so whole minutes come out with
+/// Kept behaviour: 1e-12 minutes are added before the split, so whole minutes come out with
 /// 6e-11 seconds (15 gives 1, 0, 6e-11). Where nothing carries the counts stay as they are: within
 /// rounding of a whole turn or hour `hh` can be 24 and `mm` 60.
 ///

@@ -1,53 +1,77 @@
 // Internal to numeric/: not installed, may change in any commit.
 //
-// Counts as digits of a fixed width, with leading zeros, collected in words. A short text is
-// returned in registers; one that is written byte by byte, or in pieces that overlap, first waits
-// until all bytes have reached memory, which takes longer than everything else (bench: NumToAlpha5
-// and DegToHHMMSSS_Str in bench/SmallBench.cpp).
+// Counts as digits of a fixed width, with leading zeros, put together to short texts.
+//
+// Idea  Each part of a text is a word with its width as a template argument; TextOf shifts the
+//       parts together while compiling, and stores each word of the text once.
+// Why   A short text is returned in registers. One that is written byte by byte, or in pieces that
+//       overlap, must reach memory before it can be loaded there, which takes longer than
+//       everything else; bench: NumToAlpha5 and DegToHHMMSSS_Str in bench/SmallBench.cpp.
 #pragma once
 
 #include <corvale/base/Words.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
 namespace corvale::internal {
 
-/// Up to eight characters, the first in the lowest byte.
-using Characters = std::uint64_t;
+/// `Width` characters as a little word; zeros follow.
+template <std::size_t Width>
+struct Part {
+    static_assert(Width <= 8);
+    std::uint64_t word;
+};
 
-/// The digit of `value` below 10.
-[[nodiscard]] constexpr Characters OneDigit(std::uint32_t value) noexcept {
-    return '0' + value;
+[[nodiscard]] constexpr Part<1> OneCharacter(char c) noexcept {
+    return {static_cast<unsigned char>(c)};
 }
 
-/// "00" to "99".
+/// What a field shows that cannot hold its number.
+template <std::size_t Width>
+[[nodiscard]] constexpr Part<Width> Asterisks() noexcept {
+    return {EachByte('*') >> 8 * (8 - Width)};
+}
+
+/// "00" to "99" as little words.
 inline constexpr auto kTwoDigits = [] {
     std::array<std::uint16_t, 100> pairs{};
     for (std::uint32_t value = 0; value < pairs.size(); ++value)
-        pairs[value] =
-            static_cast<std::uint16_t>(OneDigit(value / 10) | OneDigit(value % 10) << 8U);
+        pairs[value] = static_cast<std::uint16_t>(('0' + value / 10) | ('0' + value % 10) << 8U);
     return pairs;
 }();
 
 /// The two digits of `value` below 100.
-[[nodiscard]] constexpr Characters TwoDigits(std::uint32_t value) noexcept {
-    return kTwoDigits[value];
+[[nodiscard]] constexpr Part<2> TwoDigits(std::uint32_t value) noexcept {
+    return {kTwoDigits[value]};
 }
 
 /// The three digits of `value` below 1000.
-[[nodiscard]] constexpr Characters ThreeDigits(std::uint32_t value) noexcept {
+[[nodiscard]] constexpr Part<3> ThreeDigits(std::uint32_t value) noexcept {
     const std::uint32_t tens = value / 10;
-    return TwoDigits(tens) | OneDigit(value - 10 * tens) << 16U;
+    return {kTwoDigits[tens] | std::uint64_t{'0' + (value - 10 * tens)} << 16U};
 }
 
-/// The characters of one or two words as a text.
-template <std::size_t Width>
-[[nodiscard]] std::array<char, Width> TextOf(Characters first, Characters second = 0) noexcept {
-    std::array<char, Width> text;
-    StoreFirst<(Width < 8 ? Width : 8)>(first, text.data());
-    if constexpr (Width > 8) StoreFirst<Width - 8>(second, text.data() + 8);
+/// The text of the parts from left to right. None reaches from the first eight characters into the
+/// next ones.
+template <std::size_t... Widths>
+[[nodiscard]] auto TextOf(Part<Widths>... parts) noexcept {
+    constexpr std::size_t kWidth = (Widths + ...);
+    static_assert(kWidth <= 16);
+    std::uint64_t words[2] = {};
+    std::size_t at = 0;
+    const auto add = [&](std::uint64_t word, std::size_t width) {
+        words[at / 8] |= word << 8 * (at % 8);
+        at += width;
+    };
+    (add(parts.word, Widths), ...);
+
+    std::array<char, kWidth> text;
+    constexpr std::size_t kFirst = std::min<std::size_t>(kWidth, 8);
+    StoreFirst<kFirst>(words[0], text.data());
+    if constexpr (kWidth > 8) StoreFirst<kWidth - 8>(words[1], text.data() + 8);
     return text;
 }
 

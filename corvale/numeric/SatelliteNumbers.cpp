@@ -31,8 +31,8 @@ bool IsDigit(char c) noexcept {
     return c >= '0' && c <= '9';
 }
 
-// Digits and blanks with one sign before the digits; blanks alone are 0. At most five characters,
-// so no value is too large.
+// An integer in digits and blanks, with at most one sign before the digits; blanks alone are 0. At
+// most five characters, so no value is too large.
 std::optional<std::int32_t> ReadIntegerField(std::string_view field) noexcept {
     char sign = 0;
     bool hasDigit = false;
@@ -52,6 +52,8 @@ std::optional<std::int32_t> ReadIntegerField(std::string_view field) noexcept {
     return sign == '-' ? -value : value;
 }
 
+// The integer of the code, or else the letter and the integer after it; 0 where neither is there.
+// The rules of each are the same, so "A-001" is 100000 - 1.
 std::int32_t ReadByRules(std::string_view code) noexcept {
     if (const auto number = ReadIntegerField(code)) return *number;
 
@@ -64,7 +66,7 @@ std::int32_t ReadByRules(std::string_view code) noexcept {
 
 constexpr std::int32_t kNotPlain = -1;
 
-// Four digits as a number, all at once.
+// Four digits as a number, or kNotPlain. Joined in their word: first pairs, then both pairs.
 std::int32_t ReadFourDigits(const char* digits) noexcept {
     const std::uint32_t values = internal::DigitValues(internal::LoadLittle<std::uint32_t>(digits));
     if (internal::MarkFirstAbove<9>(values) != 0) return kNotPlain;
@@ -73,8 +75,8 @@ std::int32_t ReadFourDigits(const char* digits) noexcept {
     return static_cast<std::int32_t>((pairs * 100 + (pairs >> 16U)) & 0xFFFFU);
 }
 
-// Nearly every code: a digit or a letter, and four digits. Saves most of the time that the rules
-// take; bench: Alpha5ToNum in bench/SmallBench.cpp.
+// Nearly every code is a digit or a letter and four digits, and is read without a loop, which saves
+// most of the time of the rules; bench: Alpha5ToNum in bench/SmallBench.cpp. kNotPlain for others.
 std::int32_t ReadPlainCode(std::string_view code) noexcept {
     if (code.size() != 5) return kNotPlain;
     const std::int32_t leading = LeadingValue(code[0]);
@@ -88,11 +90,11 @@ std::array<char, 5> NumToAlpha5(std::int32_t number) noexcept {
     const auto value = static_cast<std::uint32_t>(number < 0 ? 0 : number);
     const std::uint32_t units = value / std::uint32_t{kUnit};
     const std::uint32_t rest = value % std::uint32_t{kUnit};
+    // Beyond the letters only the last five digits are shown.
     const char leading = kLeading[units < kLeading.size() ? units : units % 10];
 
-    return internal::TextOf<5>(static_cast<unsigned char>(leading) |
-                               internal::TwoDigits(rest / 100) << 8U |
-                               internal::TwoDigits(rest % 100) << 24U);
+    return internal::TextOf(internal::OneCharacter(leading), internal::TwoDigits(rest / 100),
+                            internal::TwoDigits(rest % 100));
 }
 
 std::int32_t Alpha5ToNum(std::string_view text) noexcept {

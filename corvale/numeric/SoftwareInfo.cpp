@@ -18,11 +18,12 @@ void GetSoftwareInfo(std::string_view libName, std::span<char, 128> info,
         "Arvenit ", libName,         " - Version: ", version.value_or("v9.4"), " - Build: ",
         kBuildDate, " - Platform: ", kPlatform,      " - Compiler: ",          kCompiler};
 
+    // Cut where the line is full, so that a long name loses what follows it.
     std::size_t end = 0;
     for (const std::string_view piece : pieces) {
-        const std::size_t room = std::min(piece.size(), info.size() - end);
-        std::copy_n(piece.begin(), room, info.begin() + static_cast<std::ptrdiff_t>(end));
-        end += room;
+        const std::size_t count = std::min(piece.size(), info.size() - end);
+        std::copy_n(piece.begin(), count, info.begin() + static_cast<std::ptrdiff_t>(end));
+        end += count;
     }
     std::fill(info.begin() + static_cast<std::ptrdiff_t>(end), info.end(), ' ');
 }

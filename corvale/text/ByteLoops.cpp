@@ -13,7 +13,8 @@ namespace corvale::internal {
 
 namespace {
 
-// Vectors by reference: how a call would pass them depends on the processor.
+// One change of each byte in a vector. A select and no branch: all bytes are changed, and those that
+// do not match are changed to themselves.
 template <class Bytes>
 CORVALE_INLINE void Apply(Replacement change, Bytes& bytes) noexcept {
     const Bytes to = change.to - Bytes{};
@@ -22,12 +23,12 @@ CORVALE_INLINE void Apply(Replacement change, Bytes& bytes) noexcept {
 
 template <class Bytes>
 CORVALE_INLINE void Apply(CaseChange change, Bytes& bytes) noexcept {
-    // Not the type of a comparison: in Clang that is char, which has no sign on some processors.
+    // Not the type that a comparison gives: in Clang that is char, unsigned on some processors.
     using Signed [[gnu::vector_size(sizeof(Bytes))]] = signed char;
     bytes ^= Bytes(Signed(bytes + change.toTop) > change.below) & change.caseBit;
 }
 
-// Changes `Width` bytes at a time.
+// Changes `Width` bytes at a time, four times a round.
 template <std::size_t Width, class Change>
 struct Changer {
     using Bytes [[gnu::vector_size(Width)]] = unsigned char;
@@ -45,8 +46,8 @@ struct Changer {
         One(in + 2 * Width, out + 2 * Width);
         One(in + 3 * Width, out + 3 * Width);
     }
-    // All of `n` >= Width. The last vector ends with the text and may overlap the one before it:
-    // what is changed twice there is the same as changed once.
+    // All `n` >= Width bytes. The last vector ends with the text and may overlap the one before it:
+    // a byte that is changed twice is the same as one that is changed once.
     CORVALE_INLINE void All(const char* in, char* out, std::size_t n) const noexcept {
         std::size_t i = 0;
         for (; i + 4 * Width <= n; i += 4 * Width) Four(in + i, out + i);
@@ -55,6 +56,7 @@ struct Changer {
     }
 };
 
+// The width for the size of the text: a vector of the path, a word, or one byte.
 template <class Path>
 struct ChangeLoop {
     static constexpr std::size_t kWidth = Path::kVectorBytes;
@@ -71,7 +73,8 @@ struct ChangeLoop {
 #if CORVALE_HAS_AVX2_PATH
 constexpr std::size_t kBlock = 256;
 
-// In what the characters of a block differ from blanks.
+// The bits in which the characters of a block differ from blanks, of all vectors together. Two sums,
+// because each step of one waits for the step before.
 [[gnu::target("avx2"), gnu::always_inline]] inline __m256i Differences(const char* block) noexcept {
     const __m256i blanks = _mm256_set1_epi8(' ');
     __m256i found[2] = {_mm256_setzero_si256(), _mm256_setzero_si256()};
@@ -84,8 +87,8 @@ constexpr std::size_t kBlock = 256;
     return _mm256_or_si256(found[0], found[1]);
 }
 
-// For `n` >= kBlock; the last block ends with the text. One look at the end: a look at each block
-// takes longer.
+// For `n` >= kBlock; the last block ends with the text. The sum is tested once, at the end, which is
+// faster than a branch after each block.
 [[gnu::target("avx2")]] bool AreBlocksBlank(const char* text, std::size_t n) noexcept {
     const char* const last = text + n - kBlock;
     __m256i found = Differences(text);
@@ -107,7 +110,7 @@ void ChangeBytes(const char* in, char* out, std::size_t n, const CaseChange& cha
     OnBestPath<ChangeLoop>(in, out, n, &change);
 }
 
-// All are blanks when the first one is and each equals the one before it.
+// All are blanks when the first one is and each equals the one before it: one call of memcmp.
 bool IsAllBlank(std::string_view text) noexcept {
     if (text.empty() || text.front() != ' ') return text.empty();
 #if CORVALE_HAS_AVX2_PATH

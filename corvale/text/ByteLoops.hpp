@@ -13,8 +13,9 @@ struct Replacement {
     unsigned char from, to;
 };
 
-/// The other case for letters of one case. Moved up by `toTop` they end at 127, so the letters, and
-/// no other byte, are greater than `below` as signed characters: one compare instead of two.
+/// The other case for letters of one case. `toTop` moves the last of the 26 letters to 127, so that
+/// the letters, and no other byte, are greater than `below` as signed characters: one compare
+/// instead of two.
 struct CaseChange {
     unsigned char toTop;
     signed char below = 127 - 26;

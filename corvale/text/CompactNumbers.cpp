@@ -19,9 +19,9 @@ constexpr std::string_view kSignOverflow = "********************";
 constexpr std::string_view kOverflow = "******************************";
 static_assert(kSignOverflow.size() == 20 && kOverflow.size() == internal::kWidestRendering);
 
-// A rendering stands in a field of its own before it is cut; one that is wider than the field shows
-// as asterisks, as wide as the field. The whole field is copied, not what of it is used: the width
-// is the same from call to call, which the processor predicts.
+// Writes the first `n` characters of a rendering in its field, which is as wide as `overflow`: a
+// rendering that is wider than the field shows as asterisks. The blanks after a shorter one are
+// copied with it: then the width is the same from call to call, which the processor predicts.
 void PutCut(std::string_view rendering, std::string_view overflow, std::int32_t n,
             std::span<char> out) noexcept {
     const bool fits = !rendering.empty() && rendering.size() <= overflow.size();
@@ -36,14 +36,14 @@ void Fx0ToSignAx(double value, std::int32_t n, std::span<char> out) noexcept {
         internal::FillWithBlanks(out);
         return;
     }
-    internal::RenderingRoom room;
-    PutCut(RenderFixed(value, kSignDecimals, SignRule::Always, room), kSignOverflow, n, out);
+    internal::RenderingBuffer buffer;
+    PutCut(RenderFixed(value, kSignDecimals, SignRule::Always, buffer), kSignOverflow, n, out);
 }
 
 void Fx0ToAx(double value, std::int32_t n, std::span<char> out) noexcept {
     if (n < 1) return;
-    internal::RenderingRoom room;
-    PutCut(RenderFixed(value, n, SignRule::WhenNegative, room), kOverflow, n, out);
+    internal::RenderingBuffer buffer;
+    PutCut(RenderFixed(value, n, SignRule::WhenNegative, buffer), kOverflow, n, out);
 }
 
 void CompressCsvLine(std::span<char> line) noexcept {

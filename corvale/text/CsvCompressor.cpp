@@ -16,6 +16,7 @@ constexpr std::string_view kWideZero = " 0.000000000000000E+000";
 // The wide layout: a blank or minus, a digit, the point, 15 digits, 'E', a sign and three digits.
 constexpr std::size_t kWideWidth = 23;
 
+// A field of the wide layout in little words: all of it after the first two characters.
 struct WideField {
     explicit WideField(const char* first) noexcept
         : sign(first[0]),
@@ -24,7 +25,7 @@ struct WideField {
           fraction(LoadLittle<std::uint64_t>(first + 10)),
           exponent(LoadLittle<std::uint64_t>(first + kWideWidth - 8) >> 24U) {}
 
-    // What follows the 'E' may be anything: the rules move it unseen, but for leading zeros.
+    // What follows the 'E' may be anything: the rules copy it whatever it is, but for leading zeros.
     [[nodiscard]] bool IsValid() const noexcept {
         const std::uint64_t values = point ^ kPointAndZeros;
         const std::uint64_t wrong = MarkFirstAbove<9>(values) | (values & 0xFFU) |
@@ -33,8 +34,8 @@ struct WideField {
         return wrong == 0 && (sign == kBlank || sign == '-') && digit >= '0' && digit <= '9';
     }
 
-    // The point and the digits up to the last that is not 0; nothing where all are. Both words are
-    // counted and one count is taken: a branch between them could not be predicted.
+    // The width of the point and the digits up to the last that is not 0; 0 where all are. Both
+    // words are counted and one count is used: a branch between them could not be predicted.
     [[nodiscard]] std::size_t FractionWidth() const noexcept {
         const std::size_t first = 8 - ZeroBytesAtEnd(point ^ kPointAndZeros);
         const std::size_t shortWidth = first == 1 ? 0 : first;  // the point alone is useless
@@ -43,15 +44,15 @@ struct WideField {
         return last != 0 ? longWidth : shortWidth;
     }
 
-    // How many zeros the exponent begins with, of which the last digit is none.
+    // How many zeros the exponent begins with, 0 to 2: its last digit stays even if it is 0.
     [[nodiscard]] std::size_t ExponentZeros() const noexcept {
         const std::uint64_t digits = DigitValues(exponent >> 16U) & 0xFFFFU;
         return ZeroBytesFirst(digits | 0x10000U);
     }
 
     static constexpr std::uint64_t kPointAndZeros = WordOf(".0000000");
-    // The zero bytes at the end of eight in the order of the text, 7 at most. Counting from the low
-    // end of the turned word is much faster than from the high end on processors without LZCNT.
+    // The zero bytes after the last other one, 7 at most: in the reversed word they come first. That
+    // is much faster than counting from the high end on processors without LZCNT.
     static std::size_t ZeroBytesAtEnd(std::uint64_t word) noexcept {
         const std::uint64_t turned = ReverseBytes(word) | std::uint64_t{1} << 63U;
         return ZeroBytesFirst(turned);
@@ -64,9 +65,10 @@ struct WideField {
     std::uint64_t exponent;  // 'E', sign, three digits
 };
 
-// Takes one field of the wide layout with what ends it, a comma or the end of the line, and moves
-// both positions on.
-bool TakeWideField(std::string_view& input, char*& out) noexcept {
+// Compresses one field of the wide layout with what ends it, a comma or the end of the line, and
+// moves both positions on. False where the next field is of another layout. A zero at the end of the
+// line is left to the rules, which know it.
+bool CompressWideField(std::string_view& input, char*& out) noexcept {
     if (input.size() < kWideWidth) return false;
     const bool isAtEnd = input.size() == kWideWidth;
     if (isAtEnd ? input == kWideZero : input[kWideWidth] != ',') return false;
@@ -96,9 +98,9 @@ CsvCompressor::CsvCompressor(std::span<char> line) noexcept
 
 void CsvCompressor::Compress() noexcept {
     if (input_.empty()) return;
-    TakeWideFields();
+    CompressWideFields();
     while (in_ < input_.size() && out_ < kWidth) ApplyFirstRule();
-    PutText({result_.data(), hasRemains_ ? kWidth : std::min(out_, kWidth)}, line_);
+    PutText({result_.data(), keepsWidth_ ? kWidth : std::min(out_, kWidth)}, line_);
 }
 
 char CsvCompressor::At(std::size_t position) const noexcept {
@@ -109,6 +111,7 @@ bool CsvCompressor::Matches(std::string_view pattern) const noexcept {
     return input_.substr(in_).starts_with(pattern);
 }
 
+// The rules in their order: a character is handled by the first one that fits.
 void CsvCompressor::ApplyFirstRule() noexcept {
     switch (input_[in_]) {
         case kBlank:
@@ -127,7 +130,7 @@ void CsvCompressor::ApplyFirstRule() noexcept {
             } else {
                 Copy();
             }
-            if (!hasRemains_) TakeWideFields();  // nothing is remembered now
+            if (!keepsWidth_) CompressWideFields();  // nothing is remembered now
             break;
         case 'E':
             if (isFraction_) {
@@ -166,9 +169,10 @@ void CsvCompressor::ExponentLetter() noexcept {
     isFraction_ = false;
 }
 
+// A point begins a fraction, a second one in a number, too: from there on the result keeps its width.
 void CsvCompressor::Point() noexcept {
-    if (zeros_.isRecorded && !hasRemains_) {
-        hasRemains_ = true;
+    if (zeros_.isRecorded && !keepsWidth_) {
+        keepsWidth_ = true;
         std::fill(result_.begin() + static_cast<std::ptrdiff_t>(out_), result_.end(), kBlank);
     }
     isFraction_ = true;
@@ -177,10 +181,11 @@ void CsvCompressor::Point() noexcept {
     ++in_;
 }
 
+// A zero of a fraction begins or extends the run that is useless if nothing else follows.
 void CsvCompressor::Zero() noexcept {
     if (isFraction_) {
         if (!zeros_.isRecorded) {
-            // directly after the point: then the point is useless, too
+            // a run directly after the point makes the point useless, too
             const bool followsPoint = input_[in_ - 1] == '.';
             zeros_ = {followsPoint ? out_ - 1 : out_, out_, true};
         }
@@ -191,16 +196,18 @@ void CsvCompressor::Zero() noexcept {
     ++in_;
 }
 
+// Any other character stays and makes the zeros before it significant.
 void CsvCompressor::Copy() noexcept {
     result_[out_++] = input_[in_++];
     zeros_.isRecorded = false;
 }
 
+// The end of the line ends a fraction, too.
 void CsvCompressor::ClearAtLineEnd() noexcept {
     if (IsLast() && zeros_.isRecorded) BlankZeroRun();
 }
 
-// Where what ends the number belongs; its useless zeros are gone then.
+// The position of what ends the number, after its useless zeros have been removed.
 std::size_t CsvCompressor::EndOfNumber() noexcept {
     if (!zeros_.isRecorded) return out_;
     BlankZeroRun();
@@ -213,14 +220,13 @@ void CsvCompressor::BlankZeroRun() noexcept {
     std::memset(result_.data() + zeros_.first, kBlank, width);
 }
 
-// Takes the fields of the wide layout that follow. Called where the rules remember nothing. Whole
-// words are read and written, and both positions kept in registers: 14 times as fast as the rules
-// and more; bench: CsvLine/Corvale.
-void CsvCompressor::TakeWideFields() noexcept {
+// Compresses the fields of the wide layout that follow, with both positions in registers. Only
+// called where the rules remember nothing.
+void CsvCompressor::CompressWideFields() noexcept {
     std::string_view rest = input_.substr(in_);
     char* out = result_.data() + out_;
     const char* const last = result_.data() + kWidth - kWideWidth - 1;
-    while (out <= last && TakeWideField(rest, out)) continue;
+    while (out <= last && CompressWideField(rest, out)) continue;
     in_ = input_.size() - rest.size();
     out_ = static_cast<std::size_t>(out - result_.data());
 }

@@ -18,8 +18,8 @@ bool IsKept(char c) noexcept {
     return (c >= '0' && c <= '9') || c == '.';
 }
 
-// One character after the other. Each is written where the next kept one belongs, so that there is
-// no branch on what the text holds.
+// One character after the other. Each is written, and only a kept one moves the end of the output on:
+// no branch depends on what the text holds.
 std::size_t KeepOneByOne(std::string_view input, std::span<char> output) noexcept {
     std::size_t count = 0;
     for (std::size_t i = 0; i < input.size() && count < output.size(); ++i) {
@@ -30,38 +30,38 @@ std::size_t KeepOneByOne(std::string_view input, std::span<char> output) noexcep
 }
 
 #if CORVALE_HAS_AVX2_PATH
-// For each choice of kept bytes among eight, their places in order. 2 KiB.
-constexpr auto kKeptPlaces = [] {
+// For each choice of kept bytes among eight, their positions in order, as the shuffle wants them.
+// 2 KiB; a table for sixteen bytes would have 1 MiB.
+constexpr auto kKeptPositions = [] {
     std::array<std::array<std::uint8_t, 8>, 256> table{};
     for (std::size_t kept = 0; kept < table.size(); ++kept) {
         std::size_t count = 0;
-        for (std::uint8_t place = 0; place < 8; ++place)
-            if ((kept >> place & 1U) != 0) table[kept][count++] = place;
+        for (std::uint8_t position = 0; position < 8; ++position)
+            if ((kept >> position & 1U) != 0) table[kept][count++] = position;
     }
     return table;
 }();
 
-// Stores the chosen ones of the first eight bytes of `text` side by side, and how many they are.
-// Eight bytes are written.
+// Stores the chosen ones of the first eight bytes of `text` side by side and returns how many they
+// are. Eight bytes are written, whatever the count.
 [[gnu::target("avx2"), gnu::always_inline]] inline std::size_t StoreKept(__m128i text,
                                                                          unsigned choice,
                                                                          char* target) noexcept {
-    const __m128i places =
-        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kKeptPlaces[choice].data()));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(target), _mm_shuffle_epi8(text, places));
+    const __m128i positions =
+        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kKeptPositions[choice].data()));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(target), _mm_shuffle_epi8(text, positions));
     return static_cast<std::size_t>(std::popcount(choice));
 }
 
 // Sixteen characters a step: a compare tells which are kept, a shuffle for each half closes the
-// gaps. 20 times a character loop and more; bench: Text512/RemSpaceSlashChars.
+// gaps. At least 20 times as fast as a character loop; bench: Text512/RemSpaceSlashChars.
 [[gnu::target("avx2")]] std::size_t KeepBySixteen(std::string_view input,
                                                   std::span<char> output) noexcept {
     const __m128i nine = _mm_set1_epi8(9);
     std::size_t count = 0;
     std::size_t i = 0;
-    // Both halves store eight bytes, of which only the kept ones count: there must be room for
-    // them, and in place they must not run ahead of what is still to be read. They never do: count
-    // <= i.
+    // Each half stores eight bytes, of which only the kept ones count. They fit, as the condition
+    // says, and in place they never overwrite what is still to be read, since count <= i.
     for (; i + 16 <= input.size() && count + 16 <= output.size(); i += 16) {
         const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(input.data() + i));
         const __m128i value = _mm_sub_epi8(text, _mm_set1_epi8('0'));

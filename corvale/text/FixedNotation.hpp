@@ -15,16 +15,16 @@ enum class SignRule : std::uint8_t { WhenNegative, Always };
 /// The widest rendering that is made.
 constexpr std::size_t kWidestRendering = 30;
 
-/// What a rendering is made in. It is spoilt around the rendering, too.
-using RenderingRoom = std::array<char, 80>;
+/// Scratch for one rendering; bytes outside the returned text are overwritten.
+using RenderingBuffer = std::array<char, 80>;
 
-/// Renders `value` with 1 or more decimals (0 are never asked for: such a text has no room),
-/// somewhere in `room` unless the text is constant. Blanks follow, so that `kWidestRendering`
-/// characters can be read. One wider than that may be returned as an empty text.
+/// Renders `value` with 1 or more decimals somewhere in `buffer`. Blanks follow the text, so that
+/// `kWidestRendering` characters can be read. A text wider than that may be returned as an empty
+/// one.
 ///
 /// Exactness  the exact value, rounded once to the decimals, halfway to the even digit, whatever
 ///            the thread's rounding mode
 [[nodiscard]] std::string_view RenderFixed(double value, std::int32_t decimals, SignRule rule,
-                                           RenderingRoom& room) noexcept;
+                                           RenderingBuffer& buffer) noexcept;
 
 }  // namespace corvale::internal

@@ -16,6 +16,7 @@ using internal::PutText;
 
 namespace {
 
+// One character in place of another.
 constexpr internal::Replacement OneForOne(char from, char to) noexcept {
     return {static_cast<unsigned char>(from), static_cast<unsigned char>(to)};
 }
@@ -24,7 +25,7 @@ constexpr internal::Replacement kBlankToZero = OneForOne(kBlank, '0');
 constexpr internal::CaseChange kToLower = {.toTop = 127 - 'Z'};
 constexpr internal::CaseChange kToUpper = {.toTop = 127 - 'z'};
 
-// A function of its own: the usual case need not save what this one uses.
+// noinline keeps this path's register saves out of the common case.
 template <class Change>
 [[gnu::noinline]] void PutChangedAndBlanks(std::string_view text, std::span<char> result,
                                            const Change& change) noexcept {
@@ -44,9 +45,9 @@ bool StopsBuffer(char c) noexcept {
     return static_cast<signed char>(c) < 32;
 }
 
-// How many of the first `limit` elements precede the first one that stops. One element after the
-// other: none behind that one may be looked at, and the caller's memory may end there. Written in
-// eights, which takes half the time (bench: LogLine).
+// How many of the first `limit` elements precede the first one that stops. One after the other,
+// because the caller's memory may end with that one; in rounds of eight, which the compiler unrolls:
+// half the time (bench: LogLine).
 std::size_t LengthUpToStop(const char* chars, std::size_t limit) noexcept {
     constexpr std::size_t step = 8;
     std::size_t i = 0;
@@ -57,34 +58,35 @@ std::size_t LengthUpToStop(const char* chars, std::size_t limit) noexcept {
     return i;
 }
 
-// What follows the first "=", or the whole line without one.
-std::string_view ValueOf(std::string_view line) noexcept {
+// What follows the first "=", or the whole line without one (`find` gives `npos` then, and `npos` + 1
+// is 0), from its first non-blank character on.
+std::string_view ValueOrLine(std::string_view line) noexcept {
     return internal::WithoutLeadingBlanks(line.substr(line.find('=') + 1));
 }
 
-// Copies what fits of `piece` (they may overlap) and returns the room that is left.
-std::span<char> Append(std::string_view piece, std::span<char> room) noexcept {
-    const std::size_t count = std::min(piece.size(), room.size());
-    if (count > 0) std::memmove(room.data(), piece.data(), count);
-    return room.subspan(count);
+// Copies what fits of `piece` to `target` (they may overlap) and returns the rest of `target`.
+std::span<char> Append(std::string_view piece, std::span<char> target) noexcept {
+    const std::size_t count = std::min(piece.size(), target.size());
+    if (count > 0) std::memmove(target.data(), piece.data(), count);
+    return target.subspan(count);
 }
 
-// The general replacement: copies the stretches between occurrences, stops where the width of
-// `text` or `result` is full. Nothing is written beyond what has been searched, so that a text may
-// be replaced in its place. A function of its own: the replacement of one character need not save
-// what this one uses.
+// The general replacement: copies the text between occurrences until the narrower of `text` and
+// `result` is full. A replacement that is no longer than its pattern writes only what has been
+// searched, so that a text may be replaced in place. noinline keeps its register saves out of the
+// replacement of one character.
 [[gnu::noinline]] void ReplaceOccurrences(std::string_view text, std::string_view pattern,
                                           std::string_view replacement,
                                           std::span<char> result) noexcept {
-    std::span<char> room = result.first(std::min(text.size(), result.size()));
-    while (!room.empty()) {
+    std::span<char> rest = result.first(std::min(text.size(), result.size()));
+    while (!rest.empty()) {
         const std::size_t match = text.find(pattern);
-        room = Append(text.substr(0, match), room);
+        rest = Append(text.substr(0, match), rest);
         if (match == std::string_view::npos) break;
         text.remove_prefix(match + pattern.size());
-        room = Append(replacement, room);
+        rest = Append(replacement, rest);
     }
-    internal::FillWithBlanks({room.data(), result.data() + result.size()});
+    internal::FillWithBlanks({rest.data(), result.data() + result.size()});
 }
 
 }  // namespace
@@ -140,7 +142,7 @@ void GetInputStr(std::string_view line, std::span<char> result) noexcept {
 }
 
 void GetInputFileName(std::string_view line, std::span<char> result) noexcept {
-    PutText(ValueOf(line), result);
+    PutText(ValueOrLine(line), result);
 }
 
 }  // namespace corvale::StrFunctions

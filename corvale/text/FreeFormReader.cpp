@@ -5,6 +5,12 @@
 #include <algorithm>
 #include <limits>
 
+// Free-form reading by the grammar, an item at a time, from left to right.
+//
+// A record is items with separators between them: one comma with blanks around it, or blanks alone.
+// Each item leaves `position_` after the comma that belongs to it, so a comma that is met where an
+// item should begin stands for an empty one. Numbers are scanned here, and converted by the caller
+// only where their value is wanted.
 namespace corvale::internal {
 
 namespace {
@@ -12,8 +18,8 @@ namespace {
 constexpr std::size_t kNoNumber = std::string_view::npos;
 constexpr std::int32_t kMaxCount = std::numeric_limits<std::int32_t>::max();
 
-// The repeat count that `digits` are: 0 where they are none or hold anything else, at most
-// `kMaxCount`.
+// The repeat count that `digits` are, at most `kMaxCount`; 0 where there is no digit or anything
+// else.
 std::int32_t RepeatCount(std::string_view digits) noexcept {
     std::int64_t count = 0;
     for (const char c : digits) {
@@ -33,6 +39,7 @@ inline bool FreeFormReader::IsCommaAt(std::size_t at) const noexcept {
     return record_[at] == ',' || (record_[at] == ';' && rules_.semicolonSeparates);
 }
 
+// Whether an item ends before `at`: at a separator, a slash or the end of the record.
 inline bool FreeFormReader::IsItemEnd(std::size_t at) const noexcept {
     return at >= record_.size() || IsBlankAt(at) || IsCommaAt(at) || record_[at] == '/';
 }
@@ -42,7 +49,7 @@ inline std::size_t FreeFormReader::AfterBlanks(std::size_t at) const noexcept {
     return at;
 }
 
-// Moves to the next item. `Value` where something stands there that is still to be read.
+// Moves to the next item and says what it is; `Value` for an item that is still to be read.
 inline ItemKind FreeFormReader::BeginItem() noexcept {
     position_ = AfterBlanks(position_);
     if (position_ >= record_.size()) return ItemKind::End;
@@ -52,14 +59,15 @@ inline ItemKind FreeFormReader::BeginItem() noexcept {
     return ItemKind::Empty;
 }
 
-// Leaves an item that ends at `at`, and the one comma that belongs to it.
+// Moves past an item that ends at `at` and the one comma that belongs to it.
 inline ItemKind FreeFormReader::Finish(std::size_t at, ItemKind kind) noexcept {
     position_ = AfterBlanks(at);
     if (position_ < record_.size() && IsCommaAt(position_)) ++position_;
     return kind;
 }
 
-// Scans the number at `at`, of which no more than the width counts.
+// Scans the number at `at` and returns the position after it. Of an item that is wider than a number
+// may be, only that width counts: where the number fills it, the rest of the item is skipped.
 inline std::size_t FreeFormReader::AfterNumber(std::size_t at, ScannedReal& number) const noexcept {
     const std::size_t width = std::min(record_.size() - at, rules_.numberWidth);
     ScannedReal scanned;
@@ -82,7 +90,8 @@ ItemKind FreeFormReader::NextNumber(ScannedReal& number, std::int32_t& count) no
     return ItemKind::Unusable;
 }
 
-// What precedes the star was taken for a number; it must be digits alone.
+// Reads a repeat count and its number, of which what precedes the star was scanned as a number: it
+// must be digits alone. A star with nothing after it repeats an empty item.
 ItemKind FreeFormReader::Repeated(std::size_t star, ScannedReal& number,
                                   std::int32_t& count) noexcept {
     const std::int32_t copies = RepeatCount(record_.substr(position_, star - position_));
@@ -108,7 +117,8 @@ ItemKind FreeFormReader::NextWord(std::span<char> word) noexcept {
     return Finish(end, ItemKind::Value);
 }
 
-// Finds the closing delimiter first, so that an open text writes nothing.
+// Finds the closing delimiter first, so that an open text writes nothing. Then copies up to it; of a
+// doubled delimiter the second one is skipped.
 ItemKind FreeFormReader::QuotedWord(std::span<char> word) noexcept {
     const char delimiter = record_[position_];
     const auto isDoubled = [&](std::size_t at) {

@@ -1,4 +1,4 @@
-// Test help: the surroundings that spoil a careless conversion.
+// Test help: settings of a thread that change the result of a careless conversion.
 #pragma once
 
 #include <cfenv>
@@ -15,8 +15,8 @@ namespace corvale::test {
 
 constexpr int kRoundingModes[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
 
-// A rounding mode; all but the usual one together with subnormals flushed to zero, where that can
-// be had.
+// A rounding mode; all but the usual one together with subnormals flushed to zero, where the
+// processor can do that.
 class RoundingModeScope {
   public:
     explicit RoundingModeScope(int mode) {
