@@ -164,7 +164,8 @@ template <class T>
 [[nodiscard]] inline const T* Choose(std::uint64_t isFirst, const T* a, const T* b) noexcept {
     const auto first = reinterpret_cast<std::uintptr_t>(a);
     const auto second = reinterpret_cast<std::uintptr_t>(b);
-    return reinterpret_cast<const T*>(second ^ ((first ^ second) & (0 - std::uintptr_t{isFirst})));
+    const std::uintptr_t chosen = second ^ ((first ^ second) & (0 - std::uintptr_t{isFirst}));
+    return reinterpret_cast<const T*>(chosen);  // NOLINT(performance-no-int-to-ptr): no branch
 }
 
 /// The sum of the four lanes of 16 bits, itself below 2^16: the product adds all of them in its

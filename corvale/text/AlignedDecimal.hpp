@@ -116,10 +116,10 @@ struct AlignedForm {
     const unsigned blanks = MaskOf(characters, ' ');
     const unsigned minus = MaskOf(characters, '-');
     const unsigned others = ~(digits | point) & 0xFFFFU;
-    const auto first = static_cast<unsigned>(std::bit_width(2 * others + 1)) - 1;
-    const unsigned before = (1U << first) - 1;
-    const unsigned signPlace = before ^ before >> 1U;
-    const unsigned sign = (minus | MaskOf(characters, '+')) & signPlace;
+    const unsigned afterOthers = std::bit_floor(2 * others + 1);
+    const auto first = static_cast<unsigned>(std::countr_zero(afterOthers));
+    const unsigned before = afterOthers - 1;
+    const unsigned sign = (minus | MaskOf(characters, '+')) & afterOthers >> 1U;
 
     constexpr std::uint64_t kNoPoint = std::uint64_t{1} << 32U;
     const int pointEnd = std::countr_zero(std::uint64_t{point} << 1U | kNoPoint) % 32;
