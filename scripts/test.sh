@@ -13,7 +13,7 @@ need "${build_packages[@]}" libgtest-dev clang clang-format clang-tidy libclang-
     pkg-config locales
 
 # What goes beyond the tests of one build, each a script that can be run alone.
-checks=(check-packaging check-program docs test-bindings test-python)
+checks=(prove check-packaging check-program docs test-bindings test-python)
 
 # sources FOLDER...: the C and C++ files of those folders.
 sources() {

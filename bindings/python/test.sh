@@ -4,14 +4,15 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-# The module alone: it needs nothing else of the package.
-alone=../../build/bindings/python
-mkdir -p "$alone/corvale"
+# The module alone: it needs nothing else of the package, whose stubs of array procedures need NumPy.
+here=$PWD
+mkdir -p ../../build/bindings/python/corvale
+alone=$(cd ../../build/bindings/python && pwd)
 cp corvale/capi.py "$alone/corvale"
 export PYTHONPATH=$alone MYPYPATH=$alone PYTHONDONTWRITEBYTECODE=1
 
-mypy --strict --cache-dir "$alone/mypy" --explicit-package-bases --namespace-packages \
-    "$alone/corvale/capi.py" examples/load_file.py tests/test_capi.py
+(cd "$alone" && mypy --no-site-packages --strict --cache-dir mypy --explicit-package-bases --namespace-packages \
+    corvale/capi.py "$here/examples/load_file.py" "$here/tests/test_capi.py")
 python3 examples/load_file.py "$CORVALE_INPUT" |
     grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
 python3 tests/test_capi.py
