@@ -35,8 +35,8 @@ class Scratch {
         return static_cast<T*>(::operator new(count * sizeof(T), kAlignment, std::nothrow));
     }
 
-    T* data_;
     alignas(64) T own_[own];
+    T* data_;
 };
 
 }  // namespace corvale::internal
