@@ -53,10 +53,13 @@ inline constexpr std::size_t kLongestKeyword = [] {
 /// The letters that all keywords begin with. Only lines that begin with them, in any case, are
 /// looked at; in ASCII a letter and its capital differ in one bit.
 inline constexpr std::string_view kCardLetters = kCards[0].keyword.substr(0, 2);
-static_assert(std::ranges::all_of(kCardLetters, [](char c) { return c >= 'A' && c <= 'Z'; }));
-static_assert(std::ranges::all_of(kCards, [](const Card& card) {
-    return card.keyword.starts_with(kCardLetters);
-}));
+static_assert([] {
+    for (const char letter : kCardLetters)
+        if (letter < 'A' || letter > 'Z') return false;
+    for (const Card& card : kCards)
+        if (!card.keyword.starts_with(kCardLetters)) return false;
+    return true;
+}());
 
 /// The card that a line is, compared as it stands; null if it is none. A line that is shorter than
 /// a keyword counts as filled with blanks.
