@@ -52,7 +52,7 @@ void HoursOf(double deg) {
         ExpectSame(View(text), "*******", "DegToHHMMSSS_Str");
 }
 
-template <auto Compare = ExpectSameHere>
+template <auto Compare>
 void ExpectVector(const Vector3& got, const Vector3& wanted, const char* what) {
     for (std::size_t i = 0; i < 3; ++i) Compare(got[i], wanted[i], what);
 }
@@ -63,7 +63,7 @@ void RealsOf(double a, double b) {
     ExpectSameHere(AcTan(a, b), reference::AcTan(a, b), "AcTan");
     ExpectSameHere(AcSin(a), reference::AcSin(a), "AcSin");
     ExpectSameHere(CubRt(a), reference::CubRt(a), "CubRt");
-    ExpectSameHere(SerExp(b), reference::SerExp(b), "SerExp");
+    ExpectSame(SerExp(b), reference::SerExp(b), "SerExp");
 }
 
 constexpr void (*kExact)(double, double, const char*) = ExpectSame;
@@ -95,9 +95,9 @@ void Angles(Choices in) {
     if (kind == 3) return Pair(v, other);
     const auto axis = static_cast<std::int32_t>(in.Below(5));
     const double angle = in.Real();
-    ExpectVector(Rotate(v, axis, angle), reference::Rotate(v, axis, angle), "Rotate");
-    ExpectVector(RodriguesRot(v, angle, other), reference::RodriguesRot(v, angle, other),
-                 "RodriguesRot");
+    ExpectVector<kExact>(Rotate(v, axis, angle), reference::Rotate(v, axis, angle), "Rotate");
+    ExpectVector<kExact>(RodriguesRot(v, angle, other), reference::RodriguesRot(v, angle, other),
+                         "RodriguesRot");
 }
 
 }  // namespace corvale::fuzz

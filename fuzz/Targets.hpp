@@ -14,6 +14,7 @@ void Text(Choices in);
 void Keys(Choices in);
 void Lists(Choices in);
 void Angles(Choices in);
+void Elementary(Choices in);
 void Matrices(Choices in);
 void Sort(Choices in);
 void Log(Choices in);
@@ -27,8 +28,9 @@ inline constexpr NamedTarget kTargets[] = {
 #ifndef _WIN32  // these make their files as POSIX does
     {"Cards", Cards},       {"Log", Log},
 #endif
-    {"Numbers", Numbers},   {"FreeForm", FreeForm}, {"NumberText", NumberText}, {"Csv", Csv},
-    {"Text", Text},         {"Keys", Keys},         {"Lists", Lists},           {"Angles", Angles},
+    {"Numbers", Numbers},   {"FreeForm", FreeForm}, {"NumberText", NumberText},
+    {"Csv", Csv},           {"Text", Text},         {"Keys", Keys},
+    {"Lists", Lists},       {"Angles", Angles},     {"Elementary", Elementary},
     {"Matrices", Matrices}, {"Sort", Sort},         {"Interface", Interface}};
 
 }  // namespace corvale::fuzz

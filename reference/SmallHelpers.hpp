@@ -1,6 +1,8 @@
 // Functions of a real through the C library, and a table search step by step. For round-to-nearest.
 #pragma once
 
+#include <corvale/numeric/Elementary.hpp>
+
 #include <cmath>
 #include <cstdint>
 
@@ -12,7 +14,7 @@ inline double CubRt(double x) {
 
 inline double SerExp(double x) {
     if (std::fabs(x) > 0.75) return 1.0 / x;
-    if (std::fabs(x) > 0.01) return (1.0 - std::exp(-100.0 * (x * x))) / x;
+    if (std::fabs(x) > 0.01) return (1.0 - Elementary::Exp(-100.0 * (x * x))) / x;
     double term = 100.0 * x, sum = term;
     for (int k = 2; k <= 21; ++k) {
         term = -term * (100.0 * (x * x)) / k;

@@ -1,6 +1,8 @@
 // The formulas of the vectors through the C library. For round-to-nearest.
 #pragma once
 
+#include <corvale/numeric/Elementary.hpp>
+
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -32,7 +34,7 @@ inline double AngleOf2Vecs(const Vector& a, const Vector& b) {
 }
 
 inline Vector Rotate(const Vector& v, std::int32_t axis, double angle) {
-    const double c = std::cos(angle), s = std::sin(angle);
+    const auto [s, c] = Elementary::SinCos(angle);
     if (axis == 1) return {v[0], c * v[1] + s * v[2], c * v[2] - s * v[1]};
     if (axis == 2) return {c * v[0] - s * v[2], v[1], c * v[2] + s * v[0]};
     if (axis == 3) return {c * v[0] + s * v[1], c * v[1] - s * v[0], v[2]};
@@ -40,8 +42,7 @@ inline Vector Rotate(const Vector& v, std::int32_t axis, double angle) {
 }
 
 inline Vector RodriguesRot(const Vector& v, double angle, const Vector& k) {
-    const double theta = angle * 0.017453292519943295;
-    const double c = std::cos(theta), s = std::sin(theta);
+    const auto [s, c] = Elementary::SinCos(angle * 0.017453292519943295);
     const Vector w = Cross(k, v);
     const double d = 0.0 + k[0] * v[0] + k[1] * v[1] + k[2] * v[2];
     Vector turned;

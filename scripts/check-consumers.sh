@@ -133,7 +133,7 @@ program="$scratch/else where/shared/bin/corvale"
 "$program" info | grep -q "Corvale - Version: v${version%.*} " ||
   fail "the installed program does not run or tells another version"
 [[ $("$program" --version) == *"$version" ]] || fail "the program's --version differs"
-for wanted in 8 10 9.5; do
+for wanted in 8 10 9.6; do
   if cmake -G Ninja -S . -B refused -DLANGUAGE=NONE -DWANTED=$wanted -DVERSION="$version" \
     -DCMAKE_PREFIX_PATH="$scratch/else where/shared" >"$scratch/output" 2>&1; then
     fail "version $wanted was found"

@@ -31,9 +31,9 @@
 #include <stdint.h>
 
 #define CORVALE_VERSION_MAJOR 9 /* rises when a caller has to be compiled anew */
-#define CORVALE_VERSION_MINOR 4 /* rises with what is new */
+#define CORVALE_VERSION_MINOR 5 /* rises with what is new */
 #define CORVALE_VERSION_PATCH 0 /* rises with what is mended */
-#define CORVALE_VERSION "9.4.0" /* the three as a text */
+#define CORVALE_VERSION "9.5.0" /* the three as a text */
 
 #define CORVALE_OK 0              /* done */
 #define CORVALE_FAILED 2          /* not done: the reason is in GetLastErrMsg */

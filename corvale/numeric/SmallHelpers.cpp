@@ -1,5 +1,7 @@
 #include <corvale/numeric/SmallHelpers.hpp>
 
+#include <corvale/numeric/Elementary.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -98,7 +100,7 @@ double CubRt(double x) noexcept {
 
 double SerExp(double x) noexcept {
     if (std::fabs(x) > 0.75) return 1.0 / x;
-    if (std::fabs(x) > 0.01) return (1.0 - std::exp(-100.0 * (x * x))) / x;
+    if (std::fabs(x) > 0.01) return (1.0 - Elementary::Exp(-100.0 * (x * x))) / x;
     return SerExpSeries(x);
 }
 

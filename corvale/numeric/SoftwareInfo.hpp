@@ -10,7 +10,7 @@
 namespace corvale::GenFunctions {
 
 /// Writes the information line of the library `libName`: "Arvenit " + `libName` + " - Version: " +
-/// `version` (this library's own "v9.4" where none is given) + " - Build: ", the build date as
+/// `version` (this library's own "v9.5" where none is given) + " - Build: ", the build date as
 /// "May  3 2024", " - Platform: ", 16 characters, " - Compiler: " and the compiler's name.
 ///
 /// Width      exactly 128 characters, blank-filled, without a terminator; trailing blanks of

@@ -1,5 +1,7 @@
 #include <corvale/numeric/Vectors.hpp>
 
+#include <corvale/numeric/Elementary.hpp>
+
 #include <cmath>
 #include <cstddef>
 
@@ -14,17 +16,6 @@ static_assert(kPi == 0x1.921fb54442d18p+1 && kRadiansPerDegree == 0x1.1df46a2529
 // How near 1 a cosine counts as 1: the distance from 1 to the next larger double.
 constexpr double kCosineTolerance = 2.220446049250313e-16;
 static_assert(kCosineTolerance == 0x1p-52);
-
-struct SineCosine {
-    double s;
-    double c;
-};
-
-// Side by side: GCC makes one joint call of the two, Clang two single ones. Their bits are the
-// same.
-SineCosine JointSineCosine(double angle) noexcept {
-    return {std::sin(angle), std::cos(angle)};
-}
 
 }  // namespace
 
@@ -51,14 +42,14 @@ double AngleOf2Vecs(const Vector3& a, const Vector3& b) noexcept {
 Vector3 Rotate(const Vector3& v, std::int32_t axis, double angle) noexcept {
     if (axis < 1 || axis > 3) return v;
 
-    const auto [s, c] = JointSineCosine(angle);
+    const auto [s, c] = Elementary::SinCos(angle);
     if (axis == 1) return {v[0], c * v[1] + s * v[2], c * v[2] - s * v[1]};
     if (axis == 2) return {c * v[0] - s * v[2], v[1], c * v[2] + s * v[0]};
     return {c * v[0] + s * v[1], c * v[1] - s * v[0], v[2]};
 }
 
 Vector3 RodriguesRot(const Vector3& v, double angle, const Vector3& k) noexcept {
-    const auto [s, c] = JointSineCosine(angle * kRadiansPerDegree);
+    const auto [s, c] = Elementary::SinCos(angle * kRadiansPerDegree);
     const Vector3 w = Cross(k, v);
     // Summed from 0, so that a zero along the axis is +0.
     const double along = 0.0 + k[0] * v[0] + k[1] * v[1] + k[2] * v[2];

@@ -7,7 +7,7 @@ use FFI::Platypus 2.00;
 use FFI::Platypus::DL qw(dlopen dlsym dlerror RTLD_NOW RTLD_LOCAL);
 use Scalar::Util qw(looks_like_number);
 
-our $VERSION = '9.4.0';
+our $VERSION = '9.5.0';
 
 # Result, then each argument: name, type, how many elements the library reads or writes (a number or the
 # name of an argument), way. A single element that goes in is passed by value, all else by address.

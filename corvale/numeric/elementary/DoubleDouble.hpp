@@ -16,10 +16,20 @@
 
 namespace corvale::internal {
 
+/// What every function returns that has no value: a quiet NaN with sign and payload 0, whatever NaN
+/// it was given, so that its bits are the same everywhere too.
+inline constexpr double kNaN = std::bit_cast<double>(std::uint64_t{0x7FF8} << 48U);
+
 /// The value `high` + `low`.
 struct DoubleDouble {
     double high;
     double low;
+};
+
+/// A table's value as a head of 26 bits and the rest, together good to 2^-80.
+struct TableValue {
+    double head;
+    double rest;
 };
 
 /// `x` with the last 27 of its 53 bits cleared: 26 bits, towards 0. x - Head(x) is exact and below

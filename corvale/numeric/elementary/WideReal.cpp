@@ -2,6 +2,7 @@
 
 #include <corvale/base/Uint128.hpp>
 
+#include <algorithm>
 #include <bit>
 
 namespace corvale::internal {
@@ -9,6 +10,7 @@ namespace corvale::internal {
 namespace {
 
 constexpr std::uint64_t kFirstBit = std::uint64_t{1} << 63U;
+constexpr std::int64_t kLeastNormal = -1021;  // the exponent of 2^-1022
 
 std::uint64_t LowWord(Uint128 value) noexcept {
     return static_cast<std::uint64_t>(value);
@@ -18,18 +20,18 @@ std::uint64_t HighWord(Uint128 value) noexcept {
     return static_cast<std::uint64_t>(value >> 64U);
 }
 
-// The words i and i + 1 of the fraction, shifted left by `shift` bits, which may be 0.
-std::uint64_t JoinedWord(const Fraction& a, std::size_t i, std::size_t width,
-                         unsigned shift) noexcept {
-    if (i >= width) return 0;
-    const std::uint64_t next = i + 1 < width ? a[i + 1] : 0;
+// The words i and i + 1, shifted left by `shift` bits, which may be 0.
+std::uint64_t JoinedWord(std::span<const std::uint64_t> a, std::size_t i, unsigned shift) noexcept {
+    if (i >= a.size()) return 0;
+    const std::uint64_t next = i + 1 < a.size() ? a[i + 1] : 0;
     return shift == 0 ? a[i] : a[i] << shift | next >> (64U - shift);
 }
 
-Fraction ShiftedLeft(const Fraction& a, std::uint64_t bits, std::size_t width) noexcept {
+Fraction ShiftedLeft(std::span<const std::uint64_t> a, std::size_t bits,
+                     std::size_t width) noexcept {
     Fraction shifted{};
     for (std::size_t i = 0; i < width; ++i)
-        shifted[i] = JoinedWord(a, i + bits / 64, width, static_cast<unsigned>(bits % 64));
+        shifted[i] = JoinedWord(a, i + bits / 64, static_cast<unsigned>(bits % 64));
     return shifted;
 }
 
@@ -44,6 +46,12 @@ Fraction ShiftedRight(const Fraction& a, std::uint64_t bits, std::size_t width) 
         shifted[i] = a[i - words] >> shift | before;
     }
     return shifted;
+}
+
+// How many bits of the fraction a double has: 53, or fewer where it is subnormal; below 0 for a
+// value of less than half the least double.
+std::int64_t KeptBits(const WideReal& value) noexcept {
+    return 53 - std::max(kLeastNormal - value.exponent, std::int64_t{0});
 }
 
 // a - b, which is not negative.
@@ -123,18 +131,17 @@ Fraction FractionOf(const WideReal& a, std::size_t width) noexcept {
     return ShiftedRight(a.fraction, static_cast<std::uint64_t>(-a.exponent), width);
 }
 
-WideReal Normalised(const Fraction& fraction, std::int64_t exponent, std::size_t width) noexcept {
-    std::size_t zeroWords = 0;
-    while (zeroWords < width && fraction[zeroWords] == 0) ++zeroWords;
-    if (zeroWords == width) return {};
-    const auto zeros =
-        64 * zeroWords + static_cast<std::size_t>(std::countl_zero(fraction[zeroWords]));
-    return {ShiftedLeft(fraction, zeros, width), exponent - static_cast<std::int64_t>(zeros),
-            false};
+WideReal Normalised(std::span<const std::uint64_t> words, std::int64_t exponent,
+                    std::size_t width) noexcept {
+    std::size_t zeros = 0;
+    while (zeros < 64 * words.size() && words[zeros / 64] == 0) zeros += 64;
+    if (zeros == 64 * words.size()) return {};
+    zeros += static_cast<std::size_t>(std::countl_zero(words[zeros / 64]));
+    return {ShiftedLeft(words, zeros, width), exponent - static_cast<std::int64_t>(zeros), false};
 }
 
 WideReal WideFromInteger(std::uint64_t significand, std::int64_t exponent) noexcept {
-    return Normalised({significand}, exponent + 64, kWide);
+    return Normalised({&significand, 1}, exponent + 64, kWide);
 }
 
 WideReal WideFromDouble(double x) noexcept {
@@ -175,28 +182,32 @@ WideReal Negated(WideReal a) noexcept {
     return a;
 }
 
-// The fraction's first `kept` bits are the significand, the rest decides: its first bit says up or
+// The fraction's first `kept` bits are the significand. The rest decides: its first bit says up or
 // down, unless all bits that follow, up to the last word, are the opposite of it. Shifting by 53
 // moves an error of 2^kErrorBits units to at most half a unit of the last word but one.
-std::optional<double> RoundedToDouble(const WideReal& value, std::size_t width) noexcept {
+bool RoundsSafely(const WideReal& value, std::size_t width) noexcept {
     static_assert(kErrorBits + 53 < 64);
-    constexpr std::int64_t kLeastNormal = -1021;  // the exponent of 2^-1022
-    const std::uint64_t sign = value.isNegative ? kFirstBit : 0;
-    const std::int64_t missing = value.exponent < kLeastNormal ? kLeastNormal - value.exponent : 0;
-    if (missing > 53 || value.IsZero()) return std::bit_cast<double>(sign);
-    if (value.exponent > 1024) return std::bit_cast<double>(sign | std::uint64_t{0x7FF} << 52U);
+    const std::int64_t kept = KeptBits(value);
+    if (kept < 0) return true;
 
-    const auto kept = static_cast<std::uint64_t>(53 - missing);
-    const Fraction rest = ShiftedLeft(value.fraction, kept, width);
-    const bool isUp = rest[0] >= kFirstBit;
-    const std::uint64_t same = isUp ? 0 : ~std::uint64_t{0};
+    const Fraction rest = ShiftedLeft(value.fraction, static_cast<std::size_t>(kept), width);
+    const std::uint64_t same = rest[0] >= kFirstBit ? 0 : ~std::uint64_t{0};
     std::uint64_t others = (rest[0] ^ same) & ~kFirstBit;
     for (std::size_t i = 1; i + 1 < width; ++i) others |= rest[i] ^ same;
-    if (others == 0) return std::nullopt;
+    return others != 0;
+}
 
+double RoundedToDouble(const WideReal& value, std::size_t width) noexcept {
+    const std::uint64_t sign = value.isNegative ? kFirstBit : 0;
+    const std::int64_t kept = KeptBits(value);
+    if (kept < 0 || value.IsZero()) return std::bit_cast<double>(sign);
+    if (value.exponent > 1024) return std::bit_cast<double>(sign | std::uint64_t{0x7FF} << 52U);
+
+    const Fraction rest = ShiftedLeft(value.fraction, static_cast<std::size_t>(kept), width);
     const std::uint64_t significand = kept == 0 ? 0 : value.fraction[0] >> (64 - kept);
-    const auto steps = missing > 0 ? 0 : static_cast<std::uint64_t>(value.exponent - kLeastNormal);
-    return std::bit_cast<double>(sign | ((steps << 52U) + significand + (isUp ? 1 : 0)));
+    const auto steps =
+        static_cast<std::uint64_t>(std::max(value.exponent - kLeastNormal, std::int64_t{0}));
+    return std::bit_cast<double>(sign | ((steps << 52U) + significand + (rest[0] >> 63U)));
 }
 
 }  // namespace corvale::internal

@@ -16,7 +16,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <span>
 
 namespace corvale::internal {
 
@@ -54,8 +54,9 @@ struct WideReal {
 /// |a| as a fraction, at most a unit too small. Precondition: |a| < 1.
 [[nodiscard]] Fraction FractionOf(const WideReal& a, std::size_t width) noexcept;
 
-/// The real fraction x 2^exponent with its leading zeros shifted out.
-[[nodiscard]] WideReal Normalised(const Fraction& fraction, std::int64_t exponent,
+/// The real `words` x 2^exponent, `words` being a fraction of any number of words, the most
+/// significant first: with its leading zeros shifted out and cut to `width` words.
+[[nodiscard]] WideReal Normalised(std::span<const std::uint64_t> words, std::int64_t exponent,
                                   std::size_t width) noexcept;
 
 /// `significand` x 2^exponent, exactly.
@@ -74,13 +75,25 @@ struct WideReal {
 /// -a.
 [[nodiscard]] WideReal Negated(WideReal a) noexcept;
 
-/// The error of a value that `RoundedToDouble` allows for, as a power of 2 of its units.
+/// The error of a value that `RoundsSafely` allows for, as a power of 2 of its units.
 inline constexpr unsigned kErrorBits = 10;
 
-/// The double nearest to every real within 2^kErrorBits units of `value`; nothing where they differ:
-/// where a midpoint of two doubles is that near. Subnormal results and infinity come out right.
-/// The decision rests on 64 (width - 1) bits after those of the double.
-[[nodiscard]] std::optional<double> RoundedToDouble(const WideReal& value,
-                                                    std::size_t width) noexcept;
+/// Whether every real within 2^kErrorBits units of `value` rounds to the same double: whether no
+/// midpoint of two doubles is that near. Looks at 64 (width - 1) bits after those of the double.
+[[nodiscard]] bool RoundsSafely(const WideReal& value, std::size_t width) noexcept;
+
+/// The double nearest to `value`; subnormal results and infinity come out right.
+[[nodiscard]] double RoundedToDouble(const WideReal& value, std::size_t width) noexcept;
+
+/// `value`(width), rounded to a double: with few words and, where those do not decide, with all.
+///
+/// After 448 bits that are all alike nobody would know either: a result that lies exactly on a
+/// midpoint has to be dealt with before.
+template <typename Value>
+double Decided(Value value) noexcept {
+    const WideReal narrow = value(kNarrow);
+    if (RoundsSafely(narrow, kNarrow)) return RoundedToDouble(narrow, kNarrow);
+    return RoundedToDouble(value(kWide), kWide);
+}
 
 }  // namespace corvale::internal

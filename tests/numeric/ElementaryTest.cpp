@@ -1,0 +1,84 @@
+#include <corvale/numeric/Elementary.hpp>
+
+#include "tests/support/Bits.hpp"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace corvale::Elementary {
+namespace {
+
+using test::Bits;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// Values by MPFR 4.2 with 53 bits, to nearest.
+struct AngleCase {
+    double x, sine, cosine;
+    const char* why;
+};
+constexpr AngleCase kAngles[] = {
+    {0x1.921fb54442d18p+0, 0x1p+0, 0x1.1a62633145c07p-54, "a quarter turn"},
+    {0x1.921fb54442d18p+1, 0x1.1a62633145c07p-53, -0x1p+0, "half a turn"},
+    {-0x1.921fb54442d18p+2, 0x1.1a62633145c07p-52, 0x1p+0, "a turn"},
+    {0x1p+0, 0x1.aed548f090ceep-1, 0x1.14a280fb5068cp-1, "plain"},
+    {0x1.ffffffffffff8p+9, -0x1.44ad2614eff0dp-3, 0x1.f98669d7ae8a5p-1,
+     "the last of the subtractions"},
+    {0x1p+10, -0x1.44ad2614e80abp-3, 0x1.f98669d7aedb8p-1, "the first beyond"},
+    {0x1.0f0cf064dd592p+73, -0x1.b453ab76bf397p-1, 0x1.0be2cef01c8f4p-1,
+     "a classic of large reductions"},
+    {0x1.6ac5b262ca1ffp+849, 0x1p+0, -0x1.14ae72e6ba22fp-61,
+     "nearest of all doubles to a multiple of a quarter turn"},
+    {0x1.fffffffffffffp+1023, 0x1.452fc98b34e97p-8, -0x1.fffe62ecfab75p-1, "the greatest double"},
+    {0x1p-27, 0x1p-27, 0x1p+0, "the first that is no longer itself"},
+    {0x1.fffffffffffffp-28, 0x1.fffffffffffffp-28, 0x1p+0, "the last that is itself"},
+    {0x1.fe767739d0f6dp-2, 0x1.e9950730c4696p-2, 0x1.c1b0b5040b269p-1, "a published worst case"},
+    {0x1.598bae9e632f6p-7, 0x1.598a0aea48996p-7, 0x1.fff8b65d498ep-1, "a published worst case"},
+    {0.0, 0.0, 1.0, "zero"},
+    {-0.0, -0.0, 1.0, "a negative zero"},
+    {0x1p-1074, 0x1p-1074, 1.0, "the least double"},
+    {kInfinity, kNaN, kNaN, "no angle"},
+    {-kInfinity, kNaN, kNaN, "no angle"},
+    {-kNaN, kNaN, kNaN, "every NaN comes out as one"},
+};
+
+TEST(Elementary, SineAndCosine) {
+    for (const auto& [x, sine, cosine, why] : kAngles) {
+        EXPECT_EQ(Bits(Sin(x)), Bits(sine)) << why;
+        EXPECT_EQ(Bits(Cos(x)), Bits(cosine)) << why;
+        EXPECT_EQ(Bits(SinCos(x).sine), Bits(sine)) << why;
+        EXPECT_EQ(Bits(SinCos(x).cosine), Bits(cosine)) << why;
+    }
+}
+
+struct PowerCase {
+    double x, power;
+    const char* why;
+};
+constexpr PowerCase kPowers[] = {
+    {0x1p+0, 0x1.5bf0a8b145769p+1, "plain"},
+    {-0x1.47ae147ae147bp-7, 0x1.fae7cfd2b9cfep-1, "small"},
+    {0x1p-53, 0x1.0000000000001p+0, "half a unit and a little: up"},
+    {-0x1p-54, 0x1p+0, "almost half way to the next lower: up"},
+    {0x1.62e42fefa39efp+9, 0x1.fffffffffff2ap+1023, "the greatest finite"},
+    {0x1.62e42fefa39fp+9, kInfinity, "the first infinite"},
+    {-0x1.62p+9, 0x1.7c8ab2288c9abp-1022, "the last of the fast"},
+    {-0x1.6232bdd7abcd2p+9, 0x1.000000000007cp-1022, "the last normal"},
+    {-0x1.724p+9, 0x0.0000000000033p-1022, "subnormal"},
+    {-0x1.74910d52d3051p+9, 0x0.0000000000001p-1022, "the last above half the least"},
+    {-0x1.74910d52d3053p+9, 0x0p+0, "less than half the least"},
+    {0x1.9e9cbbfd6080bp-31, 0x1.000000033d398p+0, "a published worst case"},
+    {0.0, 1.0, "zero"},
+    {0x1p-54, 1.0, "half a unit, and less than nothing more"},
+    {kInfinity, kInfinity, "an infinity"},
+    {-kInfinity, 0.0, "an infinity"},
+    {-kNaN, kNaN, "every NaN comes out as one"},
+};
+
+TEST(Elementary, Exponential) {
+    for (const auto& [x, power, why] : kPowers) EXPECT_EQ(Bits(Exp(x)), Bits(power)) << why;
+}
+
+}  // namespace
+}  // namespace corvale::Elementary
