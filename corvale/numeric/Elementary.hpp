@@ -1,4 +1,4 @@
-// Elementary functions of double, correctly rounded: the result is the double nearest to the exact
+// Elementary: functions of double, correctly rounded: the result is the double nearest to the exact
 // value, for every argument.
 //
 // Bad input  nothing fails: where no value exists the result is NaN. Every NaN that comes out is the
@@ -22,8 +22,8 @@ namespace corvale::Elementary {
 
 /// The sine and the cosine of one angle.
 struct SineCosine {
-    double sine;
-    double cosine;
+    double sine;    ///< from -1 to 1
+    double cosine;  ///< from -1 to 1
 };
 
 /// The sine of `x`. An angle of any size is reduced exactly: Sin(1e300) is the sine of 1e300.
