@@ -2,7 +2,10 @@
 // Whether the last bit is right is decided by tests/soak/ElementarySoak.cpp.
 #include "Targets.hpp"
 
+#include "reference/SmallHelpers.hpp"
+
 #include <corvale/numeric/Elementary.hpp>
+#include <corvale/numeric/SmallHelpers.hpp>
 
 namespace corvale::fuzz {
 namespace elementary {
@@ -30,6 +33,24 @@ void Angle(double x) {
     ExpectSame(corvale::Elementary::Cos(-x), cosine, "Cos of the negative");
 }
 
+void Arcs(double y, double x) {
+    ExpectNear(corvale::Elementary::ArcTan(x), std::atan(x), "ArcTan");
+    ExpectNear(corvale::Elementary::ArcTan2(y, x), std::atan2(y, x), "ArcTan2");
+    ExpectNear(corvale::Elementary::ArcCos(x), std::acos(x), "ArcCos");
+    ExpectSame(corvale::Elementary::ArcTan2(x, 1.0), corvale::Elementary::ArcTan(x),
+               "ArcTan2 of 1");
+}
+
+void Root(double x) {
+    const double root = corvale::Elementary::CubeRoot(x);
+    // The double one of glibc is off by up to two units.
+    const auto wanted = static_cast<double>(std::cbrt(static_cast<long double>(x)));
+    ExpectNear(root, wanted, "CubeRoot");
+    ExpectNear(GenFunctions::CubRt(x), reference::CubRt(x), "CubRt");
+    ExpectSame(corvale::Elementary::CubeRoot(-x), std::isnan(root) ? root : -root,
+               "CubeRoot of the negative");
+}
+
 }  // namespace elementary
 
 void Elementary(Choices in) {
@@ -37,6 +58,8 @@ void Elementary(Choices in) {
     const double x = isAnyDouble ? std::bit_cast<double>(in.Raw<std::uint64_t>()) : in.Real();
     elementary::Angle(x);
     elementary::ExpectNear(corvale::Elementary::Exp(x), std::exp(x), "Exp");
+    elementary::Arcs(in.Real(), x);
+    elementary::Root(x);
 }
 
 }  // namespace corvale::fuzz

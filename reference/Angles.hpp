@@ -1,6 +1,8 @@
 // Angles and their texts: the formulas through the C library. For round-to-nearest.
 #pragma once
 
+#include <corvale/numeric/Elementary.hpp>
+
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -16,13 +18,13 @@ inline double FMod2P(double x) {
 }
 
 inline double AcTan(double s, double c) {
-    const double a = std::atan2(s, c);
+    const double a = Elementary::ArcTan2(s, c);
     return a < 0.0 ? a + kTwoPi : a;
 }
 
 inline double AcSin(double x) {
     if (std::isnan(x)) return x;
-    if (std::fabs(x) < 1.0) return std::atan(x / std::sqrt(1.0 - x * x));
+    if (std::fabs(x) < 1.0) return Elementary::ArcTan(x / std::sqrt(1.0 - x * x));
     return std::copysign(1.5707963267948966, x);
 }
 

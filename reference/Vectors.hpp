@@ -1,4 +1,4 @@
-// The formulas of the vectors through the C library. For round-to-nearest.
+// The formulas of the vectors step by step. For round-to-nearest.
 #pragma once
 
 #include <corvale/numeric/Elementary.hpp>
@@ -30,7 +30,7 @@ inline Vector Cross(const Vector& a, const Vector& b) {
 inline double AngleOf2Vecs(const Vector& a, const Vector& b) {
     const double x = (a[0] * b[0] + a[1] * b[1] + a[2] * b[2]) / (Mag(b) * Mag(a));
     if (std::fabs(x) + 2.220446049250313e-16 > 1.0) return x > 0.0 ? 0.0 : kPi;
-    return std::acos(x);
+    return Elementary::ArcCos(x);
 }
 
 inline Vector Rotate(const Vector& v, std::int32_t axis, double angle) {

@@ -180,7 +180,7 @@ fi
 # Behind the flags for exact arithmetic no other flag can touch it.
 python3 - build/compile_commands.json <<'END' || fail "flags are not in the order that keeps bits"
 import json, re, sys
-harmless = r"-(W|M|D|I|std=|ffile-prefix-map=|O[0-3]$|o$|c$|stdlib=|fno-math-errno$|falign-loops=|fno-(ipa-cp-clone|peel-loops|unswitch-loops)$)|[^-]"
+harmless = r"-(W|M|D|I|std=|ffile-prefix-map=|O[0-3]$|o$|c$|stdlib=|fno-math-errno$|fno-tree-slp-vectorize$|falign-loops=|fno-(ipa-cp-clone|peel-loops|unswitch-loops)$)|[^-]"
 commands = [c["command"].split() for c in json.load(open(sys.argv[1])) if "/corvale/" in c["file"]]
 for words in commands:
     last = words.index("-ffp-contract=off"), words.index("-fno-fast-math")

@@ -5,6 +5,8 @@
 #                                            the shared things once more with ThreadSanitizer
 #     scripts/soak.sh floats [FIRST LAST]    all 2^32 single-precision values, or the slices FIRST to
 #                                            LAST of 0 to 255: slice, values, differences, checksum
+#     scripts/soak.sh elementary [COUNT]     the elementary functions against MPFR, COUNT arguments each,
+#                                            100 million if it is not given: some three hours
 #     scripts/soak.sh guest [ROUNDS]         a host's worst: killed writers, paused readers, handlers
 #                                            of fork in every order, cancelled threads, leases, storms
 #                                            of signals, limits that move; 1,000 rounds of each
@@ -71,11 +73,18 @@ soak_guest() {
         grep -v '^Running main'
 }
 
+soak_elementary() {
+    need libmpfr-dev libgmp-dev
+    build_soaks release elementary_soak
+    nice -n 19 "$soaks/tests/elementary_soak" all "${1:-100000000}" 7
+}
+
 mkdir -p "$top/build"
 case "${1:-others}" in
     floats) soak_floats "${@:2}" ;;
     others) soak_others ;;
+    elementary) soak_elementary "${@:2}" ;;
     guest) soak_guest "${@:2}" ;;
     all) soak_others && soak_floats ;;
-    *) sed -n '2,13s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2; exit 2 ;;
+    *) sed -n '2,15s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2; exit 2 ;;
 esac

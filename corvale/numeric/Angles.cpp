@@ -1,6 +1,7 @@
 #include <corvale/numeric/Angles.hpp>
 
 #include <corvale/numeric/Digits.hpp>
+#include <corvale/numeric/Elementary.hpp>
 
 #include <bit>
 #include <cmath>
@@ -122,12 +123,12 @@ double FMod2P(double x) noexcept {
 }
 
 double AcTan(double s, double c) noexcept {
-    const double angle = std::atan2(s, c);
+    const double angle = Elementary::ArcTan2(s, c);
     return angle < 0.0 ? angle + kTwoPi : angle;
 }
 
 double AcSin(double x) noexcept {
-    if (std::fabs(x) < 1.0) return std::atan(x / std::sqrt(1.0 - x * x));
+    if (std::fabs(x) < 1.0) return Elementary::ArcTan(x / std::sqrt(1.0 - x * x));
     if (std::isnan(x)) return x;
     return std::copysign(kHalfPi, x);
 }

@@ -6,8 +6,8 @@
 //            "Beyond 32 bits" means: NaN, an infinity, or whole degrees that no 32-bit integer
 //            holds
 // Threads    no state, no allocation: any number of threads at once
-// Exactness  fixed order of operations, the same bits everywhere, but for AcTan and AcSin: there
-//            one arc tangent of the C library is good to 1 ulp
+// Exactness  fixed order of operations, the same bits everywhere; the arc tangents are correctly
+//            rounded (Elementary.hpp). Which NaN comes out, its sign included, is not promised
 //
 // Reduce  FMod2P  DeltaAngleLT180
 // Invert  AcTan  AcSin

@@ -13,7 +13,8 @@
 // thousands needs more digits and takes 1 to 5 microseconds.
 //
 // Angles     Sin  Cos  SinCos
-// Powers     Exp
+// Arcs       ArcTan  ArcTan2  ArcCos
+// Powers     Exp  CubeRoot
 #pragma once
 
 #include <corvale/base/Export.h>
@@ -45,10 +46,37 @@ struct SineCosine {
 /// Exactness  the bits of Sin and Cos
 [[nodiscard]] CORVALE_API SineCosine SinCos(double x) noexcept;
 
+/// The angle from -pi/2 to pi/2 whose tangent is `x`. ArcTan(-0.0) is -0.0.
+///
+/// Units      radians
+/// Bad input  an infinity gives the double nearest to pi/2, with its sign
+[[nodiscard]] CORVALE_API double ArcTan(double x) noexcept;
+
+/// The angle from -pi to pi whose sine and cosine are proportional to `y` and `x`, in this order. It
+/// has the sign of `y`, of a zero too; an `x` of -0.0 counts as negative: ArcTan2(0.0, -0.0) is the
+/// double nearest to pi.
+///
+/// Units      radians; `y` and `x` share any unit
+/// Bad input  two infinities lie on a diagonal: odd multiples of pi/4
+[[nodiscard]] CORVALE_API double ArcTan2(double y, double x) noexcept;
+
+/// The angle from 0 to pi whose cosine is `x`.
+///
+/// Units      radians
+/// Bad input  |x| > 1 gives NaN
+[[nodiscard]] CORVALE_API double ArcCos(double x) noexcept;
+
 /// e to the power of `x`. Beyond about 709.78 it is an infinity, below about -745.13 it is 0.
 ///
 /// Units      `x` has none
 /// Bad input  an infinity gives an infinity or 0, as its sign says
 [[nodiscard]] CORVALE_API double Exp(double x) noexcept;
+
+/// The number whose cube is `x`, with the sign of `x`. The exponent of GenFunctions::CubRt is the
+/// double below one third: results differ where a root is near a midpoint of two doubles.
+///
+/// Units      `x` has any, the result its cube root
+/// Bad input  an infinity gives itself
+[[nodiscard]] CORVALE_API double CubeRoot(double x) noexcept;
 
 }  // namespace corvale::Elementary

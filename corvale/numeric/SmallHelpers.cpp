@@ -1,6 +1,7 @@
 #include <corvale/numeric/SmallHelpers.hpp>
 
 #include <corvale/numeric/Elementary.hpp>
+#include <corvale/numeric/elementary/CubeRoots.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -95,7 +96,7 @@ std::int32_t IndexBetween(const double* table, std::int32_t low, std::int32_t hi
 }  // namespace
 
 double CubRt(double x) noexcept {
-    return std::copysign(std::pow(std::fabs(x), kOneThird), x);
+    return std::copysign(internal::PowerOfThird(x), x);
 }
 
 double SerExp(double x) noexcept {

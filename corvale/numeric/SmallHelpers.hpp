@@ -4,8 +4,9 @@
 //
 // Bad input  nothing fails but `CkSum`, which says so in its status
 // Threads    no state, no allocation: any number of threads at once
-// Exactness  fixed order of operations, the same bits everywhere, around the one call of the C
-//            library that a comment names, good to 1 ulp
+// Exactness  fixed order of operations, the same bits everywhere, around the one call of
+//            Elementary.hpp that a comment names, correctly rounded. Which NaN comes out, its sign
+//            included, is not promised
 //
 // Functions       CubRt  SerExp
 // Lines           CkSum
@@ -23,7 +24,8 @@ namespace corvale::GenFunctions {
 /// The cube root of `x`, with its sign (-8 gives -2, -0.0 gives -0.0).
 ///
 /// Units      the cube root of that of `x`
-/// Exactness  |x| to the power of the double nearest one third: one power
+/// Exactness  |x| to the power of the double below one third, correctly rounded; the cube root
+///            itself is Elementary::CubeRoot
 [[nodiscard]] CORVALE_API double CubRt(double x) noexcept;
 
 /// (1 - exp(-100 x^2)) / x, also near 0, where it is 0.
@@ -34,7 +36,7 @@ namespace corvale::GenFunctions {
 ///
 /// Units      `x` has none
 /// Bad input  an infinity gives 0 with its sign
-/// Exactness  one exponential between 0.01 and 0.75; otherwise the same bits everywhere
+/// Exactness  one exponential between 0.01 and 0.75
 [[nodiscard]] CORVALE_API double SerExp(double x) noexcept;
 
 /// The checksum of the characters `first` to `last` of `line`, counted from 1: the digits count

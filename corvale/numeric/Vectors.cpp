@@ -36,7 +36,7 @@ double AngleOf2Vecs(const Vector3& a, const Vector3& b) noexcept {
     const double dot = a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
     const double cosine = dot / (Mag(b) * Mag(a));
     if (std::fabs(cosine) + kCosineTolerance > 1.0) return cosine > 0.0 ? 0.0 : kPi;
-    return std::acos(cosine);
+    return Elementary::ArcCos(cosine);
 }
 
 Vector3 Rotate(const Vector3& v, std::int32_t axis, double angle) noexcept {

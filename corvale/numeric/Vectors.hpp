@@ -5,8 +5,9 @@
 //            from about 1e154 and vanish below about 1e-162 (no scaling)
 // Aliasing   arguments are read whole before a result exists: a result may be assigned to an input
 // Threads    no state, no allocation: any number of threads at once
-// Exactness  fixed order of operations, the same bits everywhere, around the one call of the C
-//            library that a comment names, good to 1 ulp
+// Exactness  fixed order of operations, the same bits everywhere, around the one call of
+//            Elementary.hpp that a comment names, correctly rounded. Which NaN comes out, its sign
+//            included, is not promised
 //
 // The two rotations turn in opposite senses: `Rotate` about axis 3 by +t radians gives what
 // `RodriguesRot` about (0, 0, 1) gives for -t in degrees.

@@ -20,7 +20,7 @@ namespace corvale::internal {
 class RangeStack {
   public:
     /// Takes the block for `n` keys, not zero-filled: each entry is written before it is read.
-    /// Stops the process where it is not to be had.
+    /// Stops the process where it is not available.
     explicit RangeStack(std::size_t n) noexcept
         : entries_(static_cast<std::int32_t*>(std::malloc(n * sizeof(std::int32_t)))), size_(n) {
         if (entries_ == nullptr) StopForMemory(n * sizeof(std::int32_t));

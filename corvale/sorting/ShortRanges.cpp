@@ -12,7 +12,7 @@ namespace corvale::internal {
 
 namespace {
 
-// Longer than a range, for what is looked at in vain.
+// Longer than a range: the vector loads read past its end and ignore what they find.
 using Words = std::array<std::uint64_t, kShortRange + kRanked>;
 
 void Load(const KeyRange& range, std::size_t offset, std::uint64_t* words) noexcept {

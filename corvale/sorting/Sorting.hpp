@@ -6,7 +6,7 @@
 // from 1.
 //
 // Shape      `keys` and `companion` hold `n` elements each
-// Bad input  every key is usable; counts and positions are described with the procedures
+// Bad input  every key is usable; each procedure says what counts and positions mean to it
 // Aliasing   both are changed in place and do not overlap
 // Threads    no state: any number of threads at once on different lists
 #pragma once
@@ -31,7 +31,7 @@ using Key = std::array<char, 32>;
 /// name it needs no pivots; a single step with one is `Partition`.
 ///
 /// Bad input  `n` below 1: nothing happens, the lists may be null. Where the 4 x `n` bytes are not
-///            to be had, the process is stopped: "Error allocating %lu bytes" on standard error,
+///            available, the process is stopped: "Error allocating %lu bytes" on standard error,
 ///            and exit status 1
 CORVALE_API void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noexcept;
 

@@ -15,7 +15,7 @@ namespace corvale::internal {
 constexpr std::size_t kRanked = 16;
 
 /// Lets the compiler take `words` for written, with whatever they hold: those that stay unwritten
-/// are looked at in vain, and have to have values for that. Not one instruction.
+/// are read and ignored, and need some value for that. Costs no instruction.
 template <class Words>
 CORVALE_INLINE void TakeForWritten(Words& words) noexcept {
     asm("" : "=m"(words));
@@ -35,8 +35,8 @@ struct Rank {
     }
 };
 
-/// All words against one at once. `in` and `places` have room for kRanked words: what stands behind
-/// `count` is looked at in vain.
+/// All words against one at once. `in` and `places` have room for kRanked words: what follows
+/// `count` is read and ignored.
 template <>
 struct Rank<Avx2Path> {
     CORVALE_INLINE void operator()(const std::uint64_t* in, std::size_t count,

@@ -1,8 +1,11 @@
 #include <corvale/numeric/Elementary.hpp>
+#include <corvale/numeric/SmallHelpers.hpp>
 
 #include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 #include <limits>
 
 namespace corvale::Elementary {
@@ -78,6 +81,109 @@ constexpr PowerCase kPowers[] = {
 
 TEST(Elementary, Exponential) {
     for (const auto& [x, power, why] : kPowers) EXPECT_EQ(Bits(Exp(x)), Bits(power)) << why;
+}
+
+struct ArcCase {
+    double x, arc;
+    const char* why;
+};
+constexpr ArcCase kArcTangents[] = {
+    {0x1p+0, 0x1.921fb54442d18p-1, "an eighth of a turn"},
+    {0x1p-1, 0x1.dac670561bb4fp-2, "plain"},
+    {0x1p-27, 0x1p-27, "the first that is no longer itself"},
+    {0x1.fffffffffffffp-8, 0x1.fffd555bbba96p-8, "the last below the table"},
+    {0x1p-7, 0x1.fffd555bbba97p-8, "the first in the table"},
+    {0x1.fffffffffffffp+6, 0x1.901fb7eee715ep+0, "the last in the table"},
+    {0x1p+7, 0x1.901fb7eee715ep+0, "the first beyond"},
+    {1e300, 0x1.921fb54442d18p+0, "a quarter turn but for next to nothing"},
+    {0x1.f9e8b6fc7d9a3p-2, 0x1.d5e40b89a62abp-2, "plain, all bits in use"},
+    {0x1p-1074, 0x1p-1074, "the least double"},
+    {-0.0, -0.0, "a negative zero"},
+    {-kInfinity, -0x1.921fb54442d18p+0, "an infinity"},
+    {-kNaN, kNaN, "every NaN comes out as one"},
+};
+
+TEST(Elementary, ArcTangent) {
+    for (const auto& [x, arc, why] : kArcTangents) {
+        EXPECT_EQ(Bits(ArcTan(x)), Bits(arc)) << why;
+        EXPECT_EQ(Bits(ArcTan2(x, 1.0)), Bits(arc)) << why;
+    }
+}
+
+struct PointCase {
+    double y, x, arc;
+    const char* why;
+};
+constexpr PointCase kPoints[] = {
+    {1.0, -1.0, 0x1.2d97c7f3321d2p+1, "left above"},
+    {-1.0, -1.0, -0x1.2d97c7f3321d2p+1, "left below"},
+    {1e-5, -3.0, 0x1.921f994dfb705p+1, "a small angle before half a turn"},
+    {3.0, 0x1p-1030, 0x1.921fb54442d18p+0, "a quotient that overflows"},
+    {1e-300, 1e300, 0.0, "a quotient that underflows"},
+    {0x1p-1074, 0x1p-1074, 0x1.921fb54442d18p-1, "both subnormal"},
+    {0x1.fffffffffffffp+1023, 0x1.fffffffffffffp+1023, 0x1.921fb54442d18p-1, "both greatest"},
+    {0x1p-1022, 2.0, 0x0.8p-1022, "a subnormal angle"},
+    {0x1.8p-1000, 0x1p+74, 0x1p-1074, "half way between two subnormal angles: just below, so down"},
+    {0x5p-1074, 2.0, 0x2p-1074, "half way to an odd one: down, too"},
+    {0.0, 1.0, 0.0, "on the axis"},
+    {-0.0, -1.0, -0x1.921fb54442d18p+1, "on the axis, on the left, from below"},
+    {0.0, -0.0, 0x1.921fb54442d18p+1, "the origin, from the left"},
+    {-2.0, 0.0, -0x1.921fb54442d18p+0, "straight down"},
+    {kInfinity, -kInfinity, 0x1.2d97c7f3321d2p+1, "a diagonal"},
+    {-kInfinity, kInfinity, -0x1.921fb54442d18p-1, "a diagonal"},
+    {kInfinity, 1.0, 0x1.921fb54442d18p+0, "infinitely high"},
+    {-1.0, -kInfinity, -0x1.921fb54442d18p+1, "infinitely far on the left"},
+    {kNaN, kInfinity, kNaN, "no point"},
+    {0.0, -kNaN, kNaN, "every NaN comes out as one"},
+};
+
+TEST(Elementary, ArcTangentOfAPoint) {
+    for (const auto& [y, x, arc, why] : kPoints) EXPECT_EQ(Bits(ArcTan2(y, x)), Bits(arc)) << why;
+}
+
+constexpr ArcCase kArcCosines[] = {
+    {0x1p-1, 0x1.0c152382d7366p+0, "a sixth of a turn"},
+    {-0x1p-1, 0x1.0c152382d7366p+1, "a third"},
+    {0.0, 0x1.921fb54442d18p+0, "a quarter"},
+    {0x1p-60, 0x1.921fb54442d18p+0, "a quarter but for next to nothing"},
+    {0x1.ff2e48e8a71dep-8, 0x1.902085a7a536p+0, "the last near 0"},
+    {0x1.fbfffffffffffp-1, 0x1.002abde953639p-3, "the last of the table"},
+    {0x1.fcp-1, 0x1.002abde953619p-3, "the first near 1"},
+    {0x1.fffffffffffffp-1, 0x1p-26, "the last below 1"},
+    {-0x1.fffffffffffffp-1, 0x1.921fb52442d18p+1, "the first above -1"},
+    {1.0, 0.0, "no angle at all"},
+    {-1.0, 0x1.921fb54442d18p+1, "half a turn"},
+    {0x1.0000000000001p+0, kNaN, "no cosine"},
+    {-kInfinity, kNaN, "no cosine"},
+    {-kNaN, kNaN, "every NaN comes out as one"},
+};
+
+TEST(Elementary, ArcCosine) {
+    for (const auto& [x, arc, why] : kArcCosines) EXPECT_EQ(Bits(ArcCos(x)), Bits(arc)) << why;
+}
+
+struct RootCase {
+    double x, root, power;
+    const char* why;
+};
+constexpr RootCase kRoots[] = {
+    {1.0, 1.0, 1.0, "the one exact power"},
+    {8.0, 2.0, 2.0, "an exact root; a power less than half a unit below"},
+    {0x1.fffffffffffffp+1023, 0x1.428a2f98d728bp+341, 0x1.428a2f98d724p+341, "the greatest double"},
+    {0x1p-1022, 0x1.428a2f98d728bp-341, 0x1.428a2f98d72d5p-341, "the least normal double"},
+    {0x1p-1074, 0x1p-358, 0x1.000000000003ep-358, "the least double"},
+    {0x1.fffffffffffffp-1, 1.0, 1.0, "next to 1"},
+    {0.0, 0.0, 0.0, "zero"},
+    {kInfinity, kInfinity, kInfinity, "an infinity"},
+    {kNaN, kNaN, kNaN, "NaN"},
+};
+
+TEST(Elementary, CubeRootAndPowerOfAThird) {
+    for (const auto& [x, root, power, why] : kRoots) {
+        EXPECT_EQ(Bits(CubeRoot(x)), Bits(root)) << why;
+        EXPECT_EQ(Bits(GenFunctions::CubRt(x)), Bits(power)) << why;
+        EXPECT_EQ(Bits(CubeRoot(-x)), std::isnan(x) ? Bits(kNaN) : Bits(-root)) << why;
+    }
 }
 
 }  // namespace

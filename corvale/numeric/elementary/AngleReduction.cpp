@@ -51,9 +51,8 @@ void FractionOfTurn(double x, TurnWords<kCount>& words) noexcept {
 // What beside the words of the remainder is known: they are a fraction of a turn in two's complement.
 struct TurnStep {
     std::uint32_t step;
-    std::uint64_t
-        turnOver;        // all bits where the words are negative: makes them a magnitude that is
-                         // a unit too small
+    // All bits where the words are negative: makes them a magnitude that is a unit too small.
+    std::uint64_t turnOver;
     std::uint64_t sign;  // of the remainder of x, as the sign bit of a double
 };
 

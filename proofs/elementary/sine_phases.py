@@ -2,38 +2,20 @@
 """Proves with Gappa that the fast phases of sine, cosine and exponential are as good as their rounding
 tests assume: one script for each entry of the tables, read from the headers of the library.
 
-    fast_phases.py SOURCE [FACTOR]   a FACTOR above 1 makes the bounds that much too small: must fail
+    sine_phases.py SOURCE [FACTOR]   a FACTOR above 1 makes the bounds that much too small: must fail
 
 The result is high + low, high + (sum.low) = a.head + b.head head exactly. So the error is that of low,
 and of both ends low - e and low + e. Given are, as variables within bounds: t = th + tl, the head h of
 th, the rounding error sl of the leading sum, and with them what is exact only up to a bound from
-elsewhere: table entries (2^-80), the reduction (2^-78), the polynomials (polynomials.sollya)."""
-import concurrent.futures
+elsewhere: table entries (2^-80), the reduction (2^-78), the polynomials (sine_polynomials.sollya)."""
 import math
-import os
-import pathlib
 import re
-import subprocess
-import sys
 
-source = pathlib.Path(sys.argv[1]) / "corvale/numeric/elementary"
-factor = float(sys.argv[2]) if len(sys.argv) > 2 else 1.0
+from claims import bound, check_coefficients, exact, factor, prove, table
 
 
-def entries(name, table):
-    text = (source / name).read_text()
-    text = text[text.index(table):]
-    return re.findall(r"\{(\S+), (\S+)\}", text[:text.index("};")])
-
-
-def error_of(name):
-    return float.fromhex(re.search(r"kError = (\S+);", (source / name).read_text())[1]) / factor
-
-
-def coefficients(name, function):
-    """The polynomials stand in the scripts below; here is only checked that the code has the same ones."""
-    text = (source / name).read_text()
-    return re.findall(r"-?0x[0-9a-f.]+p-\d+", text[text.index(function):text.index("Both ends")])
+def entries(name, symbol):
+    return re.findall(r"\{(\S+), (\S+)\}", table(name, symbol))
 
 
 # What Gappa does not see. Sine: table 2^-81 and t 2^-80, reduction 2^-81.5, polynomials 2^-85, and t^2/2
@@ -87,10 +69,6 @@ UPPER -> (upper - (low + e)) + (low - LOW);
 """
 
 
-def exact(x):
-    return x.hex()
-
-
 def script(head, a, b, t0, t1, greatest, scale, rest, error):
     """`greatest` bounds the result; the test allows for `error` of `scale`, of which `rest` is for what
     Gappa does not see."""
@@ -105,7 +83,7 @@ def script(head, a, b, t0, t1, greatest, scale, rest, error):
 
 def sine_scripts():
     nodes = entries("SineTable.hpp", "kSines")
-    error = error_of("SineCosine.cpp")
+    error = bound("SineCosine.cpp", "kError")
     half = math.pi / 1024 * (1 + 2.0 ** -20)
     for k in range(1, 257):
         greatest, lead = math.sin(min(k + 0.5001, 256) * math.pi / 512), float.fromhex(nodes[k][0])
@@ -122,38 +100,9 @@ def exponential_scripts():
     for i, node in enumerate(entries("ExponentialTable.hpp", "kPowersOfTwo")):
         value = 2.0 ** (i / 128)
         yield f"exponential, node {i}", script(EXPONENTIAL, node, node, -half, half, value * math.exp(half),
-                                               (value * math.exp(-half), value * math.exp(half)), value * EXPONENTIAL_REST, error_of("Exponential.cpp"))
+                                               (value * math.exp(-half), value * math.exp(half)), value * EXPONENTIAL_REST, bound("Exponential.cpp", "kError"))
 
 
-def check_polynomials():
-    for name, function, text in (("SineCosine.cpp", "Remainder PowersOf", SINE), ("Exponential.cpp", "double Curve", EXPONENTIAL)):
-        for coefficient in coefficients(name, function):
-            if coefficient.lstrip("-") not in text:
-                sys.exit(f"{name}: {coefficient} is not what is proved")
-
-
-def run(job):
-    name, text = job
-    try:
-        result = subprocess.run(["gappa"], input=text, capture_output=True, text=True, timeout=60)
-    except subprocess.TimeoutExpired:
-        return name, False, "no proof in a minute"
-    return name, result.returncode == 0, result.stderr
-
-
-def main():
-    check_polynomials()
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for kind, scripts in (("sine and cosine", sine_scripts), ("exponential", exponential_scripts)):
-            count = 0
-            for name, holds, errors in pool.map(run, scripts()):
-                if not holds:
-                    pool.shutdown(wait=False, cancel_futures=True)
-                    print(f"{name}: the error of the fast phase is not proved\n{errors[-300:]}")
-                    return 1
-                count += 1
-            print(f"{kind}: error of the fast phase: {count} claims hold")
-    return 0
-
-
-sys.exit(main())
+check_coefficients("SineCosine.cpp", "Remainder PowersOf", "Both ends", SINE)
+check_coefficients("Exponential.cpp", "double Curve", "Both ends", EXPONENTIAL)
+prove({"sine and cosine": sine_scripts, "exponential": exponential_scripts})
