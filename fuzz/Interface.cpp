@@ -142,7 +142,7 @@ void Messages(Choices in) {
     GetLastErrMsg(out);
     ExpectSame({out, 128}, std::string(128, ' '), "GetLastErrMsg");
     CorvaleGetInfo(out = gOutRoom.Of(128));
-    ExpectSame({out, 31}, "Arvenit Corvale - Version: v9.5", "CorvaleGetInfo");
+    ExpectSame({out, 31}, "Arvenit Corvale - Version: v9.4", "CorvaleGetInfo");
     GetInitDllNames(out = gOutRoom.Of(512));
     ExpectSame({out, 512}, std::string(512, ' '), "GetInitDllNames");
     ExpectSame(CorvaleInit(), 0, "CorvaleInit");

@@ -112,7 +112,7 @@ void InformationLine(std::string_view name, std::string_view version, bool hasVe
     else
         GetSoftwareInfo(name, info);
     std::string wanted = "Arvenit " + std::string(name) + " - Version: ";
-    wanted += std::string(hasVersion ? version : "v9.5") + " - Build: ";
+    wanted += std::string(hasVersion ? version : "v9.4") + " - Build: ";
     wanted.resize(std::min<std::size_t>(wanted.size(), 128));
     ExpectSame({info.data(), wanted.size()}, wanted, "GetSoftwareInfo");
     Expect(std::find(info.begin(), info.end(), '#') == info.end() || wanted.find('#') < 128,

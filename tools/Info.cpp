@@ -10,7 +10,7 @@ namespace corvale::tool {
 
 namespace {
 
-// The pieces of "Arvenit Corvale - Version: v9.5 - Build: ...", each by its name in small letters.
+// The pieces of "Arvenit Corvale - Version: v9.4 - Build: ...", each by its name in small letters.
 void PrintJson(const std::string& line) {
     nlohmann::ordered_json all = {{"information", line}};
     constexpr std::string_view separator = " - ";

@@ -86,7 +86,7 @@ func TestDeclarationsAgreeWithTheTable(t *testing.T) {
 func TestIdentity(t *testing.T) {
 	expect(t, Open(""), nil)
 	expect(t, Init(), nil)
-	expect(t, strings.HasPrefix(Info(), "Arvenit Corvale - Version: v9.5 - Build: "), true)
+	expect(t, strings.HasPrefix(Info(), "Arvenit Corvale - Version: v9.4 - Build: "), true)
 	expect(t, InitDllNames(), "")
 	called = append(called, "CorvaleInit", "CorvaleGetInfo", "GetInitDllNames")
 }

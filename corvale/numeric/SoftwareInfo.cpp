@@ -15,7 +15,7 @@ static_assert(kBuildDate.size() == 11 && kPlatform.size() == 16);
 void GetSoftwareInfo(std::string_view libName, std::span<char, 128> info,
                      std::optional<std::string_view> version) noexcept {
     const std::array<std::string_view, 10> pieces = {
-        "Arvenit ", libName,         " - Version: ", version.value_or("v9.5"), " - Build: ",
+        "Arvenit ", libName,         " - Version: ", version.value_or("v9.4"), " - Build: ",
         kBuildDate, " - Platform: ", kPlatform,      " - Compiler: ",          kCompiler};
 
     // Cut where the line is full, so that a long name loses what follows it.

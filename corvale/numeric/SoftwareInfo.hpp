@@ -10,8 +10,9 @@
 namespace corvale::GenFunctions {
 
 /// Writes the information line of the library `libName`: "Arvenit " + `libName` + " - Version: " +
-/// `version` (this library's own "v9.5" where none is given) + " - Build: ", the build date as
-/// "May  3 2024", " - Platform: ", 16 characters, " - Compiler: " and the compiler's name.
+/// `version` + " - Build: ", the build date as "May  3 2024", " - Platform: ", 16 characters,
+/// " - Compiler: " and the compiler's name. Where no version is given it is "v9.4": applications know
+/// this text, so it stays when CORVALE_VERSION rises.
 ///
 /// Width      exactly 128 characters, blank-filled, without a terminator; trailing blanks of
 ///            `libName` and `version` are kept

@@ -65,7 +65,7 @@ TEST_F(CFace, TellsWhichLibraryThisIs) {
     EXPECT_EQ(CorvaleInit(), CORVALE_OK);
     EXPECT_EQ(Written(GetInitDllNames, CORVALE_NAME_WIDTH), Padded("", CORVALE_NAME_WIDTH));
     const std::string line = Written(CorvaleGetInfo);
-    EXPECT_EQ(line.substr(0, 41), "Arvenit Corvale - Version: v9.5 - Build: ");
+    EXPECT_EQ(line.substr(0, 41), "Arvenit Corvale - Version: v9.4 - Build: ");
     EXPECT_NE("Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec"sv.find(line.substr(41, 3)),
               std::string_view::npos);
     std::string day = line.substr(44, 8);
@@ -85,7 +85,7 @@ TEST_F(CFace, ComposesTheInformationLineOfAnyLibrary) {
         const char* why;
     } cases[] = {
         {"Orbit  ", "v2  ", "Arvenit Orbit   - Version: v2   - Build: ", "blanks are kept"},
-        {"", std::nullopt, "Arvenit  - Version: v9.5 - Build: ", "no name"},
+        {"", std::nullopt, "Arvenit  - Version: v9.4 - Build: ", "no name"},
         {"", "", "Arvenit  - Version:  - Build: ", "an empty version is a version"},
         {longName, "v1", "Arvenit nnnn", "the line is cut at its width"},
     };

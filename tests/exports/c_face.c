@@ -22,7 +22,7 @@ static void CheckState(const char* inputFile) {
 
     Check(CorvaleInit() == CORVALE_OK, "CorvaleInit");
     CorvaleGetInfo(text);
-    Check(strncmp(text, "Arvenit Corvale - Version: v9.5 - Build: ", 41) == 0, "CorvaleGetInfo");
+    Check(strncmp(text, "Arvenit Corvale - Version: v9.4 - Build: ", 41) == 0, "CorvaleGetInfo");
     GetInitDllNames(text);
     Check(strspn(text, " ") == CORVALE_NAME_WIDTH, "GetInitDllNames");
 

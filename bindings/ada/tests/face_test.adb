@@ -287,7 +287,7 @@ begin
    Declarations_Agree;
    Corvale.Open;
    Init;
-   Expect (Head (Info, 41) = "Arvenit Corvale - Version: v9.5 - Build: ", Info);
+   Expect (Head (Info, 41) = "Arvenit Corvale - Version: v9.4 - Build: ", Info);
    Expect (Init_Dll_Names = "", Init_Dll_Names);
    Call ("CorvaleInit CorvaleGetInfo GetInitDllNames ");
    Key_Modes;

@@ -68,7 +68,7 @@ internal static class FaceTest
     private static void Identity()
     {
         library.Init();
-        Expect(library.Info.Substring(0, 40), "Arvenit Corvale - Version: v9.5 - Build:");
+        Expect(library.Info.Substring(0, 40), "Arvenit Corvale - Version: v9.4 - Build:");
         Expect(library.InitDllNames, "");
     }
 

@@ -38,7 +38,7 @@ contains
       call corvale_init(status)
       call expect(status == CORVALE_OK, name)
     case ("CorvaleGetInfo")
-      call expect(index(corvale_info(), "Arvenit Corvale - Version: v9.5 - Build: ") == 1, name)
+      call expect(index(corvale_info(), "Arvenit Corvale - Version: v9.4 - Build: ") == 1, name)
     case ("GetInitDllNames")
       call expect(len(corvale_init_dll_names()) == 0, name)
     case ("GetDupKeyMode", "SetDupKeyMode", "GetAllKeyMode", "SetAllKeyMode", "ResetAllKeyMode", &

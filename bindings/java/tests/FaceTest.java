@@ -89,7 +89,7 @@ final class FaceTest {
 
     private static void identity() {
         corvale.init();
-        expect(corvale.getInfo().substring(0, 40), "Arvenit Corvale - Version: v9.5 - Build:");
+        expect(corvale.getInfo().substring(0, 40), "Arvenit Corvale - Version: v9.4 - Build:");
         expect(corvale.getInitDllNames(), "");
     }
 

@@ -66,7 +66,7 @@ corvale.face = setmetatable({}, {__index = function(_, name) -- every function i
 end})
 
 corvale:init()
-expect(corvale:info():sub(1, 41), 'Arvenit Corvale - Version: v9.5 - Build: ')
+expect(corvale:info():sub(1, 41), 'Arvenit Corvale - Version: v9.4 - Build: ')
 expect(corvale:init_dll_names(), '')
 
 local function modes() return {corvale:dup_key_mode(), corvale:all_key_mode(), corvale:elset_key_mode()} end

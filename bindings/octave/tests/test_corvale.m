@@ -18,7 +18,7 @@ function call_function(name)
     case 'CorvaleInit'
       corvale.init();
     case 'CorvaleGetInfo'
-      check(strncmp(corvale.info(), 'Arvenit Corvale - Version: v9.5 - Build: ', 41), name);
+      check(strncmp(corvale.info(), 'Arvenit Corvale - Version: v9.4 - Build: ', 41), name);
     case 'GetInitDllNames'
       check(isempty(corvale.initDllNames()), name);
     case {'GetDupKeyMode', 'SetDupKeyMode', 'GetAllKeyMode', 'SetAllKeyMode', 'ResetAllKeyMode', ...

@@ -48,7 +48,7 @@ sub fails ($what, $message, $call) {
 sub modes { join ' ', $corvale->dup_key_mode, $corvale->all_key_mode, $corvale->elset_key_mode }
 
 $corvale->init;
-expect(substr($corvale->info, 0, 41), 'Arvenit Corvale - Version: v9.5 - Build: ', 'info');
+expect(substr($corvale->info, 0, 41), 'Arvenit Corvale - Version: v9.4 - Build: ', 'info');
 expect($corvale->init_dll_names, '', 'init_dll_names');
 
 $corvale->set_dup_key_mode(1);

@@ -151,7 +151,7 @@ def main() -> None:
     corvale = Corvale()
     called = record_calls(corvale)
     corvale.init()
-    assert corvale.info().startswith("Arvenit Corvale - Version: v9.5 - Build: ")
+    assert corvale.info().startswith("Arvenit Corvale - Version: v9.4 - Build: ")
     assert corvale.init_dll_names() == ""
     for scene in (modes, log, cards, self_tests, refusals):
         scene(corvale)

@@ -54,7 +54,7 @@ fails(corvale_info())  # not loaded yet
 for (path in c("no-such.so", "libc.so.6")) fails(corvale_open(path))
 corvale_open()
 corvale_init()
-expect(startsWith(corvale_info(), "Arvenit Corvale - Version: v9.5 - Build: "), TRUE)
+expect(startsWith(corvale_info(), "Arvenit Corvale - Version: v9.4 - Build: "), TRUE)
 expect(corvale_init_dll_names(), "")
 
 modes <- function() c(corvale_dup_key_mode(), corvale_all_key_mode(), corvale_elset_key_mode())

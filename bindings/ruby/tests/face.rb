@@ -35,7 +35,7 @@ end
 
 def identity
   LIBRARY.init
-  expect(LIBRARY.info[0, 41], 'Arvenit Corvale - Version: v9.5 - Build: ')
+  expect(LIBRARY.info[0, 41], 'Arvenit Corvale - Version: v9.4 - Build: ')
   expect(LIBRARY.init_dll_names, '')
 end
 

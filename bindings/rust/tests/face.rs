@@ -52,7 +52,7 @@ fn check_declarations(table: &str) -> (Vec<&str>, usize) {
 
 fn identity(corvale: &Corvale) {
     assert_eq!(corvale.init(), Ok(()));
-    assert!(corvale.info().starts_with("Arvenit Corvale - Version: v9.5 - Build: "));
+    assert!(corvale.info().starts_with("Arvenit Corvale - Version: v9.4 - Build: "));
     assert_eq!(corvale.init_dll_names(), "");
 }
 
