@@ -1,4 +1,4 @@
-// Angles and their texts: the formulas through the C library. For round-to-nearest.
+// Angles and their texts: the formulas step by step. For round-to-nearest.
 #pragma once
 
 #include <corvale/numeric/Elementary.hpp>

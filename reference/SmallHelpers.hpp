@@ -1,4 +1,4 @@
-// Functions of a real through the C library, and a table search step by step. For round-to-nearest.
+// Functions of a real and a table search, step by step. For round-to-nearest.
 #pragma once
 
 #include <corvale/numeric/Elementary.hpp>

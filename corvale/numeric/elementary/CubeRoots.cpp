@@ -35,18 +35,12 @@ constexpr double kError = 0x1p-67;
 constexpr double kLogTwo = 0x1.62e42fefa39efp-1;
 constexpr double kMinusThird = -0x1.5555555555555p-56;  // -2^-54 / 3
 
-constexpr unsigned kFractionBits = 52;
 constexpr std::uint64_t kFraction = (std::uint64_t{1} << kFractionBits) - 1;
-constexpr int kBias = 1023;
 constexpr std::uint64_t kOne = std::uint64_t{kBias} << kFractionBits;  // the bits of 1.0
 constexpr double kThird = 1.0 / 3.0;
 constexpr double kNinth = 1.0 / 9.0;
 constexpr unsigned kCellBits = 5;
 static_assert(std::size(kCubeRootCells) == 1U << kCellBits);
-
-double PowerOfTwo(int exponent) noexcept {
-    return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + kBias) << kFractionBits);
-}
 
 // q/3 - q^2/9 + 5 q^3/81 - 10 q^4/243 for |q| < 2^-15: (1 + q)^(1/3) - 1 but for 2^-71.
 double RootSeries(double q) noexcept {

@@ -39,10 +39,44 @@ inline double Head(double x) noexcept {
     return std::bit_cast<double>(std::bit_cast<std::uint64_t>(x) & ~kTail);
 }
 
+/// The bits of a double's fraction, and what its exponent field adds to the exponent.
+inline constexpr unsigned kFractionBits = 52;
+inline constexpr int kBias = 1023;
+
+/// 2^exponent, from the least normal double to the greatest power of 2.
+inline double PowerOfTwo(int exponent) noexcept {
+    return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + kBias) << kFractionBits);
+}
+
 /// a + b without error where |a| >= |b| or a = 0. Otherwise the error is below 2^-52 |b|.
 inline DoubleDouble FastTwoSum(double a, double b) noexcept {
     const double sum = a + b;
     return {sum, b - (sum - a)};
+}
+
+/// A length as a whole number of steps and what remains, at most half a step.
+struct WholeSteps {
+    std::int64_t count;
+    DoubleDouble rest;
+};
+
+/// A step's length, as a head whose product with `count` is exact and the rest, and its reciprocal.
+struct StepLength {
+    double head;
+    double rest;
+    double reciprocal;
+};
+
+/// `x` by the nearest number of steps. Precondition: count * step.head is exact.
+inline WholeSteps ReduceBySteps(double x, const StepLength& step) noexcept {
+    constexpr double kToWhole = 0x1.8p52;  // added and subtracted it rounds to a whole number,
+    const double shifted = x * step.reciprocal + kToWhole;  // whose last bits are then the sum's
+    const double count = shifted - kToWhole;
+    const double exact = x - count * step.head;
+    const double tail = count * step.rest;
+    const double high = exact - tail;
+    return {std::bit_cast<std::int64_t>(shifted) - std::bit_cast<std::int64_t>(kToWhole),
+            {high, (exact - high) - tail}};
 }
 
 /// Both ends of the interval `value` +- `error`, rounded. Where they are equal they are the value

@@ -33,13 +33,10 @@ using internal::WideReal;
 constexpr unsigned kSteps = 128;  // from one power of 2 to the next
 static_assert(std::size(internal::kPowersOfTwo) == kSteps);
 
-// ln 2 / 128 in two parts. The first has 35 bits: its product with a step below 2^17, as those of
+// ln 2 / 128. The head has 35 bits: its product with a number of steps below 2^17, as those of
 // arguments up to kFastLimit are, is exact.
-constexpr double kStepHead = 0x1.62e42fefcp-8;
-constexpr double kStepRest = -0x1.c610ca86c3899p-44;
-constexpr double kStepsPerUnit = 0x1.71547652b82fep7;
-// Added and subtracted it rounds to a whole number, whose last bits are then the sum's.
-constexpr double kToWhole = 0x1.8p52;
+constexpr internal::StepLength kStep = {0x1.62e42fefcp-8, -0x1.c610ca86c3899p-44,
+                                        0x1.71547652b82fep7};
 
 // Up to here e^x rounds to 1: x is at most half a unit of 1, and of what lies below 1.
 constexpr double kTiny = 0x1p-54;
@@ -52,21 +49,6 @@ constexpr double kUnderflow = -745.14;
 
 // The error of the fast phase relative to its result; proofs/elementary/.
 constexpr double kError = 0x1p-67;
-
-struct ReducedExponent {
-    std::int64_t step;
-    DoubleDouble rest;
-};
-
-ReducedExponent Reduce(double x) noexcept {
-    const double shifted = x * kStepsPerUnit + kToWhole;
-    const double steps = shifted - kToWhole;
-    const double exact = x - steps * kStepHead;
-    const double tail = steps * kStepRest;
-    const double high = exact - tail;
-    const auto step = std::bit_cast<std::int64_t>(shifted) - std::bit_cast<std::int64_t>(kToWhole);
-    return {step, {high, (exact - high) - tail}};
-}
 
 // e^t - 1 - t; the polynomial is good to 2^-77.
 double Curve(DoubleDouble t) noexcept {
@@ -88,7 +70,7 @@ RoundedEnds TimesPower(const TableValue& power, DoubleDouble t) noexcept {
 // x = n ln 2 + r. n is never too small, so that r stays below ln 2; where n is one too large
 // because x ln 2 was nearly whole, r comes out negative.
 WideReal WideExponential(double x, std::size_t width) noexcept {
-    constexpr double kPerUnit = kStepsPerUnit / kSteps;
+    constexpr double kPerUnit = kStep.reciprocal / kSteps;
     constexpr WideReal kOne = {internal::kLogarithmOfTwo, 0, false};
     auto whole = static_cast<std::int64_t>(std::floor(x * kPerUnit + 0x1p-20));
     WideReal multiple = internal::WideFromDouble(static_cast<double>(-whole));
@@ -119,7 +101,7 @@ double ExpSlowly(double x) noexcept {
 
 double Exp(double x) noexcept {
     if (!(std::fabs(x) > kTiny && std::fabs(x) <= kFastLimit)) return Otherwise(x);
-    const auto [step, rest] = Reduce(x);
+    const auto [step, rest] = internal::ReduceBySteps(x, kStep);
     const auto index = static_cast<std::uint64_t>(step) % kSteps;
     const RoundedEnds ends = TimesPower(internal::kPowersOfTwo[index], rest);
     if (!ends.Agree()) return ExpSlowly(x);

@@ -43,13 +43,10 @@ constexpr unsigned kStepBits = 10;  // a turn has 1024 steps
 constexpr std::uint32_t kQuarter = 256;
 static_assert(4 * kQuarter == 1U << kStepBits && std::size(internal::kSines) == kQuarter + 1);
 
-// pi/512 in two parts. The first has 36 bits: its product with a step below 2^17, as those of
-// angles below 512 are, is exact.
-constexpr double kStepHead = 0x1.921fb5444p-8;
-constexpr double kStepRest = 0x1.68c234c4c6629p-47;
-constexpr double kStepsPerRadian = 0x1.45f306dc9c883p7;
-// Added and subtracted it rounds to a whole number, whose last bits are then the sum's.
-constexpr double kToWhole = 0x1.8p52;
+// pi/512. The head has 36 bits: its product with a number of steps below 2^17, as those of angles
+// below 512 are, is exact.
+constexpr internal::StepLength kStep = {0x1.921fb5444p-8, 0x1.68c234c4c6629p-47,
+                                        0x1.45f306dc9c883p7};
 
 // Below the first |sin x| rounds to |x| and cos x to 1: x^2/6 and x^2/2 are less than half a unit.
 constexpr double kTiny = 0x1p-27;
@@ -59,13 +56,8 @@ constexpr double kFastLimit = 512.0;
 constexpr double kError = 0x1.bp-68;
 
 Angle ReduceByConstants(double x) noexcept {
-    const double shifted = x * kStepsPerRadian + kToWhole;
-    const double steps = shifted - kToWhole;
-    const double exact = x - steps * kStepHead;
-    const double tail = steps * kStepRest;
-    const double high = exact - tail;
-    return {static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(shifted)),
-            {high, (exact - high) - tail}};
+    const auto [count, rest] = internal::ReduceBySteps(x, kStep);
+    return {static_cast<std::uint32_t>(count), rest};
 }
 
 // sin and cos of a whole number of steps.
