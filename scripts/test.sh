@@ -60,7 +60,7 @@ test_folders() {
     for folder in "$@"; do
         case $folder in
             fuzz) targets+=(fuzz_replay) ;;
-            soak) targets+=(share_soak float_soak numeric_soak) ;;
+            soak) targets+=(soak_programs) ;;
             faults) targets+=(fault_loops) ;;
             *) targets+=("${folder}_tests") ;;
         esac
