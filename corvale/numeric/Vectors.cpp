@@ -17,6 +17,11 @@ static_assert(kPi == 0x1.921fb54442d18p+1 && kRadiansPerDegree == 0x1.1df46a2529
 constexpr double kCosineTolerance = 2.220446049250313e-16;
 static_assert(kCosineTolerance == 0x1p-52);
 
+// Of one vector with itself: here, so that AngleOf2Vecs takes both without a call.
+double MagnitudeOf(const Vector3& v) noexcept {
+    return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+}
+
 }  // namespace
 
 Vector3 Cross(const Vector3& a, const Vector3& b) noexcept {
@@ -29,12 +34,12 @@ Vector3 UnitVec(const Vector3& v) noexcept {
 }
 
 double Mag(const Vector3& v) noexcept {
-    return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    return MagnitudeOf(v);
 }
 
 double AngleOf2Vecs(const Vector3& a, const Vector3& b) noexcept {
     const double dot = a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-    const double cosine = dot / (Mag(b) * Mag(a));
+    const double cosine = dot / (MagnitudeOf(b) * MagnitudeOf(a));
     if (std::fabs(cosine) + kCosineTolerance > 1.0) return cosine > 0.0 ? 0.0 : kPi;
     return Elementary::ArcCos(cosine);
 }
@@ -42,10 +47,14 @@ double AngleOf2Vecs(const Vector3& a, const Vector3& b) noexcept {
 Vector3 Rotate(const Vector3& v, std::int32_t axis, double angle) noexcept {
     if (axis < 1 || axis > 3) return v;
 
+    // The two components that change, in the order in which the axis turns one into the other.
+    const auto first = static_cast<std::size_t>(axis) % 3;
+    const std::size_t second = (first + 1) % 3;
     const auto [s, c] = Elementary::SinCos(angle);
-    if (axis == 1) return {v[0], c * v[1] + s * v[2], c * v[2] - s * v[1]};
-    if (axis == 2) return {c * v[0] - s * v[2], v[1], c * v[2] + s * v[0]};
-    return {c * v[0] + s * v[1], c * v[1] - s * v[0], v[2]};
+    Vector3 turned = v;
+    turned[first] = c * v[first] + s * v[second];
+    turned[second] = c * v[second] - s * v[first];
+    return turned;
 }
 
 Vector3 RodriguesRot(const Vector3& v, double angle, const Vector3& k) noexcept {

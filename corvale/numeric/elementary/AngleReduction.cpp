@@ -86,7 +86,8 @@ double SignedPowerOfTwo(std::uint64_t sign, std::size_t exponent) noexcept {
 }  // namespace
 
 ReducedAngle<WideReal> ReduceWide(double x, unsigned stepBits, std::size_t width) noexcept {
-    return width == kNarrow ? Reduced<kNarrow>(x, stepBits) : Reduced<kWide>(x, stepBits);
+    if (width == kNarrow) return Reduced<kNarrow>(x, stepBits);
+    return width == kMiddle ? Reduced<kMiddle>(x, stepBits) : Reduced<kWide>(x, stepBits);
 }
 
 // The first 26 bits of the remainder times those of 2 pi are exact. The 53 bits that follow enter

@@ -48,7 +48,7 @@ constexpr double kLeast = 4.0 / kCells;
 constexpr double kGreatest = 1.0 - 4.0 / kCells;
 static_assert(std::size(internal::kCosineCells) == 512);
 
-double Rounded(const RoundedEnds& ends, double x) noexcept {
+double Rounded(RoundedEnds ends, double x) noexcept {
     if (ends.Agree()) return ends.lower;
     return internal::IsArcCosineAbove(x, ends) ? ends.upper : ends.lower;
 }
@@ -62,8 +62,8 @@ DoubleDouble SquareRoot(const DoubleDouble& square) noexcept {
     return {head, tail + rest * (0.5 / root)};
 }
 
-// For |x| >= kGreatest.
-double NearOne(double magnitude, double x) noexcept {
+// For |x| >= kGreatest. Out of line, as the next, so that its values do not take registers.
+[[gnu::noinline]] double NearOne(double magnitude, double x) noexcept {
     if (magnitude == 1.0) return x > 0.0 ? 0.0 : kPi;
     if (!(magnitude < 1.0)) return internal::kNaN;
     const double square = 0.5 * (1.0 - magnitude);
@@ -78,7 +78,7 @@ double NearOne(double magnitude, double x) noexcept {
 }
 
 // For |x| < kLeast.
-double NearZero(double x) noexcept {
+[[gnu::noinline]] double NearZero(double x) noexcept {
     const DoubleDouble sum = FastTwoSum(kPi / 2, -x);
     return Rounded(RoundBothEnds({sum.high, sum.low + (kPiRest / 2 - ArcSineTail(x))}, kError), x);
 }

@@ -74,7 +74,7 @@ double GridHead(double r) noexcept {
 }
 
 // Where the ends differ y and x decide.
-double Rounded(const RoundedEnds& ends, double y, double x) noexcept {
+double Rounded(RoundedEnds ends, double y, double x) noexcept {
     if (ends.Agree()) return ends.lower;
     return internal::IsArcTangentAbove(y, x, ends) ? ends.upper : ends.lower;
 }

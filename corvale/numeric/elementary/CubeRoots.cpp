@@ -49,12 +49,12 @@ double RootSeries(double q) noexcept {
             q * (-0x1.c71c71c71c71cp-4 + q * (0x1.f9adba2a9297bp-5 + q * -0x1.511e91455c349p-5)));
 }
 
-double RoundedCubeRoot(double m, const RoundedEnds& ends) noexcept {
+double RoundedCubeRoot(double m, RoundedEnds ends) noexcept {
     if (ends.Agree()) return ends.lower;
     return IsCubeRootAbove(m, ends) ? ends.upper : ends.lower;
 }
 
-double RoundedPower(double m, int k, const RoundedEnds& ends) noexcept {
+double RoundedPower(double m, int k, RoundedEnds ends) noexcept {
     if (ends.Agree()) return ends.lower;
     return IsPowerAbove(m, k, ends) ? ends.upper : ends.lower;
 }

@@ -23,8 +23,8 @@ WideReal Difference(const WideReal& a, const WideReal& b, std::size_t width) noe
 }
 
 // 54 bits: exact.
-WideReal MidpointOf(const RoundedEnds& ends) noexcept {
-    const WideReal sum = Add(WideFromDouble(ends.lower), WideFromDouble(ends.upper), kNarrow);
+WideReal MidpointOf(RoundedEnds ends) noexcept {
+    const WideReal sum = Add(WideFromDouble(ends.lower), WideFromDouble(ends.upper), kMiddle);
     return TimesPowerOfTwo(sum, -1);
 }
 
@@ -42,12 +42,12 @@ struct Comparison {
     std::int64_t exponent;
 };
 
-// Whether the difference is positive: with few words and, where those do not decide, with all.
+// Whether the difference is positive: with `width` words and, where those do not decide, with more.
 template <typename Compare>
-bool IsPositive(Compare compare) noexcept {
-    const auto [narrow, exponent] = compare(kNarrow);
-    const bool isDecided = IsDecided(narrow, exponent, kNarrow);
-    const WideReal difference = isDecided ? narrow : compare(kWide).difference;
+bool IsPositive(Compare compare, std::size_t width = kNarrow) noexcept {
+    const auto [difference, exponent] = compare(width);
+    if (width < kWide && !IsDecided(difference, exponent, width))
+        return IsPositive(compare, 2 * width);
     return !difference.IsZero() && !difference.isNegative;
 }
 
@@ -107,7 +107,7 @@ WideReal LogarithmOverCube(const WideReal& x, const WideReal& m, std::size_t wid
 
 // The terms are equal but for a relative 2^-52. Up to 1 each is good relative to itself; beyond, the
 // sine or the cosine may be small and good relative to 1 alone.
-bool IsArcTangentAbove(double y, double x, const RoundedEnds& ends) noexcept {
+bool IsArcTangentAbove(double y, double x, RoundedEnds ends) noexcept {
     const WideReal wideY = WideFromDouble(y), wideX = WideFromDouble(x);
     const WideReal m = MidpointOf(ends);
     return IsPositive([&](std::size_t width) noexcept -> Comparison {
@@ -120,39 +120,42 @@ bool IsArcTangentAbove(double y, double x, const RoundedEnds& ends) noexcept {
     });
 }
 
-bool IsMidpointRatio(double y, double x, const RoundedEnds& ends) noexcept {
-    const WideReal product = Multiply(MidpointOf(ends), WideFromDouble(x), kNarrow);
-    return Difference(WideFromDouble(y), product, kNarrow).IsZero();
+bool IsMidpointRatio(double y, double x, RoundedEnds ends) noexcept {
+    const WideReal product = Multiply(MidpointOf(ends), WideFromDouble(x), kMiddle);
+    return Difference(WideFromDouble(y), product, kMiddle).IsZero();
 }
 
-bool IsArcCosineAbove(double x, const RoundedEnds& ends) noexcept {
+bool IsArcCosineAbove(double x, RoundedEnds ends) noexcept {
     const WideReal m = MidpointOf(ends);
     return IsPositive([&](std::size_t width) noexcept -> Comparison {
         return {Difference(SineCosineOf(m, width).cosine, WideFromDouble(x), width), 1};
     });
 }
 
-bool IsCubeRootAbove(double x, const RoundedEnds& ends) noexcept {
+bool IsCubeRootAbove(double x, RoundedEnds ends) noexcept {
     const WideReal m = MidpointOf(ends);
-    const WideReal cube = Multiply(Multiply(m, m, kNarrow), m, kNarrow);
-    return !Difference(WideFromDouble(x), cube, kNarrow).isNegative;
+    const WideReal cube = Multiply(Multiply(m, m, kMiddle), m, kMiddle);
+    return !Difference(WideFromDouble(x), cube, kMiddle).isNegative;
 }
 
 // With v = ln(x / m^3) and w = 2^54 v - 3 k ln 2 the question is whether e^w > x. w is ln x to 50
-// bits, so from about 0 to about 2.1; a quarter of it suits the series.
-bool IsPowerAbove(double x, int k, const RoundedEnds& ends) noexcept {
+// bits, so from about 0 to about 2.1; a quarter of it suits the series. 128 bits would not hold the
+// cube.
+bool IsPowerAbove(double x, int k, RoundedEnds ends) noexcept {
     const WideReal wideX = WideFromDouble(x);
     const WideReal m = MidpointOf(ends);
     WideReal power = WideFromInteger(3U * static_cast<std::uint64_t>(k < 0 ? -k : k), 0);
     power.isNegative = k < 0;
-    return IsPositive([&](std::size_t width) noexcept -> Comparison {
-        const WideReal scaled = TimesPowerOfTwo(LogarithmOverCube(wideX, m, width), 54);
-        const WideReal w = Difference(scaled, Multiply(power, kLogTwo, width), width);
-        if (w.isNegative) return {w, w.exponent};  // below ln 1
-        const WideReal root = ExponentialSeries(TimesPowerOfTwo(w, -2), width);
-        const WideReal square = Multiply(root, root, width);
-        return {Difference(Multiply(square, square, width), wideX, width), 4 + 64};
-    });
+    return IsPositive(
+        [&](std::size_t width) noexcept -> Comparison {
+            const WideReal scaled = TimesPowerOfTwo(LogarithmOverCube(wideX, m, width), 54);
+            const WideReal w = Difference(scaled, Multiply(power, kLogTwo, width), width);
+            if (w.isNegative) return {w, w.exponent};  // below ln 1
+            const WideReal root = ExponentialSeries(TimesPowerOfTwo(w, -2), width);
+            const WideReal square = Multiply(root, root, width);
+            return {Difference(Multiply(square, square, width), wideX, width), 4 + 64};
+        },
+        kMiddle);
 }
 
 }  // namespace corvale::internal

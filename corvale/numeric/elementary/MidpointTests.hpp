@@ -9,8 +9,8 @@
 //     cube root of x > m          x > m^3
 //     x^((1 - 2^-54) / 3) > m     ln(x / m^3) > 2^-54 ln x
 //
-// The cube is exact: 162 bits. The others are compared in 256 bits, and where both sides agree
-// to what those are good for, in 512. Equality would go down; it never occurs: sine and cosine of an
+// The cube is exact: 162 bits. The others are compared in 128 bits, and where both sides agree
+// to what those are good for, in 256 and in 512. Equality would go down; it never occurs: sine and cosine of an
 // algebraic number other than 0 have no algebraic ratio (Lindemann), and a midpoint has a bit too many
 // to be a power (docs/elementary.md).
 #pragma once
@@ -22,18 +22,18 @@ namespace corvale::internal {
 /// Whether the angle of (x, y), from 0 to pi, lies above the midpoint of `ends`.
 ///
 /// Precondition: y > 0; finite; `ends` are neighbours, the first at least 0.
-[[nodiscard]] bool IsArcTangentAbove(double y, double x, const RoundedEnds& ends) noexcept;
+[[nodiscard]] bool IsArcTangentAbove(double y, double x, RoundedEnds ends) noexcept;
 
 /// Whether y / x is the midpoint of `ends` itself. Precondition as before.
-[[nodiscard]] bool IsMidpointRatio(double y, double x, const RoundedEnds& ends) noexcept;
+[[nodiscard]] bool IsMidpointRatio(double y, double x, RoundedEnds ends) noexcept;
 
 /// The same for the arc cosine of `x`. Precondition: |x| < 1.
-[[nodiscard]] bool IsArcCosineAbove(double x, const RoundedEnds& ends) noexcept;
+[[nodiscard]] bool IsArcCosineAbove(double x, RoundedEnds ends) noexcept;
 
 /// The same for the cube root of `x`. Precondition: x is from 1 to 8.
-[[nodiscard]] bool IsCubeRootAbove(double x, const RoundedEnds& ends) noexcept;
+[[nodiscard]] bool IsCubeRootAbove(double x, RoundedEnds ends) noexcept;
 
 /// The same for 2^-k (2^3k x)^((1 - 2^-54) / 3). Precondition: x is from 1 to 8.
-[[nodiscard]] bool IsPowerAbove(double x, int k, const RoundedEnds& ends) noexcept;
+[[nodiscard]] bool IsPowerAbove(double x, int k, RoundedEnds ends) noexcept;
 
 }  // namespace corvale::internal

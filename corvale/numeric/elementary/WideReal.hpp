@@ -1,10 +1,11 @@
 // Internal to numeric/: not installed, may change in any commit.
 //
-// Reals of 256 or 512 bits: the accurate phase of the elementary functions computes with them what
-// the fast phase leaves undecided. Integers only, so the bits depend on nothing.
+// Reals of 128, 256 or 512 bits: the accurate phase of the elementary functions computes with them
+// what the fast phase leaves undecided. Integers only, so the bits depend on nothing.
 //
-// A number of words, `width`, goes with every operation: kNarrow decides all but a few conceivable
-// arguments, kWide is the repetition for those. Words beyond `width` are ignored and come out as 0.
+// A number of words, `width`, goes with every operation: kNarrow decides what is met by chance,
+// kMiddle what has been searched for, kWide is for what is conceivable. Words beyond `width` are
+// ignored and come out as 0.
 //
 // Error      each operation truncates. A unit is 2^(exponent - 64 width) of its result: the last bit
 //
@@ -20,8 +21,9 @@
 
 namespace corvale::internal {
 
-/// Words of a number in the accurate phase, and in its repetition.
-inline constexpr std::size_t kNarrow = 4;
+/// Words of a number in the accurate phase, in its repetition and in the last one.
+inline constexpr std::size_t kNarrow = 2;
+inline constexpr std::size_t kMiddle = 4;
 inline constexpr std::size_t kWide = 8;
 
 /// A fraction from 0 to below 1, the most significant word first.
@@ -85,14 +87,16 @@ inline constexpr unsigned kErrorBits = 10;
 /// The double nearest to `value`; subnormal results and infinity come out right.
 [[nodiscard]] double RoundedToDouble(const WideReal& value, std::size_t width) noexcept;
 
-/// `value`(width), rounded to a double: with few words and, where those do not decide, with all.
+/// `value`(width), rounded to a double: with few words and, where those do not decide, with more.
 ///
 /// After 448 bits that are all alike nobody would know either: a result that lies exactly on a
 /// midpoint has to be dealt with before.
 template <typename Value>
 double Decided(Value value) noexcept {
-    const WideReal narrow = value(kNarrow);
-    if (RoundsSafely(narrow, kNarrow)) return RoundedToDouble(narrow, kNarrow);
+    for (const std::size_t width : {kNarrow, kMiddle}) {
+        const WideReal attempt = value(width);
+        if (RoundsSafely(attempt, width)) return RoundedToDouble(attempt, width);
+    }
     return RoundedToDouble(value(kWide), kWide);
 }
 

@@ -4,12 +4,12 @@ namespace corvale::internal {
 
 namespace {
 
-// The last factor of the factorials: 58! > 2^260 and 114! > 2^615, so that the first term that is
-// left out is below a unit for every |r| < 1.
+// The last factor of the factorials: 35! > 2^132, 59! > 2^266 and 107! > 2^571, so that the first
+// term that is left out is below a unit for every |r| < 1.
 constexpr std::uint32_t LastFactor(std::size_t width) {
-    return static_cast<std::uint32_t>(14 * width + 2);
+    return static_cast<std::uint32_t>(12 * width + 10);
 }
-static_assert(LastFactor(kNarrow) == 58 && LastFactor(kWide) == 114);
+static_assert(LastFactor(kNarrow) == 34 && LastFactor(kMiddle) == 58 && LastFactor(kWide) == 106);
 
 // One step of sine and cosine: z (1 - u) / ((n - 1) n).
 Fraction AlternatingStep(const Fraction& z, const Fraction& u, std::uint32_t n,
