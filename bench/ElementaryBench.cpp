@@ -106,13 +106,13 @@ void TurnAboutVector(benchmark::State& state, Function* function, Function* mode
 // One workload for us and for each peer; `...` are the limits of the arguments, where there are any.
 #define CORVALE_RACE(name, workload, ours, ...)                                      \
     BENCHMARK_CAPTURE(workload, , ours::name, ours::name __VA_OPT__(, ) __VA_ARGS__) \
-        ->Name(#name "/Corvale");                                                    \
+        ->Name("Elementary " #name "/Corvale");                                      \
     BENCHMARK_CAPTURE(workload, , peer::Procedures<peer::Glibc>::name,               \
                       ours::name __VA_OPT__(, ) __VA_ARGS__)                         \
-        ->Name(#name "/glibc");                                                      \
+        ->Name("Elementary " #name "/glibc");                                        \
     BENCHMARK_CAPTURE(workload, , peer::Procedures<peer::Musl>::name,                \
                       ours::name __VA_OPT__(, ) __VA_ARGS__)                         \
-        ->Name(#name "/musl")
+        ->Name("Elementary " #name "/musl")
 
 CORVALE_RACE(AcTan, OfPair, gen);
 CORVALE_RACE(AcSin, OfNumber, gen, -1, 1);

@@ -43,6 +43,7 @@ measure_all() {
     echo "size and start: done"
     measure LimitBench LimitBench .
     measure TextBench TextBench .
+    measure ElementaryBench ElementaryBench .
     measure NumbersBench NumbersBench .
     measure LogBench-1 LogBench '-threads:'
     measure LogBench-8 LogBench 'threads:' free
@@ -68,7 +69,7 @@ measure_all() {
 if [ "$mode" != --page ]; then
     echo "bench.sh: builds Corvale and its peers, measures them, writes ${pages[0]}"
     need "${build_packages[@]}" gfortran libbenchmark-dev libspdlog-dev libdouble-conversion-dev libfmt-dev \
-        libfast-float-dev libeigen3-dev liblapack-dev libblas-dev libopenblas0-serial libboost-dev \
+        libfast-float-dev musl-dev libeigen3-dev liblapack-dev libblas-dev libopenblas0-serial libboost-dev \
         python3 util-linux binutils
     build bench
     measure_all

@@ -32,6 +32,12 @@ CODES = [Row(name, name, goals=goals, limit=CALL) for name, goals in (
     ("DegToDDMMSSSSS_Str", {"snprintf": 8}), ("DegToHHMMSSS_Str", {"snprintf": 8}))]
 VECTORS = [Row(name, name, goals=goals, limit=CALL) for name, goals in (
     ("Mag", {"Eigen": 1}), ("Cross", {"Eigen": 1}), ("Rotate", {"Eigen_AngleAxis": 1.5}))]
+# A C library's time over ours: the goals allow for what correct rounding costs.
+PROCEDURES = [Row(name, f"Elementary {name}", goals={"glibc": round(1 / most, 2)}, limit=CALL) for name, most in (
+    ("RodriguesRot", 1.1), ("AcTan", 1.1), ("Rotate", 1.3), ("CubRt", 1.3), ("AngleOf2Vecs", 1.5), ("SerExp", 1.7),
+    ("AcSin", 2.0))]
+FUNCTIONS = [Row(name, f"Elementary {name}", limit=CALL) for name in (
+    "Sin", "Cos", "ArcTan", "ArcTan2", "ArcCos", "Exp", "CubeRoot")]
 SEARCHES = [Row(f"FindRecIdx, {spacing}", f"FindRecIdx_{spacing}", goals=goals, limit=CALL) for spacing, goals in (
     ("even", {"upper_bound": 4}), ("jittered", {}), ("exponential", {"upper_bound": 0.4}))]
 
@@ -133,6 +139,10 @@ SECTIONS = [
     Section("Vectors", "Eigen's vectors are called in a shared library, as ours are; `Eigen_inline` shows what a "
             "caller gains who compiles them in. The limit is a call into the library that does nothing.",
             ["Eigen", "Eigen_inline", "Eigen_AngleAxis"], VECTORS),
+    Section("Elementary functions", "The procedures that need one, then the functions alone, with typical arguments. "
+            "Ours are correctly rounded, without FMA; glibc's, with FMA, and musl's are off by a unit now and then. The "
+            "limit is a call into the library that does nothing.",
+            ["glibc", "musl"], PROCEDURES + FUNCTIONS),
     Section("Search in a table", "100,000 values, evenly spaced, evenly but for a random part, and spaced "
             "exponentially. The limit is a call into the library that does nothing.", ["upper_bound", "plain"],
             SEARCHES),

@@ -45,6 +45,13 @@ double Reduced(double x, double modulus) noexcept {
     return std::fabs(x) < modulus ? x : std::fmod(x, modulus);
 }
 
+// `angle` from -2 pi up, a turn later where it is below 0: where angles of both signs are common a
+// branch costs more than the whole addition. -0.0 leaves everything as it is.
+double FromZeroUp(double angle) noexcept {
+    constexpr double kAddend[] = {-0.0, kTwoPi};
+    return angle + kAddend[angle < 0.0 ? 1 : 0];
+}
+
 // Degrees and minutes carry the sign of the angle, seconds none.
 struct DegreeParts {
     std::int32_t degrees;
@@ -118,13 +125,11 @@ std::uint32_t Magnitude(std::int32_t value) noexcept {
 }  // namespace
 
 double FMod2P(double x) noexcept {
-    const double angle = Reduced(x, kTwoPi);
-    return angle < 0.0 ? angle + kTwoPi : angle;
+    return FromZeroUp(Reduced(x, kTwoPi));
 }
 
 double AcTan(double s, double c) noexcept {
-    const double angle = Elementary::ArcTan2(s, c);
-    return angle < 0.0 ? angle + kTwoPi : angle;
+    return FromZeroUp(Elementary::ArcTan2(s, c));
 }
 
 double AcSin(double x) noexcept {

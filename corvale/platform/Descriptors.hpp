@@ -49,15 +49,15 @@ struct FileName {
     bool hasBackslashes = false;  ///< that stand for slashes
 };
 
-/// An open file, or none.
+/// An open file, or none. None is all zero: a table of them takes no space in the library's file.
 struct TextFile {
-    int descriptor = -1;
+    int descriptor = 0;  ///< 1 for standard output, above 2 for files
     FileAccess access = FileAccess::Read;
     bool mayRaiseSignals = false;        ///< writing can raise SIGPIPE or SIGXFSZ
     bool lacksLineEnd = false;           ///< the file ends inside a line
     std::optional<char> firstByte = {};  ///< was read while opening; precedes all further reading
 
-    [[nodiscard]] bool IsOpen() const noexcept { return descriptor >= 0; }
+    [[nodiscard]] bool IsOpen() const noexcept { return descriptor > 0; }
 };
 
 /// Opens a text file: a regular file, a pipe, a terminal, the null device; to write, any character

@@ -17,6 +17,8 @@ other dropped bits the nearest double is the same on both sides.
 """
 import sys
 
+from residues import first_in_range
+
 LEAST, GREATEST = -342, 308
 FACTORS = 1 << 63, 1 << 64
 
@@ -51,24 +53,6 @@ def check_range():
     assert (10**19) * 2 * 2**1074 < 10**-(LEAST - 1)       # less than half of 2^-1074
     assert 10 ** (GREATEST + 1) >= 2**1024
     print("range: 19 digits and a smaller exponent give 0, a greater one an infinity")
-
-
-def first_in_range(a, m, low, high):
-    """The least x >= 0 with low <= a x mod m <= high, where 0 <= low <= high < m; None without one.
-
-    Within one round of m the least multiple of a from low on decides. Otherwise rounds are counted: in
-    round y the multiples of a hit the range where -m y mod a does, the same question with a for m.
-    """
-    if low == 0:
-        return 0
-    a %= m
-    if a == 0:
-        return None
-    x = -(-low // a)
-    if a * x <= high:
-        return x
-    y = first_in_range(m % a, a, -high % a, -low % a)
-    return None if y is None else -(-(low + m * y) // a)
 
 
 def first_factor(a, m, low, length):

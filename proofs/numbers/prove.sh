@@ -6,4 +6,5 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 "${CXX:-c++}" -std=c++20 -I. proofs/numbers/tables.cpp -o "$scratch/tables"
+export PYTHONPATH=proofs PYTHONDONTWRITEBYTECODE=1
 "$scratch/tables" | python3 proofs/numbers/prove.py

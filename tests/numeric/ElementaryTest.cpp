@@ -6,7 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <fstream>
 #include <limits>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace corvale::Elementary {
 namespace {
@@ -184,6 +190,46 @@ TEST(Elementary, CubeRootAndPowerOfAThird) {
         EXPECT_EQ(Bits(GenFunctions::CubRt(x)), Bits(power)) << why;
         EXPECT_EQ(Bits(CubeRoot(-x)), std::isnan(x) ? Bits(kNaN) : Bits(-root)) << why;
     }
+}
+
+double ValueOf(const std::string& function, double x) {
+    using Function = double (*)(double);
+    constexpr std::pair<std::string_view, Function> kFunctions[] = {
+        {"Sin", Sin},
+        {"Cos", Cos},
+        {"Exp", Exp},
+        {"ArcTan", ArcTan},
+        {"ArcCos", ArcCos},
+        {"CubeRoot", CubeRoot},
+        {"CubRt", GenFunctions::CubRt},
+    };
+    for (const auto& [name, value] : kFunctions)
+        if (name == function) return value(x);
+    ADD_FAILURE() << function;
+    return kNaN;
+}
+
+// Every line of the file names its arguments' result by MPFR; proofs/elementary/hard_cases.py finds
+// them. All need the accurate phase, or the longest reductions of an angle.
+TEST(Elementary, HardArguments) {
+    std::ifstream file(CORVALE_CASES "/hard_arguments.txt");
+    int cases = 0;
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with('#')) continue;
+        std::istringstream words(line);
+        std::string function, x, y, result, distance;
+        words >> function;
+        if (function == "ArcTan2") words >> y;
+        words >> x >> result >> distance;
+        const auto number = [](const std::string& text) {
+            return std::strtod(text.c_str(), nullptr);
+        };
+        const double ours =
+            function == "ArcTan2" ? ArcTan2(number(y), number(x)) : ValueOf(function, number(x));
+        EXPECT_EQ(Bits(ours), Bits(number(result))) << line;
+        ++cases;
+    }
+    EXPECT_GT(cases, 3000);
 }
 
 }  // namespace

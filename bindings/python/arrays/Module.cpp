@@ -80,7 +80,7 @@ PYBIND11_MODULE(_arrays, module) {
     python::py::list rows;
     for (const auto table :
          {python::TextProcedures(), python::NumberProcedures(), python::AngleProcedures(),
-          python::VectorProcedures(), python::MatrixProcedures()})
+          python::ElementaryProcedures(), python::VectorProcedures(), python::MatrixProcedures()})
         for (const python::Procedure& procedure : table) {
             python::Add(module, procedure);
             rows.append(python::Row(procedure));

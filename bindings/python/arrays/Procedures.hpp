@@ -28,6 +28,7 @@ struct Procedure {
 std::span<const Procedure> TextProcedures() noexcept;
 std::span<const Procedure> NumberProcedures() noexcept;
 std::span<const Procedure> AngleProcedures() noexcept;
+std::span<const Procedure> ElementaryProcedures() noexcept;
 std::span<const Procedure> VectorProcedures() noexcept;
 std::span<const Procedure> MatrixProcedures() noexcept;
 

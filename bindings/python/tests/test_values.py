@@ -99,6 +99,17 @@ class Reals(unittest.TestCase):
         with np.errstate(over="ignore"):
             self.assertTrue((corvale.next_sat_key(keys) == keys + 10**10).all())
 
+    def test_elementary(self) -> None:
+        x = RANDOM.normal(size=500) * 1e5
+        sine, cosine = corvale.sin_cos(x)
+        self.assertTrue((sine == corvale.sin(x)).all() and (cosine == corvale.cos(x)).all())
+        for own, model in ((sine, np.sin(x)), (cosine, np.cos(x)), (corvale.arc_tan(x), np.arctan(x)),
+                           (corvale.arc_tan2(x, sine), np.arctan2(x, sine)), (corvale.arc_cos(sine), np.arccos(sine)),
+                           (corvale.exp(sine), np.exp(sine)), (corvale.cube_root(x), np.cbrt(x))):
+            np.testing.assert_allclose(own, model, rtol=1e-14)
+        self.assertEqual(corvale.cube_root([-27, 1000]).tolist(), [-3, 10])
+        self.assertEqual(float(corvale.sin(1e22)).hex(), "-0x1.b453ab76bf397p-1")
+
     def test_vectors(self) -> None:
         a, b = RANDOM.normal(size=(2, 200, 3))
         self.assertTrue((corvale.cross(a, b) == np.cross(a, b)).all())
