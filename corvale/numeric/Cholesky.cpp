@@ -78,13 +78,10 @@ bool DoneSmall(const internal::SmallSystem& system) noexcept {
     }
 }
 
+// Out of line, so that its scratch memory does not take stack where small systems are solved.
 template <bool rootFree>
-void SolveAndInvert(const double* a, const double* b, std::int32_t order, double* inverse,
-                    double* x) noexcept {
-    if (order < 1) return;
-    const auto n = static_cast<std::size_t>(order);
-    if (DoneSmall<rootFree>({a, b, n, inverse, x})) return;
-
+[[gnu::noinline]] void SolveByPanels(const double* a, const double* b, std::size_t n,
+                                     double* inverse, double* x) noexcept {
     constexpr std::size_t kMatrices = rootFree ? 4 : 2;
     internal::Scratch<double, Room(kOrderWithoutHeap, kMatrices)> scratch(Room(n, kMatrices));
     if (scratch.Data() == nullptr) return FillWithNaN(n, inverse, x);
@@ -94,6 +91,14 @@ void SolveAndInvert(const double* a, const double* b, std::int32_t order, double
     Run<rootFree>(work);
     if (rootFree) inverse[n * n - 1] = work.reciprocals[n - 1];
     std::copy(work.y, work.y + n, x);
+}
+
+template <bool rootFree>
+void SolveAndInvert(const double* a, const double* b, std::int32_t order, double* inverse,
+                    double* x) noexcept {
+    if (order < 1) return;
+    const auto n = static_cast<std::size_t>(order);
+    if (!DoneSmall<rootFree>({a, b, n, inverse, x})) SolveByPanels<rootFree>(a, b, n, inverse, x);
 }
 
 }  // namespace

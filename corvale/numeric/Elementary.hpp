@@ -10,7 +10,7 @@
 //            next to them. The floating-point exception flags mean nothing afterwards
 //
 // A call takes about as long as in a C library that is off by a unit now and then. One call in some
-// thousands needs more digits and takes 1 to 5 microseconds.
+// ten thousand needs more digits and takes 1 to 5 microseconds.
 //
 // Angles     Sin  Cos  SinCos
 // Arcs       ArcTan  ArcTan2  ArcCos

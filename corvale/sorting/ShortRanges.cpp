@@ -79,18 +79,28 @@ std::uint64_t* SortWords(std::uint64_t* words, std::uint64_t* other, std::size_t
     return other;
 }
 
-// Moves each key to its place: `sorted[i]` names where the i-th key comes from. By way of a copy:
-// to follow the cycles in place takes half the moves and, with a branch for each cycle that cannot
-// be foreseen, more time. Bench: Random, 10 and 100 keys, in bench/SortBench.cpp.
-void Reorder(const KeyRange& range, const std::uint64_t* sorted) noexcept {
-    std::array<Key, kShortRange> keys;
-    std::array<std::int64_t, kShortRange> companion;
-    const KeyRange copy{keys.data(), companion.data(), range.count};
-    for (std::size_t i = 0; i < range.count; ++i) copy.Put(i, range, sorted[i] & kPlace);
-    for (std::size_t i = 0; i < range.count; ++i) range.Put(i, copy, i);
+// The first words of the keys in their order, each with the place where its key is. Out of line, as
+// `Permute` is: their arrays never stand on the stack together, and the smallest threads have 16 KiB.
+[[gnu::noinline]] void SortFirstWords(const KeyRange& range, std::size_t offset,
+                                      Words& words) noexcept {
+    Words other;
+    TakeForWritten(words);
+    Load(range, offset, words.data());
+    const std::uint64_t* sorted = SortWords(words.data(), other.data(), range.count);
+    if (sorted == other.data()) std::copy_n(sorted, range.count, words.data());
 }
 
-void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t begin,
+// `sorted[i]` names where the i-th value comes from. By way of a copy: to follow the cycles in place
+// takes half the moves and, with a branch for each cycle that cannot be foreseen, more time. Bench:
+// Random, 10 and 100 keys, in bench/SortBench.cpp.
+template <class T>
+[[gnu::noinline]] void Permute(T* values, std::size_t count, const Words& sorted) noexcept {
+    std::array<T, kShortRange> copy;
+    std::copy_n(values, count, copy.data());
+    for (std::size_t i = 0; i < count; ++i) values[i] = copy[sorted[i] & kPlace];
+}
+
+void SortTies(const KeyRange& range, const Words& sorted, std::size_t begin,
               RangeStack& pending) noexcept {
     std::size_t first = 0;
     for (std::size_t i = 1; i <= range.count; ++i) {
@@ -103,16 +113,13 @@ void SortTies(const KeyRange& range, const std::uint64_t* sorted, std::size_t be
     }
 }
 
-[[gnu::noinline]] void SortMany(const KeyRange& range, std::size_t begin,
-                                RangeStack& pending) noexcept {
+void SortMany(const KeyRange& range, std::size_t begin, RangeStack& pending) noexcept {
     if (SortOneRun(range)) return;
     const Difference difference = FindDifference(range);
-    Words words;
-    Words other;
-    TakeForWritten(words);
-    Load(range, difference.first, words.data());
-    const std::uint64_t* sorted = SortWords(words.data(), other.data(), range.count);
-    Reorder(range, sorted);
+    Words sorted;
+    SortFirstWords(range, difference.first, sorted);
+    Permute(range.keys, range.count, sorted);
+    Permute(range.companion, range.count, sorted);
     if (difference.first + kWindow < difference.end) SortTies(range, sorted, begin, pending);
 }
 

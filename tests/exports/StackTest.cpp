@@ -4,9 +4,11 @@
 
 #include <corvale/core/CorvaleCardReading.hpp>
 #include <corvale/core/FileIO.hpp>
+#include <corvale/numeric/Elementary.hpp>
 #include <corvale/numeric/GenFunctions.hpp>
 #include <corvale/platform/NamedLocks.hpp>
 #include <corvale/platform/TextUnits.hpp>
+#include <corvale/sorting/Sorting.hpp>
 #include <corvale/text/StrFunctions.hpp>
 
 #include "tests/support/TestFiles.hpp"
@@ -35,6 +37,8 @@ constexpr std::int32_t kCounts[] = {2, 5, 6, 7, 16, 17, 99, 100, 1000, 5000};
 constexpr std::int32_t kOrder = 129;
 std::array<double, kOrder * kOrder> matrix, inverse, product;
 std::array<std::int32_t, 5000> integers;
+std::array<Sorting::Key, 5000> keys;
+std::array<std::int64_t, 5000> companions;
 std::array<char, 600> text, result;
 std::array<char, 129> message;
 std::string input, output, longLine(20000, '\n'), longName(600, '\\'), numbers, csv;
@@ -70,6 +74,28 @@ void ListIntegers() {
     for (std::int32_t n : kCounts) IDupe(integers.data(), n);
 }
 
+// Keys in the patterns that the sort tells apart: ties, few values, runs, long prefixes, random.
+void SortKeys() {
+    for (const std::int32_t n : kCounts)
+        for (const std::int32_t values : {1, 2, 17, 251, 5000})
+            for (const std::int32_t step : {1, 7919}) {
+                for (std::int32_t i = 0; i < n; ++i) {
+                    auto& key = keys[static_cast<std::size_t>(i)];
+                    key.fill('x');
+                    std::snprintf(key.data() + 16, 16, "%08d", i * step % values);
+                }
+                Sorting::QuickSortIterative(n, keys.data(), companions.data());
+            }
+}
+
+// Arguments near midpoints of two doubles: the accurate phases decide.
+void ComputeSlowly() {
+    using namespace Elementary;
+    real = Sin(-0x1.a875beb77535dp-10) + Exp(0x1.9e9cbbfd6080bp-31) + ArcCos(0x1.a378b35dde36fp-7) +
+           CubeRoot(-0x1.f84e15f7e551fp-477) + CubRt(0x1.84b4341c9e043p+644) +
+           ArcTan2(0x1.a823171092b96p+52, 0x1.9ec1ca92cda35p+49);
+}
+
 void UseUnits() {
     static_cast<void>(FileIO::FileOpen(12, output, 0));
     static_cast<void>(TextUnits::WriteLine(12, longLine));
@@ -98,9 +124,11 @@ const struct Row {
     void (*call)();
 } kRows[] = {
     {"Cholesky", SolveAll<Cholesky>},
+    {"Cholesky2", SolveAll<Cholesky2>},
     {"MtxInv", InvertAll<MtxInv>},
     {"MInv", InvertAll<MInv>},
     {"ISort, IDupe", ListIntegers},
+    {"QuickSortIterative", SortKeys},
     {"CorvaleLoadFile", [] { one = CorvaleLoadFile(input.c_str()); }},
     {"units", UseUnits},
     {"the log", UseLog},
@@ -126,6 +154,7 @@ const struct Row {
          real = AcTan(1, 3) + AngleOf2Vecs({1, 2, 3}, {3, 2, 1}) + AcSin(0.3);
      }},
     {"SerExp, CubRt", [] { real = SerExp(0.3) + CubRt(7.0); }},
+    {"accurate phases", ComputeSlowly},
 };
 
 void* RunRow(void* row) {

@@ -5,7 +5,7 @@
 // T + T t, whose leading parts are exact, and terms below 2^-17, whose rounding errors are what is
 // left: 2^-67 of the result.
 //
-// Where the rounding test fails, once in 6,000 calls, and where the result is subnormal, wide reals
+// Where the rounding test fails, once in 11,000 calls, and where the result is subnormal, wide reals
 // decide. The value is never a midpoint: e^x is transcendental for every x but 0.
 #include <corvale/numeric/Elementary.hpp>
 

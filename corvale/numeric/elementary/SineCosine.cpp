@@ -15,7 +15,7 @@
 // Three phases. Below 512 a subtraction of k times two constants leaves t good to 2^-78, which
 // suffices unless the result itself is near 0: where k is a multiple of a quarter turn, but not 0, and beyond
 // 512, integers reduce the angle (Rotate by 90 or 180 degrees is such a one). Where the rounding test
-// of the fast phase fails, once in 5,000 calls, wide reals decide.
+// of the fast phase fails, once in 12,000 calls, wide reals decide.
 #include <corvale/numeric/Elementary.hpp>
 
 #include <corvale/numeric/elementary/AngleReduction.hpp>
