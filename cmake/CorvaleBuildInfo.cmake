@@ -1,15 +1,4 @@
-# Build date, platform and compiler for the information line. The date is English in every locale
-# ("May  3 2024"), follows SOURCE_DATE_EPOCH, and is that of the day when the build was configured.
-
-string(TIMESTAMP today "%Y;%m;%d" UTC)
-list(GET today 0 year)
-list(GET today 1 month)
-list(GET today 2 day)
-set(months Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec)
-math(EXPR month_index "${month} - 1")
-list(GET months ${month_index} month_name)
-string(REGEX REPLACE "^0" " " day "${day}")
-set(CORVALE_BUILD_DATE "${month_name} ${day} ${year}")
+# Platform and compiler for the information line.
 
 # Sixteen characters for every platform; longer names are cut, shorter ones filled.
 if(CMAKE_SYSTEM_NAME STREQUAL "Darwin" AND CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")

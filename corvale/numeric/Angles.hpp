@@ -42,13 +42,13 @@ namespace corvale::GenFunctions {
 /// Bad input  |x| > 1 gives pi/2 with the sign of `x`, as rounding errors beyond 1 need
 [[nodiscard]] CORVALE_API double AcSin(double x) noexcept;
 
-/// `a` - `b` the short way round, from -180 to 180; both ends occur.
+/// `a` - `b` the short way round: from -180 to 180, both ends included, where the two angles, reduced
+/// to less than a turn with their signs kept, lie less than a turn apart. Angles of one sign do.
 ///
 /// Units      degrees
-/// Bad input  both angles are first reduced to less than a turn, signs kept, and the difference is
-///            folded once. Reduced angles of opposite sign can lie a turn or more apart; the fold
-///            then leaves 360 - |difference| in magnitude with the sign against the difference:
-///            300 and -200 give -140. An infinity gives NaN
+/// Bad input  reduced angles a turn or more apart are folded once, as others are: their difference
+///            d becomes |360 - |d||, up to 360, with the sign against d. 300 and -200 give -140,
+///            350 and -350 give -340. An infinity gives NaN
 [[nodiscard]] CORVALE_API double DeltaAngleLT180(double a, double b) noexcept;
 
 /// Splits `deg` into whole degrees `dd`, which carry the sign, minutes `mm` and seconds `ss`, which

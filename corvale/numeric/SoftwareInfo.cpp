@@ -1,12 +1,15 @@
 #include <corvale/numeric/SoftwareInfo.hpp>
 
+#include "BuildDate.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
 
 namespace corvale::GenFunctions {
 
-// The build passes the three facts of this build; see cmake/CorvaleBuildInfo.cmake.
+// Three facts of this build: cmake/CorvaleBuildDate.cmake writes the first, CorvaleBuildInfo.cmake
+// finds the others.
 constexpr std::string_view kBuildDate = CORVALE_BUILD_DATE;
 constexpr std::string_view kPlatform = CORVALE_PLATFORM;
 constexpr std::string_view kCompiler = CORVALE_COMPILER;

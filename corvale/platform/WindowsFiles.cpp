@@ -22,6 +22,8 @@ namespace {
 
 constexpr std::size_t kLongestPath = 4096;  // in UTF-16 units; mostly the system takes 260
 constexpr std::size_t kMostBytes = std::size_t{1} << 30U;  // in one call
+constexpr DWORD kLookAgain = 10;  // milliseconds: whether a file's end stands still
+constexpr int kMostLooks = 100;
 
 using Path = std::array<wchar_t, kLongestPath>;
 
@@ -94,13 +96,25 @@ char LastByte(int file, LARGE_INTEGER size) noexcept {
 }
 
 // True when the last byte of a file that is not empty is no line end, or is not to be known: rather
-// an empty line than two lines in one.
+// an empty line than two lines in one. The end of a line that another process is just writing moves;
+// one that stands still counts.
+bool EndsInsideLine(int reader) noexcept {
+    LONGLONG before = 0;
+    for (int look = 0; look < kMostLooks; ++look) {
+        LARGE_INTEGER size = {};
+        if (GetFileSizeEx(HandleOf(reader), &size) == 0) return true;
+        if (size.QuadPart == 0 || LastByte(reader, size) == '\n') return false;
+        if (size.QuadPart == before) return true;
+        before = size.QuadPart;
+        Sleep(kLookAgain);
+    }
+    return true;
+}
+
 bool EndsInsideLine(const Path& path) noexcept {
     const int reader = OpenPath(path, GENERIC_READ, OPEN_EXISTING);
     if (reader == -1) return true;
-    LARGE_INTEGER size = {};
-    const bool isEmpty = GetFileSizeEx(HandleOf(reader), &size) != 0 && size.QuadPart == 0;
-    const bool endsInside = !isEmpty && LastByte(reader, size) != '\n';
+    const bool endsInside = EndsInsideLine(reader);
     CloseFile(reader);
     return endsInside;
 }
