@@ -89,6 +89,29 @@ memcheck() {
     echo "valgrind $program: no invalid or uninitialised read, no leak"
 }
 
+# sanitized NAME SANITIZERS TARGET...: the fuzz targets, with the library in one program, under those of
+# Clang's sanitizers.
+sanitized() {
+    local folder=$top/build/check/$1 target
+    cmake -S "$top" -B "$folder" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+        -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF -DCORVALE_SANITIZE="$2" \
+        -DCMAKE_CXX_FLAGS="-fsanitize-ignorelist=$top/tests/cases/sanitizers.txt"
+    cmake --build "$folder" --target fuzz_replay -- -j 2
+    for target in "${@:3}"; do "$folder/fuzz/fuzz_replay" --random 3000 "$target"; done
+}
+
+# Nothing is read uninitialised, and no integer loses bits or wraps round but where that is meant.
+check_sanitized() {
+    local targets
+    mapfile -t targets < <(sed -n 's/^\([A-Z][A-Za-z]*\) .*/\1/p' "$digests")
+    quietly integer sanitized integer unsigned-integer-overflow,implicit-conversion "${targets[@]}"
+    echo "integer: no unintended overflow or truncation in ${#targets[@]} fuzz targets"
+    # The files of that target go through the C++ library, which is not instrumented.
+    mapfile -t targets < <(printf '%s\n' "${targets[@]}" | grep -vx Log)
+    quietly memory sanitized memory memory "${targets[@]}"
+    echo "memory: nothing uninitialised is read in ${#targets[@]} fuzz targets"
+}
+
 # Left out: children that end without giving back what their parent allocated, and a limit of
 # descriptors that valgrind needs some of itself.
 check_memory() {
@@ -107,5 +130,6 @@ check_refusal
 emulated=$!
 check_analyzer
 check_memory
+check_sanitized
 wait "$emulated"
 echo "check-builds: all as expected"

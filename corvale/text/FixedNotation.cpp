@@ -148,11 +148,11 @@ std::string_view RenderParts(Parts parts, std::size_t decimals, char sign,
 std::string_view RenderLong(double magnitude, std::int32_t decimals, char sign,
                             RenderingBuffer& buffer) noexcept {
     if (magnitude >= 1e30 || decimals > static_cast<std::int32_t>(kWidestRendering)) return {};
+    buffer.fill(' ');
     char* const digits = buffer.data() + 1;
     const auto end = std::to_chars(digits, buffer.data() + buffer.size(), magnitude,
                                    std::chars_format::fixed, decimals)
                          .ptr;
-    std::memset(end, ' ', static_cast<std::size_t>(buffer.data() + buffer.size() - end));
     char* first = *digits == '0' ? digits + 1 : digits;
     if (sign != '\0') *--first = sign;
     return {first, static_cast<std::size_t>(end - first)};
