@@ -8,13 +8,13 @@ include(CheckLinkerFlag)
 
 set(version_script "${PROJECT_SOURCE_DIR}/corvale/Corvale.map")
 file(READ "${version_script}" exports)
-string(REGEX MATCH "global:([^}]*)local:" c_face "${exports}")
-string(REGEX MATCHALL "[A-Za-z0-9]+" c_face "${CMAKE_MATCH_1}")
+string(REGEX MATCH "global:([^}]*)local:" c_api "${exports}")
+string(REGEX MATCHALL "[A-Za-z0-9]+" c_api "${CMAKE_MATCH_1}")
 
 # corvale_prefix(OUT-VARIABLE TEXT): TEXT with the prefix before the C names in it. Directly behind
 # a quotation mark they begin a message, which stays as it is.
 function(corvale_prefix variable text)
-  foreach(name IN LISTS c_face)
+  foreach(name IN LISTS c_api)
     string(REGEX REPLACE "([^A-Za-z0-9_\"])${name}([^A-Za-z0-9_])"
       "\\1${CORVALE_C_PREFIX}${name}\\2" text "${text}")
   endforeach()
@@ -26,7 +26,7 @@ if(CORVALE_C_PREFIX)
     message(FATAL_ERROR "CORVALE_C_PREFIX \"${CORVALE_C_PREFIX}\" cannot begin a name in C")
   endif()
   # Our own sources and tools keep the plain names; their compiler reads the others.
-  set(renamed ${c_face})
+  set(renamed ${c_api})
   list(TRANSFORM renamed REPLACE "(.+)" "\\1=${CORVALE_C_PREFIX}\\1")
   target_compile_definitions(corvale_flags INTERFACE ${renamed})
 
@@ -43,7 +43,7 @@ if(CORVALE_C_PREFIX)
   string(REPLACE "CORVALE_C" "${CORVALE_C_PREFIX}CORVALE_C" exports "${exports}")
   set(version_script "${prefixed}/Corvale.map")
   file(CONFIGURE OUTPUT "${version_script}" CONTENT "${exports}" @ONLY)
-  list(TRANSFORM c_face PREPEND "${CORVALE_C_PREFIX}")
+  list(TRANSFORM c_api PREPEND "${CORVALE_C_PREFIX}")
   set_target_properties(Corvale PROPERTIES OUTPUT_NAME "${CORVALE_C_PREFIX}Corvale")
 endif()
 
@@ -60,7 +60,7 @@ function(corvale_link_option name flag)
 endfunction()
 
 if(APPLE)  # a library there is bound to its own names anyhow
-  list(TRANSFORM c_face PREPEND "_" OUTPUT_VARIABLE exports)
+  list(TRANSFORM c_api PREPEND "_" OUTPUT_VARIABLE exports)
   list(APPEND exports "__ZN7corvale*" "__ZNK7corvale*")
   list(JOIN exports "\n" exports)
   set(version_script "${CMAKE_CURRENT_BINARY_DIR}/Corvale.exports")

@@ -1,4 +1,4 @@
-// Whole input files, through either face and as the program explains them, against the simplest
+// Whole input files, through either API and as the program explains them, against the simplest
 // reader: modes, array and status.
 #include "Targets.hpp"
 
@@ -92,12 +92,12 @@ class MemoryFile {
     std::array<char, 40> path_{};
 };
 
-void Load(const char* path, std::size_t face) {
-    if (face == 0) return ExpectSame(CorvaleLoadFile(path), 0, "CorvaleLoadFile");
-    if (face == 1) return ExpectSame(ReadCorvaleFrFile(path), 0, "ReadCorvaleFrFile");
+void Load(const char* path, std::size_t api) {
+    if (api == 0) return ExpectSame(CorvaleLoadFile(path), 0, "CorvaleLoadFile");
+    if (api == 1) return ExpectSame(ReadCorvaleFrFile(path), 0, "ReadCorvaleFrFile");
     std::array<char, 9> line;
     ExpectSame(FileIO::FileOpen(17, path, 1), 0, "FileOpen");
-    if (face == 2) static_cast<void>(TextUnits::ReadLine(17, line));
+    if (api == 2) static_cast<void>(TextUnits::ReadLine(17, line));
     ExpectSame(ReadCorvaleFrFileUnit(17), 0, "ReadCorvaleFrFileUnit");
     TextUnits::Close(17);
 }
@@ -148,7 +148,7 @@ void Cards(Choices in) {
     using namespace cards;
     static const MemoryFile file;
     static std::array<char, 8192> room;
-    const std::size_t face = in.Below(4);
+    const std::size_t api = in.Below(4);
     const auto count = static_cast<std::int32_t>(in.Below(200)) - 20;
     const std::string_view content = in.Text(kPieces, room);
     reference::CardOutcome wanted;
@@ -157,7 +157,7 @@ void Cards(Choices in) {
 
     ResetState();
     file.Fill(content);
-    Load(file.Path(), face);
+    Load(file.Path(), api);
     const reference::CardModes modes{GetElsetKeyMode(), GetAllKeyMode(), UseAllKeyMode()};
     Expect(modes == wanted.modes, "the modes after loading");
     for (std::size_t i = 0; i < wanted.moic.size(); ++i)

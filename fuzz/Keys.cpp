@@ -1,4 +1,4 @@
-// Satellite keys and numbers, modes through both faces, checksums, logical values and the
+// Satellite keys and numbers, modes through both APIs, checksums, logical values and the
 // information line.
 #include "Targets.hpp"
 
@@ -63,7 +63,7 @@ struct Modes {
     std::int32_t dup = 0, all = 0, elset = 0, useAll = 0;
 };
 
-// One call that sets a mode, through the face that `call` says, and what it makes of `modes`.
+// One call that sets a mode, through the API that `call` says, and what it makes of `modes`.
 void SetMode(std::size_t call, std::int32_t mode, Modes& modes) {
     const bool isValid = mode == 0 || mode == 1;
     const std::int32_t status = isValid ? 0 : 2;

@@ -1,7 +1,7 @@
 with Ada.Environment_Variables;
 with Ada.Finalization;
 with Ada.Strings.Fixed;
-with Corvale.Face;
+with Corvale.Api;
 
 package body Corvale is
 
@@ -91,7 +91,7 @@ package body Corvale is
       Reason : Text_128;
    begin
       if Status /= 0 then
-         Face.GetLastErrMsg (Reason);
+         Api.GetLastErrMsg (Reason);
          raise Corvale_Error with Trimmed (Reason);
       end if;
    end Check;
@@ -102,21 +102,21 @@ package body Corvale is
    procedure Open (Library : String := "") is
       Mine : Any_Turn;
    begin
-      Face.Load (if Library = "" then Default_Library else Library);
+      Api.Load (if Library = "" then Default_Library else Library);
       Is_Open := True;
    end Open;
 
    procedure Init is
       Mine : Turn;
    begin
-      Check (Face.CorvaleInit.all);
+      Check (Api.CorvaleInit.all);
    end Init;
 
    function Info return String is
       Mine : Turn;
       Text : Text_128;
    begin
-      Face.CorvaleGetInfo (Text);
+      Api.CorvaleGetInfo (Text);
       return Trimmed (Text);
    end Info;
 
@@ -124,33 +124,33 @@ package body Corvale is
       Mine  : Turn;
       Names : Text_512;
    begin
-      Face.GetInitDllNames (Names);
+      Api.GetInitDllNames (Names);
       return Trimmed (Names);
    end Init_Dll_Names;
 
    procedure Open_Log_File (Name : String) is
       Mine : Turn;
    begin
-      Check (Face.OpenLogFile (Filled_Unindented (Name, Text_512'Length)));
+      Check (Api.OpenLogFile (Filled_Unindented (Name, Text_512'Length)));
    end Open_Log_File;
 
    procedure Close_Log_File is
       Mine : Turn;
    begin
-      Face.CloseLogFile.all;
+      Api.CloseLogFile.all;
    end Close_Log_File;
 
    procedure Log_Message (Message : String) is
       Mine : Turn;
    begin
-      Face.LogMessage (Filled_Unindented (Message, Text_128'Length));
+      Api.LogMessage (Filled_Unindented (Message, Text_128'Length));
    end Log_Message;
 
    function Last_Err_Msg return String is
       Mine : Turn;
       Text : Text_128;
    begin
-      Face.GetLastErrMsg (Text);
+      Api.GetLastErrMsg (Text);
       return Trimmed (Text);
    end Last_Err_Msg;
 
@@ -158,63 +158,63 @@ package body Corvale is
       Mine : Turn;
       Text : Text_128;
    begin
-      Face.GetLastInfoMsg (Text);
+      Api.GetLastInfoMsg (Text);
       return Trimmed (Text);
    end Last_Info_Msg;
 
    function Dup_Key_Mode return Int32 is
       Mine : Turn;
    begin
-      return Face.GetDupKeyMode.all;
+      return Api.GetDupKeyMode.all;
    end Dup_Key_Mode;
 
    procedure Set_Dup_Key_Mode (Mode : Int32) is
       Mine : Turn;
    begin
-      Check (Face.SetDupKeyMode (Mode));
+      Check (Api.SetDupKeyMode (Mode));
    end Set_Dup_Key_Mode;
 
    function All_Key_Mode return Int32 is
       Mine : Turn;
    begin
-      return Face.GetAllKeyMode.all;
+      return Api.GetAllKeyMode.all;
    end All_Key_Mode;
 
    procedure Set_All_Key_Mode (Mode : Int32) is
       Mine : Turn;
    begin
-      Check (Face.SetAllKeyMode (Mode));
+      Check (Api.SetAllKeyMode (Mode));
    end Set_All_Key_Mode;
 
    procedure Reset_All_Key_Mode is
       Mine : Turn;
    begin
-      Face.ResetAllKeyMode.all;
+      Api.ResetAllKeyMode.all;
    end Reset_All_Key_Mode;
 
    function Elset_Key_Mode return Int32 is
       Mine : Turn;
    begin
-      return Face.GetElsetKeyMode.all;
+      return Api.GetElsetKeyMode.all;
    end Elset_Key_Mode;
 
    procedure Set_Elset_Key_Mode (Mode : Int32) is
       Mine : Turn;
    begin
-      Check (Face.SetElsetKeyMode (Mode));
+      Check (Api.SetElsetKeyMode (Mode));
    end Set_Elset_Key_Mode;
 
    procedure Load_File (Name : String) is
       Mine : Turn;
    begin
-      Check (Face.CorvaleLoadFile (Filled_Unindented (Name, Text_512'Length)));
+      Check (Api.CorvaleLoadFile (Filled_Unindented (Name, Text_512'Length)));
    end Load_File;
 
    function MOIC_Data (Count : Natural) return Real64_Array is
       Mine : Turn;
    begin
       return Values : Real64_Array (1 .. Count) do
-         Face.GetMOICData (Int32 (Count), Values);
+         Api.GetMOICData (Int32 (Count), Values);
       end return;
    end MOIC_Data;
 
@@ -222,7 +222,7 @@ package body Corvale is
       Mine : Turn;
    begin
       return To : Values do
-         Face.TestInterface
+         Api.TestInterface
            (From.Ch, To.Ch, From.I, To.I, From.L, To.L, From.D, To.D,
             Filled (From.Text, Text_512'Length), To.Text,
             From.I3, To.I3, From.L3, To.L3, From.D3, To.D3,
@@ -235,7 +235,7 @@ package body Corvale is
       V    : Values renames All_Values;
    begin
       V.Text := Filled (V.Text, Text_512'Length);
-      Face.TestInterface2 (V.Ch, V.I, V.L, V.D, V.Text, V.I3, V.L3, V.D3, V.I6, V.L6, V.D6);
+      Api.TestInterface2 (V.Ch, V.I, V.L, V.D, V.Text, V.I3, V.L3, V.D3, V.I6, V.L6, V.D6);
    end Test_Interface_2;
 
    procedure Test_Interface_3
@@ -243,7 +243,7 @@ package body Corvale is
    is
       Mine : Turn;
    begin
-      Face.TestInterface3 (I3, I3_Out, I6, I6_Out);
+      Api.TestInterface3 (I3, I3_Out, I6, I6_Out);
    end Test_Interface_3;
 
 end Corvale;

@@ -10,6 +10,6 @@ build() {
         -I. "$1.adb" -largs -ldl
 }
 build load_file
-build tests/face_test
+build tests/api_test
 "$out/load_file" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-"$out/face_test"
+"$out/api_test"

@@ -24,7 +24,7 @@ namespace Corvale
     {
         private static readonly object OneAtATime = new object();
 
-        private readonly Face face;
+        private readonly Api api;
 
         /// <summary>
         /// Loads what CORVALE_LIBRARY names, or else libCorvale.so.9 from where the system looks, to the end
@@ -36,21 +36,21 @@ namespace Corvale
         /// Loads a library by its path, or by its name from where the system looks. Throws
         /// DllNotFoundException or EntryPointNotFoundException with the loader's reason.
         /// </summary>
-        public Library(string path) { face = new Face(path); }
+        public Library(string path) { api = new Api(path); }
 
         /// <summary>CorvaleInit. Does nothing: the library is ready once it is loaded.</summary>
-        public void Init() { Check(() => face.Get<Face.CorvaleInit>()()); }
+        public void Init() { Check(() => api.Get<Api.CorvaleInit>()()); }
 
         /// <summary>CorvaleGetInfo. Name, version, build date, platform and compiler.</summary>
         public string Info
         {
-            get { return Read(Texts.MessageWidth, info => face.Get<Face.CorvaleGetInfo>()(info)); }
+            get { return Read(Texts.MessageWidth, info => api.Get<Api.CorvaleGetInfo>()(info)); }
         }
 
         /// <summary>GetInitDllNames. The libraries that have to be initialised first: none.</summary>
         public string InitDllNames
         {
-            get { return Read(Texts.NameWidth, names => face.Get<Face.GetInitDllNames>()(names)); }
+            get { return Read(Texts.NameWidth, names => api.Get<Api.GetInitDllNames>()(names)); }
         }
 
         /// <summary>
@@ -59,53 +59,53 @@ namespace Corvale
         public void OpenLogFile(string fileName)
         {
             var buffer = Texts.FilledUnindented(fileName, Texts.NameWidth);
-            Check(() => face.Get<Face.OpenLogFile>()(buffer));
+            Check(() => api.Get<Api.OpenLogFile>()(buffer));
         }
 
         /// <summary>CloseLogFile. Closes the log, if one is open, and blanks the last error message.</summary>
-        public void CloseLogFile() { lock (OneAtATime) face.Get<Face.CloseLogFile>()(); }
+        public void CloseLogFile() { lock (OneAtATime) api.Get<Api.CloseLogFile>()(); }
 
         /// <summary>LogMessage. Stores a message of at most 128 characters and writes it to an open log.</summary>
         public void LogMessage(string message)
         {
             var buffer = Texts.FilledUnindented(message, Texts.MessageWidth);
-            lock (OneAtATime) face.Get<Face.LogMessage>()(buffer);
+            lock (OneAtATime) api.Get<Api.LogMessage>()(buffer);
         }
 
         /// <summary>GetLastErrMsg. The last error message; it stays until the next error or CloseLogFile.</summary>
         public string LastErrMsg
         {
-            get { return Read(Texts.MessageWidth, message => face.Get<Face.GetLastErrMsg>()(message)); }
+            get { return Read(Texts.MessageWidth, message => api.Get<Api.GetLastErrMsg>()(message)); }
         }
 
         /// <summary>GetLastInfoMsg. The last informational message.</summary>
         public string LastInfoMsg
         {
-            get { return Read(Texts.MessageWidth, message => face.Get<Face.GetLastInfoMsg>()(message)); }
+            get { return Read(Texts.MessageWidth, message => api.Get<Api.GetLastInfoMsg>()(message)); }
         }
 
         /// <summary>GetDupKeyMode, SetDupKeyMode. 0 or 1; setting another throws and changes nothing.</summary>
         public int DupKeyMode
         {
-            get { lock (OneAtATime) return face.Get<Face.GetDupKeyMode>()(); }
-            set { Check(() => face.Get<Face.SetDupKeyMode>()(value)); }
+            get { lock (OneAtATime) return api.Get<Api.GetDupKeyMode>()(); }
+            set { Check(() => api.Get<Api.SetDupKeyMode>()(value)); }
         }
 
         /// <summary>GetAllKeyMode, SetAllKeyMode. 0 or 1; setting another throws and changes nothing.</summary>
         public int AllKeyMode
         {
-            get { lock (OneAtATime) return face.Get<Face.GetAllKeyMode>()(); }
-            set { Check(() => face.Get<Face.SetAllKeyMode>()(value)); }
+            get { lock (OneAtATime) return api.Get<Api.GetAllKeyMode>()(); }
+            set { Check(() => api.Get<Api.SetAllKeyMode>()(value)); }
         }
 
         /// <summary>ResetAllKeyMode. Sets the all-key and the duplication key mode back to 0.</summary>
-        public void ResetAllKeyMode() { lock (OneAtATime) face.Get<Face.ResetAllKeyMode>()(); }
+        public void ResetAllKeyMode() { lock (OneAtATime) api.Get<Api.ResetAllKeyMode>()(); }
 
         /// <summary>GetElsetKeyMode, SetElsetKeyMode. 0 or 1; setting another throws and changes nothing.</summary>
         public int ElsetKeyMode
         {
-            get { lock (OneAtATime) return face.Get<Face.GetElsetKeyMode>()(); }
-            set { Check(() => face.Get<Face.SetElsetKeyMode>()(value)); }
+            get { lock (OneAtATime) return api.Get<Api.GetElsetKeyMode>()(); }
+            set { Check(() => api.Get<Api.SetElsetKeyMode>()(value)); }
         }
 
         /// <summary>
@@ -115,7 +115,7 @@ namespace Corvale
         public void LoadFile(string fileName)
         {
             var buffer = Texts.FilledUnindented(fileName, Texts.NameWidth);
-            Check(() => face.Get<Face.CorvaleLoadFile>()(buffer));
+            Check(() => api.Get<Api.CorvaleLoadFile>()(buffer));
         }
 
         /// <summary>
@@ -126,7 +126,7 @@ namespace Corvale
         {
             if (count < 0) throw new ArgumentOutOfRangeException("count", "negative");
             var values = new double[count];
-            lock (OneAtATime) face.Get<Face.GetMOICData>()(count, values);
+            lock (OneAtATime) api.Get<Api.GetMOICData>()(count, values);
             return values;
         }
 
@@ -135,7 +135,7 @@ namespace Corvale
         {
             var to = new Values();
             var textIn = Texts.Filled(from.Text, Texts.NameWidth);
-            to.Text = Texts.Read(Texts.NameWidth, textOut => face.Get<Face.TestInterface>()(
+            to.Text = Texts.Read(Texts.NameWidth, textOut => api.Get<Api.TestInterface>()(
                 from.Ch, out to.Ch, from.I, out to.I, from.L, out to.L, from.D, out to.D, textIn, textOut,
                 from.I3, to.I3, from.L3, to.L3, from.D3, to.D3, from.I6, to.I6, from.L6, to.L6, from.D6, to.D6));
             return to;
@@ -145,7 +145,7 @@ namespace Corvale
         public void TestInterface2(Values values)
         {
             var text = Texts.Filled(values.Text, Texts.NameWidth);
-            face.Get<Face.TestInterface2>()(
+            api.Get<Api.TestInterface2>()(
                 ref values.Ch, ref values.I, ref values.L, ref values.D, text,
                 values.I3, values.L3, values.D3, values.I6, values.L6, values.D6);
             values.Text = Texts.Trimmed(text);
@@ -155,7 +155,7 @@ namespace Corvale
         public Values TestInterface3(Values from)
         {
             var to = new Values();
-            face.Get<Face.TestInterface3>()(from.I3, to.I3, from.I6, to.I6);
+            api.Get<Api.TestInterface3>()(from.I3, to.I3, from.I6, to.I6);
             return to;
         }
 

@@ -4,13 +4,13 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 out=../../build/bindings/csharp
-sources=(Loader.cs Face.cs Texts.cs Values.cs Library.cs)
+sources=(Loader.cs Api.cs Texts.cs Values.cs Library.cs)
 mkdir -p "$out"
 compile() { mcs -nologo -warn:4 -warnaserror "$@"; }
 compile -r:System.Core.dll -target:library -doc:"$out/Corvale.xml" -out:"$out/Corvale.dll" "${sources[@]}"
 compile -r:"$out/Corvale.dll" -out:"$out/LoadFile.exe" LoadFile.cs
 # The test sees the binding's inner declarations: it is compiled with them, not against the assembly.
-compile -r:System.Core.dll -out:"$out/FaceTest.exe" "${sources[@]}" tests/FaceTest.cs
+compile -r:System.Core.dll -out:"$out/ApiTest.exe" "${sources[@]}" tests/ApiTest.cs
 
 mono "$out/LoadFile.exe" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-mono "$out/FaceTest.exe"
+mono "$out/ApiTest.exe"

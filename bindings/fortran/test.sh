@@ -6,13 +6,13 @@ cd "$(dirname "$0")"
 build=../../build/bindings/fortran
 mkdir -p "$build"
 strict=(gfortran -std=f2018 -Wall -Wextra -Werror -fcheck=all -O1 -J "$build")
-"${strict[@]}" -fopenmp -c src/corvale_face.f90 -o "$build/corvale_face.o"
+"${strict[@]}" -fopenmp -c src/corvale_api.f90 -o "$build/corvale_api.o"
 "${strict[@]}" -fopenmp -c src/corvale.f90 -o "$build/corvale.o"
 for program in examples/load_file tests/test_corvale; do
-    "${strict[@]}" "$program.f90" "$build/corvale.o" "$build/corvale_face.o" -fopenmp \
+    "${strict[@]}" "$program.f90" "$build/corvale.o" "$build/corvale_api.o" -fopenmp \
         -o "$build/$(basename "$program")"
 done
 
 "$build/load_file" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-arguments=$(python3 tests/check_face.py src/corvale_face.f90 "$CORVALE_INTERFACE")
+arguments=$(python3 tests/check_api.py src/corvale_api.f90 "$CORVALE_INTERFACE")
 "$build/test_corvale" "$build" "$arguments"

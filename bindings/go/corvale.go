@@ -13,7 +13,7 @@ package corvale
 /*
 #cgo LDFLAGS: -ldl
 #include <stdlib.h>
-#include "face.h"
+#include "api.h"
 */
 import "C"
 

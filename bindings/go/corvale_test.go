@@ -39,7 +39,7 @@ func read(t *testing.T, path string) string {
 	return string(content)
 }
 
-// declared is how face.h has to declare an argument of the table.
+// declared is how api.h has to declare an argument of the table.
 func declared(name, kind, width, way string) string {
 	text := map[string]string{"text": "char ", "char": "char ", "int32": "int32_t ", "int64": "int64_t ",
 		"real64": "double "}[kind] + name
@@ -52,7 +52,7 @@ func declared(name, kind, width, way string) string {
 	return text + "[" + strings.TrimPrefix(width, "count") + "]"
 }
 
-// What face.h has to hold: result, name, arguments declared, arguments passed, for each function.
+// What api.h has to hold: result, name, arguments declared, arguments passed, for each function.
 func wanted(t *testing.T) (lines []string) {
 	for _, line := range strings.Split(read(t, os.Getenv("CORVALE_INTERFACE")), "\n") {
 		switch f := strings.Fields(line); {
@@ -69,7 +69,7 @@ func wanted(t *testing.T) (lines []string) {
 
 func TestDeclarationsAgreeWithTheTable(t *testing.T) {
 	var have []string
-	header := regexp.MustCompile(`[\s\\]+`).ReplaceAllString(read(t, "face.h"), " ")
+	header := regexp.MustCompile(`[\s\\]+`).ReplaceAllString(read(t, "api.h"), " ")
 	for _, f := range regexp.MustCompile(`F\((\w+), (\w+), \(([^)]+)\), \(([^)]*)\)\)`).FindAllStringSubmatch(header, -1) {
 		have = append(have, f[1]+" "+f[2])
 		if f[3] == "void" {

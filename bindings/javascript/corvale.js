@@ -9,7 +9,7 @@
  * The library has one state for the whole process, workers included: use it from one of them.
  */
 
-import { boxed, load } from './face.js';
+import { boxed, load } from './api.js';
 
 const NAME_WIDTH = 512;
 const MESSAGE_WIDTH = 128;
@@ -45,19 +45,19 @@ function trimmed(buffer) {
 
 /** The loaded library. */
 export class Corvale {
-  #face;
+  #api;
 
   /**
    * Loads a library by its path, or by its name from where the system looks. Without one it is what
    * CORVALE_LIBRARY names, or else libCorvale.so.9. Throws an Error with the loader's reason.
    */
   constructor(path = process.env.CORVALE_LIBRARY ?? 'libCorvale.so.9') {
-    this.#face = load(path);
+    this.#api = load(path);
   }
 
   /** CorvaleInit. Does nothing: the library is ready once it is loaded. */
   init() {
-    this.#check(this.#face.CorvaleInit());
+    this.#check(this.#api.CorvaleInit());
   }
 
   /** CorvaleGetInfo. Name, version, build date, platform and compiler. */
@@ -72,17 +72,17 @@ export class Corvale {
 
   /** OpenLogFile. Opens the log, created or emptied; every message is from then on also a line of it. */
   openLogFile(fileName) {
-    this.#check(this.#face.OpenLogFile(filledUnindented(fileName, NAME_WIDTH)));
+    this.#check(this.#api.OpenLogFile(filledUnindented(fileName, NAME_WIDTH)));
   }
 
   /** CloseLogFile. Closes the log, if one is open, and blanks the last error message. */
   closeLogFile() {
-    this.#face.CloseLogFile();
+    this.#api.CloseLogFile();
   }
 
   /** LogMessage. Stores a message of at most 128 characters and writes it to an open log. */
   logMessage(message) {
-    this.#face.LogMessage(filledUnindented(message, MESSAGE_WIDTH));
+    this.#api.LogMessage(filledUnindented(message, MESSAGE_WIDTH));
   }
 
   /** GetLastErrMsg. The last error message; it stays until the next error or closeLogFile. */
@@ -97,36 +97,36 @@ export class Corvale {
 
   /** GetDupKeyMode, SetDupKeyMode. 0 or 1; setting another throws and changes nothing. */
   get dupKeyMode() {
-    return this.#face.GetDupKeyMode();
+    return this.#api.GetDupKeyMode();
   }
   set dupKeyMode(mode) {
-    this.#check(this.#face.SetDupKeyMode(mode));
+    this.#check(this.#api.SetDupKeyMode(mode));
   }
 
   /** GetAllKeyMode, SetAllKeyMode. 0 or 1; setting another throws and changes nothing. */
   get allKeyMode() {
-    return this.#face.GetAllKeyMode();
+    return this.#api.GetAllKeyMode();
   }
   set allKeyMode(mode) {
-    this.#check(this.#face.SetAllKeyMode(mode));
+    this.#check(this.#api.SetAllKeyMode(mode));
   }
 
   /** ResetAllKeyMode. Sets the all-key and the duplication key mode back to 0. */
   resetAllKeyMode() {
-    this.#face.ResetAllKeyMode();
+    this.#api.ResetAllKeyMode();
   }
 
   /** GetElsetKeyMode, SetElsetKeyMode. 0 or 1; setting another throws and changes nothing. */
   get elsetKeyMode() {
-    return this.#face.GetElsetKeyMode();
+    return this.#api.GetElsetKeyMode();
   }
   set elsetKeyMode(mode) {
-    this.#check(this.#face.SetElsetKeyMode(mode));
+    this.#check(this.#api.SetElsetKeyMode(mode));
   }
 
   /** CorvaleLoadFile. Reads the cards of a file. Throws if it cannot be opened, never for what it holds. */
   loadFile(fileName) {
-    this.#check(this.#face.CorvaleLoadFile(filledUnindented(fileName, NAME_WIDTH)));
+    this.#check(this.#api.CorvaleLoadFile(filledUnindented(fileName, NAME_WIDTH)));
   }
 
   /**
@@ -135,7 +135,7 @@ export class Corvale {
    */
   moicData(count) {
     const values = new Float64Array(count);
-    this.#face.GetMOICData(count, values);
+    this.#api.GetMOICData(count, values);
     return values;
   }
 
@@ -145,7 +145,7 @@ export class Corvale {
    */
   testInterface({ ch, i, l, d, text, i3, l3, d3, i6, l6, d6 }) {
     const to = blankValues();
-    this.#face.TestInterface(ch, to.ch, i, to.i, l, to.l, d, to.d, filled(text, NAME_WIDTH), to.text,
+    this.#api.TestInterface(ch, to.ch, i, to.i, l, to.l, d, to.d, filled(text, NAME_WIDTH), to.text,
       i3, to.i3, l3, to.l3, d3, to.d3, i6, to.i6, l6, to.l6, d6, to.d6);
     return unpacked(to);
   }
@@ -158,20 +158,20 @@ export class Corvale {
       text: filled(text, NAME_WIDTH), i3: i3.slice(), l3: l3.slice(), d3: d3.slice(),
       i6: i6.slice(), l6: l6.slice(), d6: d6.slice(),
     };
-    this.#face.TestInterface2(to.ch, to.i, to.l, to.d, to.text, to.i3, to.l3, to.d3, to.i6, to.l6, to.d6);
+    this.#api.TestInterface2(to.ch, to.i, to.l, to.d, to.text, to.i3, to.l3, to.d3, to.i6, to.l6, to.d6);
     return unpacked(to);
   }
 
   /** TestInterface3. 4 times `i3` and 5 times `i6`; products wrap. */
   testInterface3({ i3, i6 }) {
     const to = { i3: new Int32Array(3), i6: new Int32Array(6) };
-    this.#face.TestInterface3(i3, to.i3, i6, to.i6);
+    this.#api.TestInterface3(i3, to.i3, i6, to.i6);
     return to;
   }
 
   #read(name, width) {
     const buffer = new Uint8Array(width);
-    this.#face[name](buffer);
+    this.#api[name](buffer);
     return trimmed(buffer);
   }
 

@@ -19,4 +19,4 @@ if ! cmp -s package-lock.json installed.json; then
     cp package-lock.json installed.json
 fi
 node load_file.js "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-node test/face.js
+node test/api.js

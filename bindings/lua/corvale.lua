@@ -135,70 +135,70 @@ end
 -- end of the process. Without one it is what CORVALE_LIBRARY names, or else libCorvale.so.9. Raises the
 -- loader's reason.
 function module.open(path)
-  local face = ffi.load(path or os.getenv('CORVALE_LIBRARY') or 'libCorvale.so.9', false)
+  local api = ffi.load(path or os.getenv('CORVALE_LIBRARY') or 'libCorvale.so.9', false)
   for name in module.DECLARATIONS:gmatch('(%w+)%(') do
-    local _ = face[name]
+    local _ = api[name]
   end
-  return setmetatable({face = face}, Library)
+  return setmetatable({api = api}, Library)
 end
 
 --- CorvaleInit. Does nothing: the library is ready once it is loaded.
-function Library:init() succeed(self, self.face.CorvaleInit()) end
+function Library:init() succeed(self, self.api.CorvaleInit()) end
 
 --- CorvaleGetInfo. Name, version, build date, platform and compiler.
-function Library:info() return read(self.face.CorvaleGetInfo, MESSAGE_WIDTH) end
+function Library:info() return read(self.api.CorvaleGetInfo, MESSAGE_WIDTH) end
 
 --- GetInitDllNames. The libraries that have to be initialised first: none.
-function Library:init_dll_names() return read(self.face.GetInitDllNames, NAME_WIDTH) end
+function Library:init_dll_names() return read(self.api.GetInitDllNames, NAME_WIDTH) end
 
 --- OpenLogFile. Opens the log, created or emptied; every message is from then on also a line of it.
 function Library:open_log_file(name)
-  succeed(self, self.face.OpenLogFile(filled_unindented(name, NAME_WIDTH)))
+  succeed(self, self.api.OpenLogFile(filled_unindented(name, NAME_WIDTH)))
 end
 
 --- CloseLogFile. Closes the log, if one is open, and blanks the last error message.
-function Library:close_log_file() self.face.CloseLogFile() end
+function Library:close_log_file() self.api.CloseLogFile() end
 
 --- LogMessage. Stores a message of at most 128 characters and writes it to an open log.
-function Library:log_message(message) self.face.LogMessage(filled_unindented(message, MESSAGE_WIDTH)) end
+function Library:log_message(message) self.api.LogMessage(filled_unindented(message, MESSAGE_WIDTH)) end
 
 --- GetLastErrMsg. The last error message; it stays until the next error or close_log_file.
-function Library:last_err_msg() return read(self.face.GetLastErrMsg, MESSAGE_WIDTH) end
+function Library:last_err_msg() return read(self.api.GetLastErrMsg, MESSAGE_WIDTH) end
 
 --- GetLastInfoMsg. The last informational message.
-function Library:last_info_msg() return read(self.face.GetLastInfoMsg, MESSAGE_WIDTH) end
+function Library:last_info_msg() return read(self.api.GetLastInfoMsg, MESSAGE_WIDTH) end
 
 --- GetDupKeyMode. The duplication key mode, 0 or 1.
-function Library:dup_key_mode() return self.face.GetDupKeyMode() end
+function Library:dup_key_mode() return self.api.GetDupKeyMode() end
 
 --- SetDupKeyMode. A mode other than 0 and 1 raises and changes nothing.
-function Library:set_dup_key_mode(mode) succeed(self, self.face.SetDupKeyMode(number('i', mode))) end
+function Library:set_dup_key_mode(mode) succeed(self, self.api.SetDupKeyMode(number('i', mode))) end
 
 --- GetAllKeyMode. The all-key mode, 0 or 1.
-function Library:all_key_mode() return self.face.GetAllKeyMode() end
+function Library:all_key_mode() return self.api.GetAllKeyMode() end
 
 --- SetAllKeyMode. A mode other than 0 and 1 raises and changes nothing.
-function Library:set_all_key_mode(mode) succeed(self, self.face.SetAllKeyMode(number('i', mode))) end
+function Library:set_all_key_mode(mode) succeed(self, self.api.SetAllKeyMode(number('i', mode))) end
 
 --- ResetAllKeyMode. Sets the all-key and the duplication key mode back to 0.
-function Library:reset_all_key_mode() self.face.ResetAllKeyMode() end
+function Library:reset_all_key_mode() self.api.ResetAllKeyMode() end
 
 --- GetElsetKeyMode. The element-set key mode, 0 or 1.
-function Library:elset_key_mode() return self.face.GetElsetKeyMode() end
+function Library:elset_key_mode() return self.api.GetElsetKeyMode() end
 
 --- SetElsetKeyMode. A mode other than 0 and 1 raises and changes nothing.
-function Library:set_elset_key_mode(mode) succeed(self, self.face.SetElsetKeyMode(number('i', mode))) end
+function Library:set_elset_key_mode(mode) succeed(self, self.api.SetElsetKeyMode(number('i', mode))) end
 
 --- CorvaleLoadFile. Reads the cards of a file. Raises if it cannot be opened, never for what it holds.
 function Library:load_file(name)
-  succeed(self, self.face.CorvaleLoadFile(filled_unindented(name, NAME_WIDTH)))
+  succeed(self, self.api.CorvaleLoadFile(filled_unindented(name, NAME_WIDTH)))
 end
 
 --- GetMOICData. A table of the first values that QZ_MOIC cards set; more than 128 are all zeros.
 function Library:moic_data(count)
   if number('i', count) < 0 then refuse('count: %d is negative', count) end
   local values = array('d', count)
-  self.face.GetMOICData(count, values)
+  self.api.GetMOICData(count, values)
   return unpacked(values, count)
 end
 
@@ -232,7 +232,7 @@ end
 -- `i6`, `l6`, `d6` tables of three and six of these.
 function Library:test_interface(values)
   local from, to = packed(values), packed()
-  self.face.TestInterface(from.ch[0], to.ch, from.i[0], to.i, from.l[0], to.l, from.d[0], to.d,
+  self.api.TestInterface(from.ch[0], to.ch, from.i[0], to.i, from.l[0], to.l, from.d[0], to.d,
     from.text, to.text, from.i3, to.i3, from.l3, to.l3, from.d3, to.d3,
     from.i6, to.i6, from.l6, to.l6, from.d6, to.d6)
   return values_of(to)
@@ -241,14 +241,14 @@ end
 --- TestInterface2. The same values, each changed by a fixed amount; integers wrap.
 function Library:test_interface2(values)
   local v = packed(values)
-  self.face.TestInterface2(v.ch, v.i, v.l, v.d, v.text, v.i3, v.l3, v.d3, v.i6, v.l6, v.d6)
+  self.api.TestInterface2(v.ch, v.i, v.l, v.d, v.text, v.i3, v.l3, v.d3, v.i6, v.l6, v.d6)
   return values_of(v)
 end
 
 --- TestInterface3. 4 times a table of three and 5 times a table of six; products wrap.
 function Library:test_interface3(i3, i6)
   local i3_out, i6_out = array('i3', 3), array('i6', 6)
-  self.face.TestInterface3(array('i3', 3, i3), i3_out, array('i6', 6, i6), i6_out)
+  self.api.TestInterface3(array('i3', 3, i3), i3_out, array('i6', 6, i6), i6_out)
   return unpacked(i3_out, 3), unpacked(i6_out, 6)
 end
 

@@ -116,7 +116,7 @@ Function Row(const char* name, Returns returns, const char* rows = "") {
     return function;
 }
 
-std::vector<Function> face = {
+std::vector<Function> api = {
     Row<decltype(CorvaleInit)>("CorvaleInit", Returns::Status),
     Row<decltype(CorvaleGetInfo)>("CorvaleGetInfo", Returns::Nothing, "info 128 out"),
     Row<decltype(GetInitDllNames)>("GetInitDllNames", Returns::Nothing, "names 512 out"),
@@ -168,19 +168,19 @@ const KindFacts& Facts(const Argument& argument) {
 }
 
 void Load(const char* path) {
-    if (face.front().address != nullptr) return;
+    if (api.front().address != nullptr) return;
     void* library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) throw Failure{"corvale:notLoaded", dlerror()};
     std::vector<void*> addresses;
-    for (const Function& function : face) {
+    for (const Function& function : api) {
         addresses.push_back(dlsym(library, function.name.c_str()));
         if (addresses.back() == nullptr) throw Failure{"corvale:notLoaded", dlerror()};
     }
-    for (std::size_t i = 0; i < face.size(); ++i) face[i].address = addresses[i];
+    for (std::size_t i = 0; i < api.size(); ++i) api[i].address = addresses[i];
 }
 
 Function& Find(const std::string& name) {
-    for (Function& function : face) {
+    for (Function& function : api) {
         if (function.name == name) return function;
     }
     throw Failure{"corvale:refused", "no function " + name};
@@ -188,7 +188,7 @@ Function& Find(const std::string& name) {
 
 std::string Interface() {
     std::ostringstream text;
-    for (const Function& function : face) {
+    for (const Function& function : api) {
         const bool hasResult = function.returns != Returns::Nothing;
         text << "function " << function.name << (hasResult ? " int32\n" : " void\n");
         for (const Argument& argument : function.arguments) {

@@ -6,4 +6,4 @@ cd "$(dirname "$0")"
 export CARGO_TARGET_DIR=../../build/bindings/rust
 cargo run --quiet --offline --example load_file -- "$CORVALE_INPUT" |
     grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-cargo test --quiet --offline --test face
+cargo test --quiet --offline --test api

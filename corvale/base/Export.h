@@ -1,4 +1,4 @@
-/* Export.h: how a declaration of the public face is marked. For C99 and C++.
+/* Export.h: how a declaration of the public API is marked. For C99 and C++.
  *
  * CORVALE_API       visible to users of libCorvale; everything else stays inside the library. On
  *                   Windows the linker finds what it names, data too, without a word in the

@@ -101,7 +101,7 @@ std::string MadeCalls() {
     return std::to_string(Counts().made[kAnyCall]) + " calls";
 }
 
-std::string CallTheCFace() {
+std::string CallTheCApi() {
     std::array<char, 513> text = {};
     std::array<double, 128> values;
     Disturbed([&] {
@@ -156,7 +156,7 @@ std::vector<Operation> MemoryOperations(const TemporaryFolder& folder) {
         {"QuickSortIterative", [&] { return SortKeys(folder); }, "sorted",
          "1 Error allocating 4000 bytes\\|"},
         {"NamedLock", TakeLock, "free", "", 1},
-        {"the C API, where it only computes", CallTheCFace, "0 calls"},
+        {"the C API, where it only computes", CallTheCApi, "0 calls"},
         {"read and write numbers", ReadAndWriteNumbers, "0 calls"},
     };
 }

@@ -17,7 +17,7 @@
 !          then take turns, so that errmsg is of the same call.
 module corvale
   use, intrinsic :: iso_c_binding, only: c_char, c_double, c_int32_t, c_int64_t
-  use corvale_face, only: face_type, load_face, OpenLogFile, SetDupKeyMode
+  use corvale_api, only: api_type, load_api, OpenLogFile, SetDupKeyMode
   implicit none
   private
   public :: CORVALE_OK, CORVALE_REFUSED, CORVALE_FAILED, CORVALE_NOT_LOADED, corvale_values
@@ -50,7 +50,7 @@ module corvale
     real(c_double) :: d6(6) = 0
   end type
 
-  type(face_type) :: face
+  type(api_type) :: api
   logical :: is_loaded = .false.
 
 contains
@@ -66,9 +66,9 @@ contains
     !$omp critical (corvale_loading)
     if (.not. is_loaded) then
       if (present(library)) then
-        call load_face(trim(library), face, reason)
+        call load_api(trim(library), api, reason)
       else
-        call load_face(usual_library(), face, reason)
+        call load_api(usual_library(), api, reason)
       end if
       is_loaded = reason == ""
     end if
@@ -82,7 +82,7 @@ contains
     character(len=*), intent(inout), optional :: errmsg
 
     if (.not. is_ready(stat, errmsg)) return
-    call report(int(face%CorvaleInit()), "CorvaleInit", stat, errmsg)
+    call report(int(api%CorvaleInit()), "CorvaleInit", stat, errmsg)
   end subroutine
 
   !> CorvaleGetInfo: name, version, build date, platform and compiler of the library.
@@ -91,7 +91,7 @@ contains
     character(len=MESSAGE_WIDTH) :: buffer
 
     call corvale_open()
-    call face%CorvaleGetInfo(buffer)
+    call api%CorvaleGetInfo(buffer)
     info = trim(buffer)
   end function
 
@@ -101,7 +101,7 @@ contains
     character(len=NAME_WIDTH) :: buffer
 
     call corvale_open()
-    call face%GetInitDllNames(buffer)
+    call api%GetInitDllNames(buffer)
     names = trim(buffer)
   end function
 
@@ -112,13 +112,13 @@ contains
     character(len=*), intent(inout), optional :: errmsg
 
     if (.not. is_ready(stat, errmsg)) return
-    call pass_name(face%OpenLogFile, name, stat, errmsg)
+    call pass_name(api%OpenLogFile, name, stat, errmsg)
   end subroutine
 
   !> CloseLogFile: closes the log, if one is open, and blanks the last error message.
   subroutine corvale_close_log_file()
     call corvale_open()
-    call face%CloseLogFile()
+    call api%CloseLogFile()
   end subroutine
 
   !> LogMessage: stores an informational message of up to 128 characters, also in an open log.
@@ -131,7 +131,7 @@ contains
     if (.not. is_ready(stat, errmsg)) return
     if (is_refused(message, MESSAGE_WIDTH, .false., stat, errmsg)) return
     buffer = message
-    call face%LogMessage(buffer)
+    call api%LogMessage(buffer)
   end subroutine
 
   !> GetLastErrMsg: the last error message; it stays until the next or corvale_close_log_file.
@@ -140,7 +140,7 @@ contains
     character(len=MESSAGE_WIDTH) :: buffer
 
     call corvale_open()
-    call face%GetLastErrMsg(buffer)
+    call api%GetLastErrMsg(buffer)
     message = trim(buffer)
   end function
 
@@ -150,14 +150,14 @@ contains
     character(len=MESSAGE_WIDTH) :: buffer
 
     call corvale_open()
-    call face%GetLastInfoMsg(buffer)
+    call api%GetLastInfoMsg(buffer)
     message = trim(buffer)
   end function
 
   !> GetDupKeyMode: the duplication key mode, 0 or 1.
   integer function corvale_dup_key_mode()
     call corvale_open()
-    corvale_dup_key_mode = face%GetDupKeyMode()
+    corvale_dup_key_mode = api%GetDupKeyMode()
   end function
 
   !> SetDupKeyMode: sets the duplication key mode; fails for a mode other than 0 and 1.
@@ -167,13 +167,13 @@ contains
     character(len=*), intent(inout), optional :: errmsg
 
     if (.not. is_ready(stat, errmsg)) return
-    call pass_mode(face%SetDupKeyMode, mode, stat, errmsg)
+    call pass_mode(api%SetDupKeyMode, mode, stat, errmsg)
   end subroutine
 
   !> GetAllKeyMode: the all-key mode, 0 or 1.
   integer function corvale_all_key_mode()
     call corvale_open()
-    corvale_all_key_mode = face%GetAllKeyMode()
+    corvale_all_key_mode = api%GetAllKeyMode()
   end function
 
   !> SetAllKeyMode: sets the all-key mode; fails for a mode other than 0 and 1.
@@ -183,19 +183,19 @@ contains
     character(len=*), intent(inout), optional :: errmsg
 
     if (.not. is_ready(stat, errmsg)) return
-    call pass_mode(face%SetAllKeyMode, mode, stat, errmsg)
+    call pass_mode(api%SetAllKeyMode, mode, stat, errmsg)
   end subroutine
 
   !> ResetAllKeyMode: sets the all-key and the duplication key mode back to 0.
   subroutine corvale_reset_all_key_mode()
     call corvale_open()
-    call face%ResetAllKeyMode()
+    call api%ResetAllKeyMode()
   end subroutine
 
   !> GetElsetKeyMode: the element-set key mode, 0 or 1.
   integer function corvale_elset_key_mode()
     call corvale_open()
-    corvale_elset_key_mode = face%GetElsetKeyMode()
+    corvale_elset_key_mode = api%GetElsetKeyMode()
   end function
 
   !> SetElsetKeyMode: sets the element-set key mode; fails for a mode other than 0 and 1.
@@ -205,7 +205,7 @@ contains
     character(len=*), intent(inout), optional :: errmsg
 
     if (.not. is_ready(stat, errmsg)) return
-    call pass_mode(face%SetElsetKeyMode, mode, stat, errmsg)
+    call pass_mode(api%SetElsetKeyMode, mode, stat, errmsg)
   end subroutine
 
   !> CorvaleLoadFile: reads the cards of an input file. Fails when it cannot be opened, never for
@@ -216,7 +216,7 @@ contains
     character(len=*), intent(inout), optional :: errmsg
 
     if (.not. is_ready(stat, errmsg)) return
-    call pass_name(face%CorvaleLoadFile, name, stat, errmsg)
+    call pass_name(api%CorvaleLoadFile, name, stat, errmsg)
   end subroutine
 
   !> GetMOICData: the first `count` values of the array that QZ_MOIC cards fill, none below 1; for
@@ -226,7 +226,7 @@ contains
     real(c_double) :: values(count)
 
     call corvale_open()
-    call face%GetMOICData(count, values)
+    call api%GetMOICData(count, values)
   end function
 
   !> TestInterface: gives every value of `from` back in `to` as it arrived in the library.
@@ -238,7 +238,7 @@ contains
 
     if (.not. is_ready(stat, errmsg)) return
     if (is_refused(from%str, NAME_WIDTH, .true., stat, errmsg)) return
-    call face%TestInterface(from%ch, to%ch, from%i, to%i, from%l, to%l, from%d, to%d, from%str, &
+    call api%TestInterface(from%ch, to%ch, from%i, to%i, from%l, to%l, from%d, to%d, from%str, &
       to%str, from%i3, to%i3, from%l3, to%l3, from%d3, to%d3, from%i6, to%i6, from%l6, to%l6, &
       from%d6, to%d6)
   end subroutine
@@ -251,7 +251,7 @@ contains
 
     if (.not. is_ready(stat, errmsg)) return
     if (is_refused(values%str, NAME_WIDTH, .true., stat, errmsg)) return
-    call face%TestInterface2(values%ch, values%i, values%l, values%d, values%str, values%i3, &
+    call api%TestInterface2(values%ch, values%i, values%l, values%d, values%str, values%i3, &
       values%l3, values%d3, values%i6, values%l6, values%d6)
   end subroutine
 
@@ -261,7 +261,7 @@ contains
     type(corvale_values), intent(inout) :: to
 
     call corvale_open()
-    call face%TestInterface3(from%i3, to%i3, from%i6, to%i6)
+    call api%TestInterface3(from%i3, to%i3, from%i6, to%i6)
   end subroutine
 
   subroutine pass_mode(set_mode, mode, stat, errmsg)
@@ -275,7 +275,7 @@ contains
     reason = ""
     !$omp critical (corvale_status)
     status = set_mode(mode)
-    if (status /= CORVALE_OK) call face%GetLastErrMsg(reason)
+    if (status /= CORVALE_OK) call api%GetLastErrMsg(reason)
     !$omp end critical (corvale_status)
     call report(status, reason, stat, errmsg)
   end subroutine
@@ -294,7 +294,7 @@ contains
     reason = ""
     !$omp critical (corvale_status)
     status = use_name(buffer)
-    if (status /= CORVALE_OK) call face%GetLastErrMsg(reason)
+    if (status /= CORVALE_OK) call api%GetLastErrMsg(reason)
     !$omp end critical (corvale_status)
     call report(status, reason, stat, errmsg)
   end subroutine

@@ -27,7 +27,7 @@ public final class Corvale {
     private static final Map<String, Object> LOCAL = Map.of(Library.OPTION_OPEN_FLAGS, RTLD_NOW);
     private static final Object ONE_AT_A_TIME = new Object();
 
-    private final Face face;
+    private final Api api;
 
     /**
      * Loads what CORVALE_LIBRARY names, or else libCorvale.so.9 from where the system looks, to the end
@@ -47,44 +47,44 @@ public final class Corvale {
         this(load(path));
     }
 
-    Corvale(Face face) {
-        this.face = face;
+    Corvale(Api api) {
+        this.api = api;
     }
 
-    static Face load(String path) {
-        Face face = Native.load(path, Face.class, LOCAL);
+    static Api load(String path) {
+        Api api = Native.load(path, Api.class, LOCAL);
         NativeLibrary library = NativeLibrary.getInstance(path, LOCAL);
-        for (Method function : Face.class.getDeclaredMethods()) {
+        for (Method function : Api.class.getDeclaredMethods()) {
             library.getFunction(function.getName());
         }
-        return face;
+        return api;
     }
 
     /** CorvaleInit. Does nothing: the library is ready once it is loaded. */
     public void init() {
-        check(face::CorvaleInit);
+        check(api::CorvaleInit);
     }
 
     /** CorvaleGetInfo. Name, version, build date, platform and compiler. */
     public String getInfo() {
-        return read(Texts.MESSAGE_WIDTH, face::CorvaleGetInfo);
+        return read(Texts.MESSAGE_WIDTH, api::CorvaleGetInfo);
     }
 
     /** GetInitDllNames. The libraries that have to be initialised first: none. */
     public String getInitDllNames() {
-        return read(Texts.NAME_WIDTH, face::GetInitDllNames);
+        return read(Texts.NAME_WIDTH, api::GetInitDllNames);
     }
 
     /** OpenLogFile. Opens the log, created or emptied; every message is from then on also a line of it. */
     public void openLogFile(String fileName) {
         byte[] buffer = Texts.filledUnindented(fileName, Texts.NAME_WIDTH);
-        check(() -> face.OpenLogFile(buffer));
+        check(() -> api.OpenLogFile(buffer));
     }
 
     /** CloseLogFile. Closes the log, if one is open, and blanks the last error message. */
     public void closeLogFile() {
         synchronized (ONE_AT_A_TIME) {
-            face.CloseLogFile();
+            api.CloseLogFile();
         }
     }
 
@@ -92,61 +92,61 @@ public final class Corvale {
     public void logMessage(String message) {
         byte[] buffer = Texts.filledUnindented(message, Texts.MESSAGE_WIDTH);
         synchronized (ONE_AT_A_TIME) {
-            face.LogMessage(buffer);
+            api.LogMessage(buffer);
         }
     }
 
     /** GetLastErrMsg. The last error message; it stays until the next error or closeLogFile. */
     public String getLastErrMsg() {
-        return read(Texts.MESSAGE_WIDTH, face::GetLastErrMsg);
+        return read(Texts.MESSAGE_WIDTH, api::GetLastErrMsg);
     }
 
     /** GetLastInfoMsg. The last informational message. */
     public String getLastInfoMsg() {
-        return read(Texts.MESSAGE_WIDTH, face::GetLastInfoMsg);
+        return read(Texts.MESSAGE_WIDTH, api::GetLastInfoMsg);
     }
 
     /** GetDupKeyMode. The duplication key mode, 0 or 1. */
     public int getDupKeyMode() {
-        return get(face::GetDupKeyMode);
+        return get(api::GetDupKeyMode);
     }
 
     /** SetDupKeyMode. A mode other than 0 and 1 throws and changes nothing. */
     public void setDupKeyMode(int mode) {
-        check(() -> face.SetDupKeyMode(mode));
+        check(() -> api.SetDupKeyMode(mode));
     }
 
     /** GetAllKeyMode. The all-key mode, 0 or 1. */
     public int getAllKeyMode() {
-        return get(face::GetAllKeyMode);
+        return get(api::GetAllKeyMode);
     }
 
     /** SetAllKeyMode. A mode other than 0 and 1 throws and changes nothing. */
     public void setAllKeyMode(int mode) {
-        check(() -> face.SetAllKeyMode(mode));
+        check(() -> api.SetAllKeyMode(mode));
     }
 
     /** ResetAllKeyMode. Sets the all-key and the duplication key mode back to 0. */
     public void resetAllKeyMode() {
         synchronized (ONE_AT_A_TIME) {
-            face.ResetAllKeyMode();
+            api.ResetAllKeyMode();
         }
     }
 
     /** GetElsetKeyMode. The element-set key mode, 0 or 1. */
     public int getElsetKeyMode() {
-        return get(face::GetElsetKeyMode);
+        return get(api::GetElsetKeyMode);
     }
 
     /** SetElsetKeyMode. A mode other than 0 and 1 throws and changes nothing. */
     public void setElsetKeyMode(int mode) {
-        check(() -> face.SetElsetKeyMode(mode));
+        check(() -> api.SetElsetKeyMode(mode));
     }
 
     /** CorvaleLoadFile. Reads the cards of a file. Throws if it cannot be opened, never for what it holds. */
     public void loadFile(String fileName) {
         byte[] buffer = Texts.filledUnindented(fileName, Texts.NAME_WIDTH);
-        check(() -> face.CorvaleLoadFile(buffer));
+        check(() -> api.CorvaleLoadFile(buffer));
     }
 
     /**
@@ -159,7 +159,7 @@ public final class Corvale {
         }
         double[] values = new double[count];
         synchronized (ONE_AT_A_TIME) {
-            face.GetMOICData(count, values);
+            api.GetMOICData(count, values);
         }
         return values;
     }
@@ -173,7 +173,7 @@ public final class Corvale {
         int[] i = new int[1];
         long[] l = new long[1];
         double[] d = new double[1];
-        face.TestInterface(from.ch, ch, from.i, i, from.l, l, from.d, d, textIn, textOut, from.i3, to.i3,
+        api.TestInterface(from.ch, ch, from.i, i, from.l, l, from.d, d, textIn, textOut, from.i3, to.i3,
                 from.l3, to.l3, from.d3, to.d3, from.i6, to.i6, from.l6, to.l6, from.d6, to.d6);
         setSingles(to, ch, i, l, d, textOut);
         return to;
@@ -186,14 +186,14 @@ public final class Corvale {
         int[] i = {values.i};
         long[] l = {values.l};
         double[] d = {values.d};
-        face.TestInterface2(ch, i, l, d, text, values.i3, values.l3, values.d3, values.i6, values.l6, values.d6);
+        api.TestInterface2(ch, i, l, d, text, values.i3, values.l3, values.d3, values.i6, values.l6, values.d6);
         setSingles(values, ch, i, l, d, text);
     }
 
     /** TestInterface3. 4 times i3 and 5 times i6, in a new object; products wrap. */
     public Values testInterface3(Values from) {
         Values to = new Values();
-        face.TestInterface3(from.i3, to.i3, from.i6, to.i6);
+        api.TestInterface3(from.i3, to.i3, from.i6, to.i6);
         return to;
     }
 

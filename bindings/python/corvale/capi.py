@@ -38,7 +38,7 @@ class Argument(NamedTuple):
 
 
 # The 20 functions: result, and arguments in the order of the call. All calls are made from this.
-FACE: Final = {
+API: Final = {
     "CorvaleInit": ("int32", ""),
     "CorvaleGetInfo": ("void", "info text 128 out"),
     "GetInitDllNames": ("void", "names text 512 out"),
@@ -90,7 +90,7 @@ _BITS: Final = {"int32": 32, "int64": 64}
 @functools.cache
 def arguments(function: str) -> tuple[Argument, ...]:
     """The arguments of a C function as this binding passes them."""
-    rows = FACE[function][1].split(", ") if FACE[function][1] else []
+    rows = API[function][1].split(", ") if API[function][1] else []
     return tuple(Argument(*row.split()) for row in rows)
 
 
@@ -132,7 +132,7 @@ class Corvale:
         path = os.fspath(library or library_path())
         loaded = ctypes.CDLL(path, mode=ctypes.RTLD_LOCAL)
         try:
-            self._functions = {name: _declared(loaded[name], name) for name in FACE}
+            self._functions = {name: _declared(loaded[name], name) for name in API}
         except AttributeError as lacking:
             raise OSError(f"{path}: {lacking}") from None
 
@@ -278,7 +278,7 @@ def _by_value(argument: Argument) -> bool:
 
 def _declared(function: Any, name: str) -> Any:
     """`function` with the C types of its table row: ctypes then refuses any other buffer."""
-    function.restype = ctypes.c_int32 if FACE[name][0] == "int32" else None
+    function.restype = ctypes.c_int32 if API[name][0] == "int32" else None
     function.argtypes = [_c_type(argument) for argument in arguments(name)]
     return function
 

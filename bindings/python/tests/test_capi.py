@@ -8,7 +8,7 @@ import pathlib
 import tempfile
 from typing import Any
 
-from corvale.capi import FACE, Corvale, CorvaleError, Values, arguments
+from corvale.capi import API, Corvale, CorvaleError, Values, arguments
 
 LEAST, GREATEST = -(2**31), 2**31 - 1
 LEAST_LONG, GREATEST_LONG = -(2**63), 2**63 - 1
@@ -27,7 +27,7 @@ def check_declarations() -> tuple[set[str], int]:
     """Compares declarations and table; the table's functions and how many arguments agreed."""
     declared: list[tuple[str, ...]] = []
     table: list[tuple[str, ...]] = []
-    for name, (result, _) in FACE.items():
+    for name, (result, _) in API.items():
         declared.append(("function", name, result))
         declared.extend(("argument", *argument) for argument in arguments(name))
     for line in pathlib.Path(os.environ["CORVALE_INTERFACE"]).read_text().splitlines():
@@ -35,7 +35,7 @@ def check_declarations() -> tuple[set[str], int]:
             table.append(tuple(line.split()))
     for have, want in zip(declared + [()], table + [()]):
         assert have == want, f"declared {have}, in the table {want}"
-    return {row[1] for row in table if row[0] == "function"}, len(table) - len(FACE)
+    return {row[1] for row in table if row[0] == "function"}, len(table) - len(API)
 
 
 def record_calls(corvale: Corvale) -> set[str]:

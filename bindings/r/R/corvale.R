@@ -13,7 +13,7 @@ NAME_WIDTH <- 512L
 MESSAGE_WIDTH <- 128L
 
 # The one way into the library: the routine of that name.
-call_face <- function(name, ...) .Call(get(paste0("C_", name)), ...)
+call_api <- function(name, ...) .Call(get(paste0("C_", name)), ...)
 
 # The bytes of a text in a buffer; refused when the library would not see all of it.
 filled <- function(text, width) {
@@ -71,65 +71,65 @@ succeed <- function(status) {
 #' loader's reason.
 corvale_open <- function(path = Sys.getenv("CORVALE_LIBRARY", "libCorvale.so.9")) {
     stopifnot(is.character(path), length(path) == 1L, !is.na(path))
-    invisible(call_face("Open", path.expand(path)))
+    invisible(call_api("Open", path.expand(path)))
 }
 
 #' CorvaleInit. Does nothing: the library is ready once it is loaded.
-corvale_init <- function() succeed(call_face("CorvaleInit"))
+corvale_init <- function() succeed(call_api("CorvaleInit"))
 
 #' CorvaleGetInfo. Name, version, build date, platform and compiler.
-corvale_info <- function() trimmed(call_face("CorvaleGetInfo"))
+corvale_info <- function() trimmed(call_api("CorvaleGetInfo"))
 
 #' GetInitDllNames. The libraries that have to be initialised first: none.
-corvale_init_dll_names <- function() trimmed(call_face("GetInitDllNames"))
+corvale_init_dll_names <- function() trimmed(call_api("GetInitDllNames"))
 
 #' OpenLogFile. Opens the log, created or emptied; every message is from then on also a line of it.
-corvale_open_log_file <- function(name) succeed(call_face("OpenLogFile", filled_unindented(name, NAME_WIDTH)))
+corvale_open_log_file <- function(name) succeed(call_api("OpenLogFile", filled_unindented(name, NAME_WIDTH)))
 
 #' CloseLogFile. Closes the log, if one is open, and blanks the last error message.
-corvale_close_log_file <- function() invisible(call_face("CloseLogFile"))
+corvale_close_log_file <- function() invisible(call_api("CloseLogFile"))
 
 #' LogMessage. Stores a message of at most 128 characters and writes it to an open log.
 corvale_log_message <- function(message) {
-    invisible(call_face("LogMessage", filled_unindented(message, MESSAGE_WIDTH)))
+    invisible(call_api("LogMessage", filled_unindented(message, MESSAGE_WIDTH)))
 }
 
 #' GetLastErrMsg. The last error message; it stays until the next error or corvale_close_log_file.
-corvale_last_err_msg <- function() trimmed(call_face("GetLastErrMsg"))
+corvale_last_err_msg <- function() trimmed(call_api("GetLastErrMsg"))
 
 #' GetLastInfoMsg. The last informational message.
-corvale_last_info_msg <- function() trimmed(call_face("GetLastInfoMsg"))
+corvale_last_info_msg <- function() trimmed(call_api("GetLastInfoMsg"))
 
 #' GetDupKeyMode. The duplication key mode, 0 or 1.
-corvale_dup_key_mode <- function() call_face("GetDupKeyMode")
+corvale_dup_key_mode <- function() call_api("GetDupKeyMode")
 
 #' SetDupKeyMode. A mode other than 0 and 1 stops and changes nothing.
-corvale_set_dup_key_mode <- function(mode) succeed(call_face("SetDupKeyMode", int32("mode", mode, 1L)))
+corvale_set_dup_key_mode <- function(mode) succeed(call_api("SetDupKeyMode", int32("mode", mode, 1L)))
 
 #' GetAllKeyMode. The all-key mode, 0 or 1.
-corvale_all_key_mode <- function() call_face("GetAllKeyMode")
+corvale_all_key_mode <- function() call_api("GetAllKeyMode")
 
 #' SetAllKeyMode. A mode other than 0 and 1 stops and changes nothing.
-corvale_set_all_key_mode <- function(mode) succeed(call_face("SetAllKeyMode", int32("mode", mode, 1L)))
+corvale_set_all_key_mode <- function(mode) succeed(call_api("SetAllKeyMode", int32("mode", mode, 1L)))
 
 #' ResetAllKeyMode. Sets the all-key and the duplication key mode back to 0.
-corvale_reset_all_key_mode <- function() invisible(call_face("ResetAllKeyMode"))
+corvale_reset_all_key_mode <- function() invisible(call_api("ResetAllKeyMode"))
 
 #' GetElsetKeyMode. The element-set key mode, 0 or 1.
-corvale_elset_key_mode <- function() call_face("GetElsetKeyMode")
+corvale_elset_key_mode <- function() call_api("GetElsetKeyMode")
 
 #' SetElsetKeyMode. A mode other than 0 and 1 stops and changes nothing.
-corvale_set_elset_key_mode <- function(mode) succeed(call_face("SetElsetKeyMode", int32("mode", mode, 1L)))
+corvale_set_elset_key_mode <- function(mode) succeed(call_api("SetElsetKeyMode", int32("mode", mode, 1L)))
 
 #' CorvaleLoadFile. Reads the cards of a file. Stops if it cannot be opened, never for what it holds.
-corvale_load_file <- function(name) succeed(call_face("CorvaleLoadFile", filled_unindented(name, NAME_WIDTH)))
+corvale_load_file <- function(name) succeed(call_api("CorvaleLoadFile", filled_unindented(name, NAME_WIDTH)))
 
 #' GetMOICData. The first values of the array that QZ_MOIC cards fill; for more than 128 the library
 #' gives zeros.
 corvale_moic_data <- function(count) {
     count <- int32("count", count, 1L)
     if (is.na(count) || count < 0L) stop("count: negative", call. = FALSE)
-    call_face("GetMOICData", count)
+    call_api("GetMOICData", count)
 }
 
 # The fields of a list in the order of the interface tests, as C takes them.
@@ -150,13 +150,13 @@ unpacked <- function(fields) {
 
 #' TestInterface. A list of every value as it arrived in the library: ch a character, i an integer, l an
 #' integer64, d a real, text at most 512 characters, i3, l3, d3, i6, l6, d6 three and six of these.
-corvale_test_interface <- function(values) unpacked(call_face("TestInterface", packed(values)))
+corvale_test_interface <- function(values) unpacked(call_api("TestInterface", packed(values)))
 
 #' TestInterface2. The same values, each changed by a fixed amount; integers wrap.
-corvale_test_interface2 <- function(values) unpacked(call_face("TestInterface2", packed(values)))
+corvale_test_interface2 <- function(values) unpacked(call_api("TestInterface2", packed(values)))
 
 #' TestInterface3. A list of 4 times three integers and 5 times six; products wrap.
 corvale_test_interface3 <- function(i3, i6) {
-    products <- call_face("TestInterface3", int32("i3", i3, 3L), int32("i6", i6, 6L))
+    products <- call_api("TestInterface3", int32("i3", i3, 3L), int32("i6", i6, 6L))
     list(i3 = products[[1L]], i6 = products[[2L]])
 }

@@ -1,7 +1,7 @@
 # frozen_string_literal: true
 
 require 'monitor'
-require_relative 'corvale/face'
+require_relative 'corvale/api'
 
 # The C API of libCorvale: messages and log, key modes, input-file cards, interface self-tests.
 #
@@ -31,7 +31,7 @@ module Corvale
     # end of the process. Without one it is what CORVALE_LIBRARY names, or else libCorvale.so.9. Raises
     # Fiddle::DLError with the loader's reason.
     def initialize(path = ENV.fetch('CORVALE_LIBRARY', 'libCorvale.so.9'))
-      @face = Face.new(path)
+      @api = Api.new(path)
     end
 
     # CorvaleInit. Does nothing: the library is ready once it is loaded.
@@ -93,33 +93,33 @@ module Corvale
     def moic_data(count)
       raise ArgumentError, "count: #{count.inspect} is no number of values" unless count in (0..)
 
-      synchronize { @face.call(:GetMOICData, count).last }
+      synchronize { @api.call(:GetMOICData, count).last }
     end
 
     # TestInterface. Every value as it arrived in the library.
     def test_interface(values)
-      _, *outs = @face.call(:TestInterface, *packed(values))
+      _, *outs = @api.call(:TestInterface, *packed(values))
       unpacked(outs)
     end
 
     # TestInterface2. The same values, each changed by a fixed amount; integers wrap.
     def test_interface2(values)
-      _, *outs = @face.call(:TestInterface2, *packed(values))
+      _, *outs = @api.call(:TestInterface2, *packed(values))
       unpacked(outs)
     end
 
     # TestInterface3. 4 times i3 and 5 times i6; products wrap.
     def test_interface3(i3, i6)
-      @face.call(:TestInterface3, i3, i6).drop(1)
+      @api.call(:TestInterface3, i3, i6).drop(1)
     end
 
     private
 
     def synchronize(&call) = ONE_AT_A_TIME.synchronize(&call)
 
-    def call(name, *given) = synchronize { @face.call(name, *given).first }
+    def call(name, *given) = synchronize { @api.call(name, *given).first }
 
-    def read(name) = trimmed(synchronize { @face.call(name).last })
+    def read(name) = trimmed(synchronize { @api.call(name).last })
 
     # A call with a status; the reason is read before another thread can fail.
     def succeed(name, *given)

@@ -11,7 +11,7 @@
 //! called by any number of threads: the binding makes their calls one after another. Code that
 //! reaches the same library by another way (C, another binding) is not held back by that.
 
-mod face;
+mod api;
 mod loader;
 mod text;
 
@@ -19,9 +19,9 @@ use std::path::Path;
 use std::sync::{Mutex, MutexGuard, PoisonError};
 use std::{env, fmt};
 
-use face::Face;
+use api::Api;
 #[doc(hidden)]
-pub use face::DECLARATIONS;
+pub use api::DECLARATIONS;
 use text::{filled, filled_unindented, trimmed};
 
 /// Why a call had no effect.
@@ -64,7 +64,7 @@ pub struct Values {
 }
 
 /// The loaded library. It is never unloaded.
-pub struct Corvale(Face);
+pub struct Corvale(Api);
 
 static ONE_AT_A_TIME: Mutex<()> = Mutex::new(());
 
@@ -78,91 +78,91 @@ impl Corvale {
     pub fn open(library: impl AsRef<Path>) -> Result<Corvale, Error> {
         let library = loader::Library::open(library.as_ref())?;
         // SAFETY: a library that has all 20 names is taken to be libCorvale.
-        Ok(Corvale(unsafe { Face::find(&library)? }))
+        Ok(Corvale(unsafe { Api::find(&library)? }))
     }
 
     /// `CorvaleInit`. Does nothing: the library is ready once it is loaded.
     pub fn init(&self) -> Result<(), Error> {
-        self.check(|face| unsafe { (face.CorvaleInit)() })
+        self.check(|api| unsafe { (api.CorvaleInit)() })
     }
 
     /// `CorvaleGetInfo`. Name, version, build date, platform and compiler of the library.
     pub fn info(&self) -> String {
-        self.read::<128>(|face, info| unsafe { (face.CorvaleGetInfo)(info) })
+        self.read::<128>(|api, info| unsafe { (api.CorvaleGetInfo)(info) })
     }
 
     /// `GetInitDllNames`. The libraries that have to be initialised first: none.
     pub fn init_dll_names(&self) -> String {
-        self.read::<512>(|face, names| unsafe { (face.GetInitDllNames)(names) })
+        self.read::<512>(|api, names| unsafe { (api.GetInitDllNames)(names) })
     }
 
     /// `OpenLogFile`. Opens the log, created or emptied; from then on every message is also a line of it.
     pub fn open_log_file(&self, name: impl AsRef<Path>) -> Result<(), Error> {
         let name = filled_unindented(bytes(name.as_ref()))?;
-        self.check(|face| unsafe { (face.OpenLogFile)(&name) })
+        self.check(|api| unsafe { (api.OpenLogFile)(&name) })
     }
 
     /// `CloseLogFile`. Closes the log, if one is open, and blanks the last error message.
     pub fn close_log_file(&self) {
-        self.alone(|face| unsafe { (face.CloseLogFile)() })
+        self.alone(|api| unsafe { (api.CloseLogFile)() })
     }
 
     /// `LogMessage`. Stores an informational message of at most 128 characters and writes it to an open log.
     pub fn log_message(&self, message: &str) -> Result<(), Error> {
         let message = filled_unindented(message.as_bytes())?;
-        self.alone(|face| unsafe { (face.LogMessage)(&message) });
+        self.alone(|api| unsafe { (api.LogMessage)(&message) });
         Ok(())
     }
 
     /// `GetLastErrMsg`. The last error message. It stays until the next error or [`Corvale::close_log_file`].
     pub fn last_err_msg(&self) -> String {
-        self.read::<128>(|face, message| unsafe { (face.GetLastErrMsg)(message) })
+        self.read::<128>(|api, message| unsafe { (api.GetLastErrMsg)(message) })
     }
 
     /// `GetLastInfoMsg`. The last informational message.
     pub fn last_info_msg(&self) -> String {
-        self.read::<128>(|face, message| unsafe { (face.GetLastInfoMsg)(message) })
+        self.read::<128>(|api, message| unsafe { (api.GetLastInfoMsg)(message) })
     }
 
     /// `GetDupKeyMode`. The duplication key mode, 0 or 1.
     pub fn dup_key_mode(&self) -> i32 {
-        self.alone(|face| unsafe { (face.GetDupKeyMode)() })
+        self.alone(|api| unsafe { (api.GetDupKeyMode)() })
     }
 
     /// `SetDupKeyMode`. Sets the duplication key mode; a mode other than 0 and 1 fails and changes nothing.
     pub fn set_dup_key_mode(&self, mode: i32) -> Result<(), Error> {
-        self.check(|face| unsafe { (face.SetDupKeyMode)(mode) })
+        self.check(|api| unsafe { (api.SetDupKeyMode)(mode) })
     }
 
     /// `GetAllKeyMode`. The all-key mode, 0 or 1.
     pub fn all_key_mode(&self) -> i32 {
-        self.alone(|face| unsafe { (face.GetAllKeyMode)() })
+        self.alone(|api| unsafe { (api.GetAllKeyMode)() })
     }
 
     /// `SetAllKeyMode`. Sets the all-key mode; a mode other than 0 and 1 fails and changes nothing.
     pub fn set_all_key_mode(&self, mode: i32) -> Result<(), Error> {
-        self.check(|face| unsafe { (face.SetAllKeyMode)(mode) })
+        self.check(|api| unsafe { (api.SetAllKeyMode)(mode) })
     }
 
     /// `ResetAllKeyMode`. Sets the all-key and the duplication key mode back to 0.
     pub fn reset_all_key_mode(&self) {
-        self.alone(|face| unsafe { (face.ResetAllKeyMode)() })
+        self.alone(|api| unsafe { (api.ResetAllKeyMode)() })
     }
 
     /// `GetElsetKeyMode`. The element-set key mode, 0 or 1.
     pub fn elset_key_mode(&self) -> i32 {
-        self.alone(|face| unsafe { (face.GetElsetKeyMode)() })
+        self.alone(|api| unsafe { (api.GetElsetKeyMode)() })
     }
 
     /// `SetElsetKeyMode`. Sets the element-set key mode; a mode other than 0 and 1 fails and changes nothing.
     pub fn set_elset_key_mode(&self, mode: i32) -> Result<(), Error> {
-        self.check(|face| unsafe { (face.SetElsetKeyMode)(mode) })
+        self.check(|api| unsafe { (api.SetElsetKeyMode)(mode) })
     }
 
     /// `CorvaleLoadFile`. Reads the cards of an input file. Fails when it cannot be opened, never for what it holds.
     pub fn load_file(&self, name: impl AsRef<Path>) -> Result<(), Error> {
         let name = filled_unindented(bytes(name.as_ref()))?;
-        self.check(|face| unsafe { (face.CorvaleLoadFile)(&name) })
+        self.check(|api| unsafe { (api.CorvaleLoadFile)(&name) })
     }
 
     /// `GetMOICData`. The first `count` values of the array that QZ_MOIC cards fill; for more than 128
@@ -170,7 +170,7 @@ impl Corvale {
     pub fn moic_data(&self, count: u16) -> Vec<f64> {
         let mut values = vec![0.0; count.into()];
         // SAFETY: values has room for count.
-        self.alone(|face| unsafe { (face.GetMOICData)(count.into(), values.as_mut_ptr()) });
+        self.alone(|api| unsafe { (api.GetMOICData)(count.into(), values.as_mut_ptr()) });
         values
     }
 
@@ -212,13 +212,13 @@ impl Corvale {
         (i3_out, i6_out)
     }
 
-    fn alone<Result>(&self, call: impl FnOnce(&Face) -> Result) -> Result {
+    fn alone<Result>(&self, call: impl FnOnce(&Api) -> Result) -> Result {
         let _turn = turn();
         call(&self.0)
     }
 
     /// A call with a status; the reason is read before another thread can fail.
-    fn check(&self, call: impl FnOnce(&Face) -> i32) -> Result<(), Error> {
+    fn check(&self, call: impl FnOnce(&Api) -> i32) -> Result<(), Error> {
         let _turn = turn();
         if call(&self.0) == 0 {
             return Ok(());
@@ -228,9 +228,9 @@ impl Corvale {
         Err(Error::Failed(trimmed(&reason)))
     }
 
-    fn read<const WIDTH: usize>(&self, call: impl FnOnce(&Face, &mut [u8; WIDTH])) -> String {
+    fn read<const WIDTH: usize>(&self, call: impl FnOnce(&Api, &mut [u8; WIDTH])) -> String {
         let mut buffer = [0; WIDTH];
-        self.alone(|face| call(face, &mut buffer));
+        self.alone(|api| call(api, &mut buffer));
         trimmed(&buffer)
     }
 }

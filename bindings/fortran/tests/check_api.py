@@ -1,6 +1,6 @@
-"""Compares the interfaces of corvale_face.f90 with the table and prints how many arguments agree.
+"""Compares the interfaces of corvale_api.f90 with the table and prints how many arguments agree.
 
-    check_face.py CORVALE_FACE.F90 INTERFACE.TXT
+    check_api.py CORVALE_API.F90 INTERFACE.TXT
 """
 
 import difflib

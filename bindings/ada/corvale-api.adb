@@ -2,7 +2,7 @@ with Ada.Unchecked_Conversion;
 with Interfaces.C.Strings;
 with System;
 
-package body Corvale.Face is
+package body Corvale.Api is
 
    package C renames Interfaces.C;
    use type System.Address;
@@ -90,4 +90,4 @@ package body Corvale.Face is
       TestInterface3 := Find_TestInterface3 (Opened);
    end Load;
 
-end Corvale.Face;
+end Corvale.Api;

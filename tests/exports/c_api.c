@@ -1,6 +1,6 @@
 /* The C API from C99: every function is called once, with results that show that it was.
  *
- *     c_face INPUT-FILE
+ *     c_api INPUT-FILE
  */
 #include <corvale/Corvale.h>
 
@@ -16,7 +16,7 @@ static void Check(int isRight, const char* what) {
 }
 
 static void CheckState(const char* inputFile) {
-    const char* log = "c_face.log";
+    const char* log = "c_api.log";
     char text[CORVALE_NAME_WIDTH + 1] = {0};
     double values[CORVALE_MOIC_COUNT];
 

@@ -2,14 +2,14 @@
  *
  * Arrays carry their widths, one element included; what is passed by value has no brackets.
  */
-#ifndef CORVALE_BINDINGS_R_FACE_H
-#define CORVALE_BINDINGS_R_FACE_H
+#ifndef CORVALE_BINDINGS_R_API_H
+#define CORVALE_BINDINGS_R_API_H
 
 #include <stdint.h>
 
 /* clang-format off */
 /* One line a function: result, name, arguments. */
-#define FACE(F) \
+#define API(F) \
     F(int32_t, CorvaleInit, (void)) \
     F(void, CorvaleGetInfo, (char info[128])) \
     F(void, GetInitDllNames, (char names[512])) \

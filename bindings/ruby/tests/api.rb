@@ -7,7 +7,7 @@ require_relative '../lib/corvale'
 
 # Remembers every function that is called in the library.
 CALLED = {}
-Corvale::Face.prepend(Module.new do
+Corvale::Api.prepend(Module.new do
   def call(name, *given) = super.tap { CALLED[name.to_s] = true }
 end)
 LIBRARY = Corvale::Library.new
@@ -28,7 +28,7 @@ end
 def table = File.readlines(ENV.fetch('CORVALE_INTERFACE'), chomp: true).grep_v(/\A(#.*)?\z/)
 
 def declared
-  Corvale::Face::DECLARATIONS.flat_map do |name, (result, *arguments)|
+  Corvale::Api::DECLARATIONS.flat_map do |name, (result, *arguments)|
     ["function #{name} #{result}", *arguments.map { |row| "argument #{row.join(' ')}" }]
   end
 end
@@ -115,6 +115,6 @@ Dir.mktmpdir { |folder| log(folder) }
 cards
 self_tests
 refusals
-expect(CALLED.keys.sort, Corvale::Face::DECLARATIONS.keys.map(&:to_s).sort)
+expect(CALLED.keys.sort, Corvale::Api::DECLARATIONS.keys.map(&:to_s).sort)
 checked = table.grep(/\Aargument /).size
 puts "Ruby: #{CALLED.size} of 20 functions called, #{checked} arguments checked, ok"

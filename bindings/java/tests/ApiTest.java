@@ -15,16 +15,16 @@ import java.util.TreeMap;
 import java.util.TreeSet;
 
 /** Walks the table of the C API and proves that this binding declares and calls all of it. */
-final class FaceTest {
+final class ApiTest {
     private static final TreeSet<String> CALLED = new TreeSet<>();
     private static final Corvale corvale = new Corvale(recording(Corvale.load(System.getenv("CORVALE_LIBRARY"))));
 
     /** The same functions; each call is remembered. */
-    private static Face recording(Face face) {
-        Class<?>[] faces = {Face.class};
-        return (Face) Proxy.newProxyInstance(Face.class.getClassLoader(), faces, (proxy, method, values) -> {
+    private static Api recording(Api api) {
+        Class<?>[] apis = {Api.class};
+        return (Api) Proxy.newProxyInstance(Api.class.getClassLoader(), apis, (proxy, method, values) -> {
             CALLED.add(method.getName());
-            return method.invoke(face, values);
+            return method.invoke(api, values);
         });
     }
 
@@ -54,9 +54,9 @@ final class FaceTest {
         if (!type.isArray()) {
             return "argument " + p.getName() + " " + KINDS.get(type) + " 1 in";
         }
-        Face.In in = p.getAnnotation(Face.In.class);
-        Face.Out out = p.getAnnotation(Face.Out.class);
-        int width = in != null ? in.value() : out != null ? out.value() : p.getAnnotation(Face.InOut.class).value();
+        Api.In in = p.getAnnotation(Api.In.class);
+        Api.Out out = p.getAnnotation(Api.Out.class);
+        int width = in != null ? in.value() : out != null ? out.value() : p.getAnnotation(Api.InOut.class).value();
         String kind = type == byte[].class && width > 1 ? "text" : KINDS.get(type.getComponentType());
         return "argument " + p.getName() + " " + kind + " " + (width == 0 ? "count" : width) + " "
                 + (in != null ? "in" : out != null ? "out" : "inout");
@@ -64,9 +64,9 @@ final class FaceTest {
 
     private static Map<String, List<String>> declared() {
         Map<String, List<String>> functions = new TreeMap<>();
-        for (Method m : Face.class.getDeclaredMethods()) {
+        for (Method m : Api.class.getDeclaredMethods()) {
             List<String> lines = new ArrayList<>(List.of("result " + KINDS.get(m.getReturnType())));
-            Arrays.stream(m.getParameters()).map(FaceTest::line).forEach(lines::add);
+            Arrays.stream(m.getParameters()).map(ApiTest::line).forEach(lines::add);
             functions.put(m.getName(), lines);
         }
         return functions;

@@ -4,20 +4,20 @@
 use crate::loader::Library;
 use crate::Error;
 
-macro_rules! face {
+macro_rules! api {
     ($(fn $name:ident($($argument:ident: $kind:ty),*) $(-> $result:ty)?;)*) => {
         #[allow(non_snake_case)]
-        pub(crate) struct Face {
+        pub(crate) struct Api {
             $(pub $name: unsafe extern "C" fn($($kind),*) $(-> $result)?,)*
         }
 
-        impl Face {
+        impl Api {
             /// Finds every function.
             ///
             /// # Safety
             /// `library` must be libCorvale: nothing else vouches for the types above.
-            pub unsafe fn find(library: &Library) -> Result<Face, Error> {
-                Ok(Face {
+            pub unsafe fn find(library: &Library) -> Result<Api, Error> {
+                Ok(Api {
                     $($name: std::mem::transmute::<
                         *mut std::ffi::c_void,
                         unsafe extern "C" fn($($kind),*) $(-> $result)?,
@@ -38,7 +38,7 @@ macro_rules! face {
     };
 }
 
-face! {
+api! {
     fn CorvaleInit() -> i32;
     fn CorvaleGetInfo(info: &mut [u8; 128]);
     fn GetInitDllNames(names: &mut [u8; 512]);

@@ -7,10 +7,10 @@ using System.Reflection;
 using System.Runtime.InteropServices;
 using Corvale;
 
-internal static class FaceTest
+internal static class ApiTest
 {
     private static readonly Library library = new Library();
-    private static readonly Type[] Declared = typeof(Face).GetNestedTypes();
+    private static readonly Type[] Declared = typeof(Api).GetNestedTypes();
 
     private static void Expect(object got, object wanted)
     {

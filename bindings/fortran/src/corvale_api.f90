@@ -1,13 +1,13 @@
-! corvale_face: the 20 functions of libCorvale as the library sees them, and how they are found.
+! corvale_api: the 20 functions of libCorvale as the library sees them, and how they are found.
 !
 ! Names are those of the C header. A text or array has its width in its declaration. The library is
 ! loaded by dlopen with local scope, so a program needs nothing of it when it is linked, and a
 ! function of the program that has the name of one of these is not called instead.
-module corvale_face
+module corvale_api
   use, intrinsic :: iso_c_binding
   implicit none
   private
-  public :: face_type, load_face, OpenLogFile, SetDupKeyMode
+  public :: api_type, load_api, OpenLogFile, SetDupKeyMode
 
   abstract interface
     function CorvaleInit() bind(C) result(status)
@@ -149,7 +149,7 @@ module corvale_face
   end interface
 
   !> The addresses of the 20 functions.
-  type :: face_type
+  type :: api_type
     procedure(CorvaleInit), pointer, nopass :: CorvaleInit => null()
     procedure(CorvaleGetInfo), pointer, nopass :: CorvaleGetInfo => null()
     procedure(GetInitDllNames), pointer, nopass :: GetInitDllNames => null()
@@ -206,9 +206,9 @@ contains
 
   !> Loads the library and finds its functions. `reason` is the loader's when one is missing, or
   !> empty.
-  subroutine load_face(path, face, reason)
+  subroutine load_api(path, api, reason)
     character(len=*), intent(in) :: path
-    type(face_type), intent(out) :: face
+    type(api_type), intent(out) :: api
     character(len=:), allocatable, intent(out) :: reason
     type(c_ptr) :: library
 
@@ -218,26 +218,26 @@ contains
       reason = loaders_reason()
       return
     end if
-    call c_f_procpointer(found("CorvaleInit"), face%CorvaleInit)
-    call c_f_procpointer(found("CorvaleGetInfo"), face%CorvaleGetInfo)
-    call c_f_procpointer(found("GetInitDllNames"), face%GetInitDllNames)
-    call c_f_procpointer(found("OpenLogFile"), face%OpenLogFile)
-    call c_f_procpointer(found("CloseLogFile"), face%CloseLogFile)
-    call c_f_procpointer(found("LogMessage"), face%LogMessage)
-    call c_f_procpointer(found("GetLastErrMsg"), face%GetLastErrMsg)
-    call c_f_procpointer(found("GetLastInfoMsg"), face%GetLastInfoMsg)
-    call c_f_procpointer(found("GetDupKeyMode"), face%GetDupKeyMode)
-    call c_f_procpointer(found("SetDupKeyMode"), face%SetDupKeyMode)
-    call c_f_procpointer(found("GetAllKeyMode"), face%GetAllKeyMode)
-    call c_f_procpointer(found("SetAllKeyMode"), face%SetAllKeyMode)
-    call c_f_procpointer(found("ResetAllKeyMode"), face%ResetAllKeyMode)
-    call c_f_procpointer(found("GetElsetKeyMode"), face%GetElsetKeyMode)
-    call c_f_procpointer(found("SetElsetKeyMode"), face%SetElsetKeyMode)
-    call c_f_procpointer(found("CorvaleLoadFile"), face%CorvaleLoadFile)
-    call c_f_procpointer(found("GetMOICData"), face%GetMOICData)
-    call c_f_procpointer(found("TestInterface"), face%TestInterface)
-    call c_f_procpointer(found("TestInterface2"), face%TestInterface2)
-    call c_f_procpointer(found("TestInterface3"), face%TestInterface3)
+    call c_f_procpointer(found("CorvaleInit"), api%CorvaleInit)
+    call c_f_procpointer(found("CorvaleGetInfo"), api%CorvaleGetInfo)
+    call c_f_procpointer(found("GetInitDllNames"), api%GetInitDllNames)
+    call c_f_procpointer(found("OpenLogFile"), api%OpenLogFile)
+    call c_f_procpointer(found("CloseLogFile"), api%CloseLogFile)
+    call c_f_procpointer(found("LogMessage"), api%LogMessage)
+    call c_f_procpointer(found("GetLastErrMsg"), api%GetLastErrMsg)
+    call c_f_procpointer(found("GetLastInfoMsg"), api%GetLastInfoMsg)
+    call c_f_procpointer(found("GetDupKeyMode"), api%GetDupKeyMode)
+    call c_f_procpointer(found("SetDupKeyMode"), api%SetDupKeyMode)
+    call c_f_procpointer(found("GetAllKeyMode"), api%GetAllKeyMode)
+    call c_f_procpointer(found("SetAllKeyMode"), api%SetAllKeyMode)
+    call c_f_procpointer(found("ResetAllKeyMode"), api%ResetAllKeyMode)
+    call c_f_procpointer(found("GetElsetKeyMode"), api%GetElsetKeyMode)
+    call c_f_procpointer(found("SetElsetKeyMode"), api%SetElsetKeyMode)
+    call c_f_procpointer(found("CorvaleLoadFile"), api%CorvaleLoadFile)
+    call c_f_procpointer(found("GetMOICData"), api%GetMOICData)
+    call c_f_procpointer(found("TestInterface"), api%TestInterface)
+    call c_f_procpointer(found("TestInterface2"), api%TestInterface2)
+    call c_f_procpointer(found("TestInterface3"), api%TestInterface3)
 
   contains
 

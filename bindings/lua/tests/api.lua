@@ -59,10 +59,10 @@ expect(module.DECLARATIONS:gsub('%s+', ' '):gsub('%( ', '('):gsub(' $', ''), (ta
 
 local corvale = module.open()
 local called, count = {}, 0
-local face = corvale.face
-corvale.face = setmetatable({}, {__index = function(_, name) -- every function is fetched when it is called
+local api = corvale.api
+corvale.api = setmetatable({}, {__index = function(_, name) -- every function is fetched when it is called
   if not called[name] then called[name], count = true, count + 1 end
-  return face[name]
+  return api[name]
 end})
 
 corvale:init()

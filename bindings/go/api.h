@@ -2,8 +2,8 @@
  *
  * Arrays carry their widths, one element included; what is passed by value has no brackets.
  */
-#ifndef CORVALE_BINDINGS_GO_FACE_H
-#define CORVALE_BINDINGS_GO_FACE_H
+#ifndef CORVALE_BINDINGS_GO_API_H
+#define CORVALE_BINDINGS_GO_API_H
 
 #include <dlfcn.h>
 #include <stddef.h>
@@ -11,7 +11,7 @@
 
 /* clang-format off */
 /* One line a function: result, name, arguments as declared, arguments as passed on. */
-#define FACE(F) \
+#define API(F) \
     F(int32_t, CorvaleInit, (void), ()) \
     F(void, CorvaleGetInfo, (char info[128]), (info)) \
     F(void, GetInitDllNames, (char names[512]), (names)) \
@@ -47,23 +47,23 @@
 
 #define POINTER(result, name, declared, passed) result(*name) declared;
 #define FIND(result, name, declared, passed) \
-    *(void**)&face.name = dlsym(library, #name); \
-    if (!face.name) return dlerror();
-#define CALL(result, name, declared, passed) static inline result name declared { return face.name passed; }
+    *(void**)&api.name = dlsym(library, #name); \
+    if (!api.name) return dlerror();
+#define CALL(result, name, declared, passed) static inline result name declared { return api.name passed; }
 
 /* The one library of the process, once OpenFace has succeeded. */
-static struct { FACE(POINTER) } face;
+static struct { API(POINTER) } api;
 
 /* Loads the library with local scope, for good. Returns the loader's reason when it or one of its
  * functions is not there, null otherwise. */
 static inline const char* OpenFace(const char* path) {
     void* library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
     if (!library) return dlerror();
-    FACE(FIND)
+    API(FIND)
     return NULL;
 }
 
-FACE(CALL)
+API(CALL)
 /* clang-format on */
 
 #endif

@@ -2,7 +2,7 @@
 --
 --  The types carry the widths: convention C passes arrays, and all that goes out, by address.
 
-private package Corvale.Face is
+private package Corvale.Api is
 
    type CorvaleInit_Call is access function return Int32 with Convention => C;
    type CorvaleGetInfo_Call is access procedure (Info : out Text_128) with Convention => C;
@@ -79,4 +79,4 @@ private package Corvale.Face is
    procedure Load (Library : String);
    --  Opens the library with local scope, for good, and finds every function. Raises Load_Error.
 
-end Corvale.Face;
+end Corvale.Api;

@@ -4,7 +4,7 @@
  * that the library reads or writes. Texts are raw vectors, integers of 64 bits the bits of a real, as
  * the package bit64 has them.
  */
-#include "face.h"
+#include "api.h"
 
 #include <R.h>
 #include <R_ext/Rdynload.h>
@@ -17,11 +17,11 @@
 
 #define POINTER(result, name, arguments) result(*name) arguments;
 struct Functions {
-    FACE(POINTER)
+    API(POINTER)
 };
 
 /* The one library of the process, once Open has succeeded; null before. */
-static struct Functions face;
+static struct Functions api;
 
 #define FIND(result, name, arguments)             \
     *(void**)&found.name = dlsym(library, #name); \
@@ -32,14 +32,14 @@ static SEXP Open(SEXP path) {
     struct Functions found;
     void* library = dlopen(CHAR(STRING_ELT(path, 0)), RTLD_NOW | RTLD_LOCAL);
     if (!library) error("%s", dlerror());
-    FACE(FIND)
-    face = found;
+    API(FIND)
+    api = found;
     return R_NilValue;
 }
 
-static const struct Functions* Face(void) {
-    if (!face.CorvaleInit) error("the library is not loaded, call corvale_open first");
-    return &face;
+static const struct Functions* Api(void) {
+    if (!api.CorvaleInit) error("the library is not loaded, call corvale_open first");
+    return &api;
 }
 
 static void* Elements(SEXP vector) {
@@ -71,24 +71,24 @@ static SEXP Zeros(SEXPTYPE type, R_xlen_t length) {
  * a text. */
 #define CALL(name)                         \
     static SEXP name(void) {               \
-        return Face()->name(), R_NilValue; \
+        return Api()->name(), R_NilValue; \
     }
 #define GET(name)                             \
     static SEXP name(void) {                  \
-        return ScalarInteger(Face()->name()); \
+        return ScalarInteger(Api()->name()); \
     }
 #define SET(name)                                                         \
     static SEXP name(SEXP mode) {                                         \
-        return ScalarInteger(Face()->name(*(int*)Need(mode, INTSXP, 1))); \
+        return ScalarInteger(Api()->name(*(int*)Need(mode, INTSXP, 1))); \
     }
 #define USE(name)                                                           \
     static SEXP name(SEXP text) {                                           \
-        return ScalarInteger(Face()->name(Need(text, RAWSXP, NAME_WIDTH))); \
+        return ScalarInteger(Api()->name(Need(text, RAWSXP, NAME_WIDTH))); \
     }
 #define READ(name, width)                          \
     static SEXP name(void) {                       \
         SEXP text = PROTECT(Zeros(RAWSXP, width)); \
-        Face()->name((char*)RAW(text));            \
+        Api()->name((char*)RAW(text));            \
         UNPROTECT(1);                              \
         return text;                               \
     }
@@ -110,14 +110,14 @@ SET(SetElsetKeyMode)
 USE(CorvaleLoadFile)
 
 static SEXP LogMessage(SEXP text) {
-    Face()->LogMessage(Need(text, RAWSXP, MESSAGE_WIDTH));
+    Api()->LogMessage(Need(text, RAWSXP, MESSAGE_WIDTH));
     return R_NilValue;
 }
 
 static SEXP GetMOICData(SEXP count) {
     const int elements = *(int*)Need(count, INTSXP, 1);
     SEXP values = PROTECT(Zeros(REALSXP, elements < 0 ? 0 : elements));
-    Face()->GetMOICData(elements, REAL(values));
+    Api()->GetMOICData(elements, REAL(values));
     UNPROTECT(1);
     return values;
 }
@@ -152,7 +152,7 @@ static SEXP TestInterface(SEXP from) {
     void *in[kFieldCount], *out[kFieldCount];
     FindFields(from, in);
     FindFields(to, out);
-    Face()->TestInterface(*(char*)in[0], out[0], *(int32_t*)in[1], out[1], *(int64_t*)in[2], out[2],
+    Api()->TestInterface(*(char*)in[0], out[0], *(int32_t*)in[1], out[1], *(int64_t*)in[2], out[2],
                           *(double*)in[3], out[3], in[4], out[4], in[5], out[5], in[6], out[6],
                           in[7], out[7], in[8], out[8], in[9], out[9], in[10], out[10]);
     UNPROTECT(1);
@@ -163,7 +163,7 @@ static SEXP TestInterface2(SEXP from) {
     SEXP fields = PROTECT(duplicate(from));
     void* at[kFieldCount];
     FindFields(fields, at);
-    Face()->TestInterface2(at[0], at[1], at[2], at[3], at[4], at[5], at[6], at[7], at[8], at[9],
+    Api()->TestInterface2(at[0], at[1], at[2], at[3], at[4], at[5], at[6], at[7], at[8], at[9],
                            at[10]);
     UNPROTECT(1);
     return fields;
@@ -173,7 +173,7 @@ static SEXP TestInterface3(SEXP i3, SEXP i6) {
     SEXP products = PROTECT(allocVector(VECSXP, 2));
     SET_VECTOR_ELT(products, 0, Zeros(INTSXP, 3));
     SET_VECTOR_ELT(products, 1, Zeros(INTSXP, 6));
-    Face()->TestInterface3(Need(i3, INTSXP, 3), INTEGER(VECTOR_ELT(products, 0)),
+    Api()->TestInterface3(Need(i3, INTSXP, 3), INTEGER(VECTOR_ELT(products, 0)),
                            Need(i6, INTSXP, 6), INTEGER(VECTOR_ELT(products, 1)));
     UNPROTECT(1);
     return products;

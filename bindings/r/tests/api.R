@@ -15,7 +15,7 @@ fails <- function(call, message = NULL) {
     expect(if (inherits(reason, "corvale_error")) conditionMessage(reason), message)
 }
 
-# How face.h has to declare an argument of the table.
+# How api.h has to declare an argument of the table.
 declared <- function(name, kind, width, way) {
     types <- c(text = "char", char = "char", int32 = "int32_t", int64 = "int64_t", real64 = "double")
     text <- paste(types[[kind]], name)
@@ -38,16 +38,16 @@ wanted <- vapply(names(functions), function(name) {
     taken <- if (length(arguments[[name]]) == 0L) "void" else paste(arguments[[name]], collapse = ", ")
     sprintf("F(%s, %s, (%s))", functions[[name]], name, taken)
 }, "")
-header <- gsub("[\\\\ \n]+", " ", paste(readLines("src/face.h"), collapse = "\n"))
+header <- gsub("[\\\\ \n]+", " ", paste(readLines("src/api.h"), collapse = "\n"))
 have <- regmatches(header, gregexpr("F\\(\\w+, \\w+, \\([^)]+\\)\\)", header))[[1L]]
 expect(have, unname(wanted))
 
 # Every call of the library is remembered.
 called <- character()
-call_face <- corvale:::call_face
-assignInNamespace("call_face", function(name, ...) {
+call_api <- corvale:::call_api
+assignInNamespace("call_api", function(name, ...) {
     called <<- union(called, name)
-    call_face(name, ...)
+    call_api(name, ...)
 }, "corvale")
 
 fails(corvale_info())  # not loaded yet

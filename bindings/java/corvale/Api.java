@@ -10,7 +10,7 @@ import java.lang.annotation.Target;
  * The 20 functions as the library sees them. What it reaches by address is an array that says which
  * way the values go and how many there are; 0 means as many as the argument before it tells.
  */
-interface Face extends Library {
+interface Api extends Library {
     @Target(ElementType.PARAMETER)
     @Retention(RetentionPolicy.RUNTIME)
     @interface In {

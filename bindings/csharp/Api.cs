@@ -18,7 +18,7 @@ namespace Corvale
     /// the argument before it tells how many elements there are. Arrays of these types are pinned, not
     /// copied: In and Out say which way the values go.
     /// </summary>
-    internal sealed class Face
+    internal sealed class Api
     {
         public delegate int CorvaleInit();
         public delegate void CorvaleGetInfo([Out, Width(128)] byte[] info);
@@ -57,10 +57,10 @@ namespace Corvale
         private readonly Dictionary<Type, Delegate> functions;
 
         /// <summary>Loads the library and finds every function.</summary>
-        public Face(string path)
+        public Api(string path)
         {
             var loader = new Loader(path);
-            functions = typeof(Face).GetNestedTypes().ToDictionary(type => type, loader.Find);
+            functions = typeof(Api).GetNestedTypes().ToDictionary(type => type, loader.Find);
         }
 
         /// <summary>The function that a delegate type stands for.</summary>

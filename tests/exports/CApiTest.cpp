@@ -41,10 +41,10 @@ const std::string kFirstInfo = Written(GetLastInfoMsg);
 const std::int32_t kFirstModes = GetDupKeyMode() | GetAllKeyMode() | GetElsetKeyMode();
 
 // Each test starts with closed log, modes 0, blank error store, in an empty folder.
-class CFace : public testing::Test {
+class CApi : public testing::Test {
   protected:
-    CFace() { ResetAll(); }
-    ~CFace() override { ResetAll(); }
+    CApi() { ResetAll(); }
+    ~CApi() override { ResetAll(); }
 
   private:
     static void ResetAll() {
@@ -61,7 +61,7 @@ TEST(StaticConstructor, MayMakeTheFirstCall) {
     EXPECT_EQ(kFirstModes, 0);
 }
 
-TEST_F(CFace, TellsWhichLibraryThisIs) {
+TEST_F(CApi, TellsWhichLibraryThisIs) {
     EXPECT_EQ(CorvaleInit(), CORVALE_OK);
     EXPECT_EQ(Written(GetInitDllNames, CORVALE_NAME_WIDTH), Padded("", CORVALE_NAME_WIDTH));
     const std::string line = Written(CorvaleGetInfo);
@@ -76,7 +76,7 @@ TEST_F(CFace, TellsWhichLibraryThisIs) {
     EXPECT_NE(line[94], ' ');
 }
 
-TEST_F(CFace, ComposesTheInformationLineOfAnyLibrary) {
+TEST_F(CApi, ComposesTheInformationLineOfAnyLibrary) {
     const std::string longName(200, 'n');
     const struct {
         std::string_view name;
@@ -97,7 +97,7 @@ TEST_F(CFace, ComposesTheInformationLineOfAnyLibrary) {
     }
 }
 
-TEST_F(CFace, TakesNullForBlankAndSkipsNullOutputs) {
+TEST_F(CApi, TakesNullForBlankAndSkipsNullOutputs) {
     CorvaleGetInfo(nullptr);
     GetInitDllNames(nullptr);
     GetLastErrMsg(nullptr);
@@ -111,7 +111,7 @@ TEST_F(CFace, TakesNullForBlankAndSkipsNullOutputs) {
     EXPECT_EQ(Written(GetLastErrMsg), Message("FileOpen: File name is empty."));
 }
 
-TEST_F(CFace, TakesNamesOutOfBuffers) {
+TEST_F(CApi, TakesNamesOutOfBuffers) {
     const std::string longest(255, 'l');
     const struct {
         std::string buffer, name;
@@ -140,7 +140,7 @@ TEST_F(CFace, TakesNamesOutOfBuffers) {
     EXPECT_TRUE(std::filesystem::is_empty(".")) << "no other file was made";
 }
 
-TEST_F(CFace, ReportsFilesThatDoNotOpen) {
+TEST_F(CApi, ReportsFilesThatDoNotOpen) {
     const struct {
         std::string buffer, message;
     } cases[] = {
@@ -159,7 +159,7 @@ TEST_F(CFace, ReportsFilesThatDoNotOpen) {
     EXPECT_NE(Written(GetLastErrMsg), Message("")) << "a success clears no message";
 }
 
-TEST_F(CFace, SetsModesOfZeroAndOne) {
+TEST_F(CApi, SetsModesOfZeroAndOne) {
     const struct {
         std::int32_t (*set)(std::int32_t) noexcept;
         std::int32_t (*get)() noexcept;
@@ -184,7 +184,7 @@ TEST_F(CFace, SetsModesOfZeroAndOne) {
     }
 }
 
-TEST_F(CFace, RemembersThatTheAllKeyModeWasChosen) {
+TEST_F(CApi, RemembersThatTheAllKeyModeWasChosen) {
     EXPECT_EQ(SetAllKeyMode(2), CORVALE_FAILED);
     EXPECT_EQ(CorvaleCardReading::UseAllKeyMode(), 0) << "a refused mode chooses nothing";
     EXPECT_EQ(SetAllKeyMode(0), CORVALE_OK);
@@ -196,7 +196,7 @@ TEST_F(CFace, RemembersThatTheAllKeyModeWasChosen) {
     EXPECT_EQ(GetElsetKeyMode(), 1) << "a reset leaves the element-set key mode";
 }
 
-TEST_F(CFace, CopiesAsManyValuesAsAreAskedFor) {
+TEST_F(CApi, CopiesAsManyValuesAsAreAskedFor) {
     std::array<double, CORVALE_MOIC_COUNT> before = CorvaleCardReading::MoicArr;
     for (std::size_t i = 0; i < before.size(); ++i)
         CorvaleCardReading::MoicArr[i] = 1.0 + static_cast<double>(i);

@@ -4,7 +4,7 @@ require 'fiddle'
 
 module Corvale
   # The 20 functions as the library sees them, and the calls to them. Internal to the binding.
-  class Face
+  class Api
     # Result, then each argument: name, type, how many elements the library reads or writes (a number
     # or the name of an argument), way. A single element that goes in is passed by value, all else by
     # address.

@@ -6,7 +6,7 @@ import os from 'node:os';
 import path from 'node:path';
 import koffi from 'koffi';
 import { Corvale, CorvaleError } from '../corvale.js';
-import { DECLARATIONS } from '../face.js';
+import { DECLARATIONS } from '../api.js';
 
 // Every function that the binding finds in the library records that it was called.
 const called = new Set();

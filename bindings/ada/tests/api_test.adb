@@ -10,7 +10,7 @@ with Ada.Strings.Unbounded;
 with Ada.Text_IO;
 with Corvale;
 
-procedure Face_Test is
+procedure Api_Test is
    use Ada.Strings.Fixed;
    use Ada.Strings.Unbounded;
    use Ada.Text_IO;
@@ -50,7 +50,7 @@ procedure Face_Test is
       Source : File_Type;
       All_Of : Unbounded_String;
    begin
-      Open (Source, In_File, "corvale-face.ads");
+      Open (Source, In_File, "corvale-api.ads");
       while not End_Of_File (Source) loop
          declare
             Line : constant String := Ada.Characters.Handling.To_Lower (Get_Line (Source)) & ' ';
@@ -298,4 +298,4 @@ begin
    Expect (Called = Functions, "not all of the table is called, or more");
    Put_Line ("Ada:" & Called.Length'Image & " of 20 functions called,"
              & Checked'Image & " arguments checked, ok");
-end Face_Test;
+end Api_Test;
