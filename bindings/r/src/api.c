@@ -69,26 +69,26 @@ static SEXP Zeros(SEXPTYPE type, R_xlen_t length) {
 
 /* The shapes of all but five functions: called alone, giving a number, taking a mode, a name; writing
  * a text. */
-#define CALL(name)                         \
-    static SEXP name(void) {               \
+#define CALL(name)                        \
+    static SEXP name(void) {              \
         return Api()->name(), R_NilValue; \
     }
-#define GET(name)                             \
-    static SEXP name(void) {                  \
+#define GET(name)                            \
+    static SEXP name(void) {                 \
         return ScalarInteger(Api()->name()); \
     }
-#define SET(name)                                                         \
-    static SEXP name(SEXP mode) {                                         \
+#define SET(name)                                                        \
+    static SEXP name(SEXP mode) {                                        \
         return ScalarInteger(Api()->name(*(int*)Need(mode, INTSXP, 1))); \
     }
-#define USE(name)                                                           \
-    static SEXP name(SEXP text) {                                           \
+#define USE(name)                                                          \
+    static SEXP name(SEXP text) {                                          \
         return ScalarInteger(Api()->name(Need(text, RAWSXP, NAME_WIDTH))); \
     }
 #define READ(name, width)                          \
     static SEXP name(void) {                       \
         SEXP text = PROTECT(Zeros(RAWSXP, width)); \
-        Api()->name((char*)RAW(text));            \
+        Api()->name((char*)RAW(text));             \
         UNPROTECT(1);                              \
         return text;                               \
     }
@@ -153,8 +153,8 @@ static SEXP TestInterface(SEXP from) {
     FindFields(from, in);
     FindFields(to, out);
     Api()->TestInterface(*(char*)in[0], out[0], *(int32_t*)in[1], out[1], *(int64_t*)in[2], out[2],
-                          *(double*)in[3], out[3], in[4], out[4], in[5], out[5], in[6], out[6],
-                          in[7], out[7], in[8], out[8], in[9], out[9], in[10], out[10]);
+                         *(double*)in[3], out[3], in[4], out[4], in[5], out[5], in[6], out[6],
+                         in[7], out[7], in[8], out[8], in[9], out[9], in[10], out[10]);
     UNPROTECT(1);
     return to;
 }
@@ -164,7 +164,7 @@ static SEXP TestInterface2(SEXP from) {
     void* at[kFieldCount];
     FindFields(fields, at);
     Api()->TestInterface2(at[0], at[1], at[2], at[3], at[4], at[5], at[6], at[7], at[8], at[9],
-                           at[10]);
+                          at[10]);
     UNPROTECT(1);
     return fields;
 }
@@ -174,7 +174,7 @@ static SEXP TestInterface3(SEXP i3, SEXP i6) {
     SET_VECTOR_ELT(products, 0, Zeros(INTSXP, 3));
     SET_VECTOR_ELT(products, 1, Zeros(INTSXP, 6));
     Api()->TestInterface3(Need(i3, INTSXP, 3), INTEGER(VECTOR_ELT(products, 0)),
-                           Need(i6, INTSXP, 6), INTEGER(VECTOR_ELT(products, 1)));
+                          Need(i6, INTSXP, 6), INTEGER(VECTOR_ELT(products, 1)));
     UNPROTECT(1);
     return products;
 }
