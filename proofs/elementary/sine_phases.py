@@ -89,7 +89,8 @@ def sine_scripts():
         greatest, lead = math.sin(min(k + 0.5001, 256) * math.pi / 512), float.fromhex(nodes[k][0])
         yield f"sine, node {k}", script(SINE, nodes[k], nodes[256 - k], -half, half, greatest, (lead, lead), SINE_REST, error)
     # At node 0 the result is t itself: a script for each power of 2, and what Gappa does not see shrinks with t.
-    for i in range(8, 27):
+    # The angle nearest of all to a multiple of a quarter turn leaves 2^-60.9.
+    for i in range(8, 62):
         t0, t1 = 2.0 ** -(i + 1), min(2.0 ** -i, half)
         yield f"sine, node 0, t from 2^-{i + 1}", script(
             SINE, nodes[0], nodes[256], t0, t1, t1, (t0 * (1 - 2.0 ** -25), t1), t0 * 2.0 ** -69.5, error)
