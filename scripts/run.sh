@@ -10,7 +10,8 @@ if [ $# -gt 1 ]; then
     exit 2
 fi
 need "${build_packages[@]}"
-build release -DCORVALE_BUILD_TESTS=OFF
+# Its progress is shown: it takes a minute.
+(cd "$top" && cmake --preset release -DCORVALE_BUILD_TESTS=OFF >/dev/null && cmake --build --preset release) >&2
 if [ $# -eq 0 ]; then
     cd "$top"
     set -- examples/orbit.inp

@@ -26,7 +26,7 @@
 //            and whatever the thread's rounding mode
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <array>
 #include <atomic>

@@ -5,7 +5,7 @@
 //            mode with what other threads do
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <array>
 #include <atomic>

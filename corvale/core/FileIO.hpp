@@ -34,7 +34,7 @@
 // Open     FileOpen  FileOpenMT
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <array>
 #include <atomic>

@@ -15,7 +15,7 @@
 // Write   DegToDDMMSSSSS_Str  DegToHHMMSSS_Str
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <array>
 #include <cstdint>

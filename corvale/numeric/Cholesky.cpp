@@ -22,7 +22,7 @@ using internal::RoundUp;
 using internal::TwoLanes;
 
 /// The doubles that `matrices` matrices in panels and four vectors take.
-constexpr std::size_t Room(std::size_t n, std::size_t matrices) noexcept {
+constexpr std::size_t ScratchLength(std::size_t n, std::size_t matrices) noexcept {
     const std::size_t lanes = RoundUp(n, kLongestPanelRow);
     return (matrices * RoundUp(n, internal::kTileRows) + 4) * lanes;
 }
@@ -30,14 +30,14 @@ constexpr std::size_t Room(std::size_t n, std::size_t matrices) noexcept {
 // Up to here one row fits in the registers (CholeskySmall.hpp).
 constexpr std::size_t kSmallOrder = 12;
 
-/// Lays the work out in `room`. Two matrices stand for four where no D is formed.
-CholeskyWork LayOut(double* room, std::size_t n, bool rootFree) noexcept {
+/// Lays the work out in `scratch`. Two matrices stand for four where no D is formed.
+CholeskyWork LayOut(double* scratch, std::size_t n, bool rootFree) noexcept {
     const std::size_t lanes = RoundUp(n, kLongestPanelRow);
     CholeskyWork work{};
     work.n = n;
     work.rootFree = rootFree;
     work.steps = RoundUp(n, internal::kTileRows);
-    work.u = room;
+    work.u = scratch;
     work.w = work.u + lanes * work.steps;
     work.v = rootFree ? work.w + lanes * work.steps : work.u;
     work.z = rootFree ? work.v + lanes * work.steps : work.w;
@@ -83,7 +83,8 @@ template <bool rootFree>
 [[gnu::noinline]] void SolveByPanels(const double* a, const double* b, std::size_t n,
                                      double* inverse, double* x) noexcept {
     constexpr std::size_t kMatrices = rootFree ? 4 : 2;
-    internal::Scratch<double, Room(kOrderWithoutHeap, kMatrices)> scratch(Room(n, kMatrices));
+    internal::Scratch<double, ScratchLength(kOrderWithoutHeap, kMatrices)> scratch(
+        ScratchLength(n, kMatrices));
     if (scratch.Data() == nullptr) return FillWithNaN(n, inverse, x);
 
     CholeskyWork work = LayOut(scratch.Data(), n, rootFree);

@@ -20,7 +20,7 @@
 // Cholesky  Cholesky2
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <cstdint>
 

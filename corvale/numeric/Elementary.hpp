@@ -17,7 +17,7 @@
 // Powers     Exp  CubeRoot
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 namespace corvale::Elementary {
 

@@ -14,7 +14,7 @@
 //            million); otherwise the time grows with the length
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <cstdint>
 

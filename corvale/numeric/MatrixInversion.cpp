@@ -19,19 +19,19 @@ constexpr std::size_t kSmallOrder = 12;
 // From here panels are faster than single steps (MtxInv in bench/MatrixBench.cpp).
 constexpr std::size_t kPanelOrder = 24;
 
-constexpr std::size_t StepsRoom(std::size_t n) noexcept {
+constexpr std::size_t StepsLength(std::size_t n) noexcept {
     return RoundUp(n, kLongestPanelRow) * (n + 3);
 }
 
-constexpr std::size_t PanelsRoom(std::size_t n) noexcept {
+constexpr std::size_t PanelsLength(std::size_t n) noexcept {
     const std::size_t length = RoundUp(n, kLongestPanelRow);
     const std::size_t columns = std::min(length, kColumns);
-    return StepsRoom(n) + length * kOuterSteps + kOuterSteps * kOuterSteps + columns * kOuterSteps +
-           length * (kInnerSteps + 1) + kOuterSteps;
+    return StepsLength(n) + length * kOuterSteps + kOuterSteps * kOuterSteps +
+           columns * kOuterSteps + length * (kInnerSteps + 1) + kOuterSteps;
 }
 
-constexpr std::size_t Room(std::size_t n) noexcept {
-    return n < kPanelOrder ? StepsRoom(n) : PanelsRoom(n);
+constexpr std::size_t ScratchLength(std::size_t n) noexcept {
+    return n < kPanelOrder ? StepsLength(n) : PanelsLength(n);
 }
 
 bool IsSquare(const MatrixView<const double>& a) noexcept {
@@ -68,8 +68,8 @@ void Copy(const MatrixView<const double>& a, const MatrixView<double>& result) n
 /// One call: the matrix being reduced, either by columns or in panels of rows.
 class Inversion {
   public:
-    Inversion(double* room, std::size_t order, bool searched) noexcept
-        : matrix_(room), order_(order), length_(RoundUp(order, kLongestPanelRow)) {
+    Inversion(double* scratch, std::size_t order, bool searched) noexcept
+        : matrix_(scratch), order_(order), length_(RoundUp(order, kLongestPanelRow)) {
         w_ = matrix_ + length_ * order;
         record_.open = reinterpret_cast<std::int64_t*>(w_ + length_);
         record_.stepOfRow = reinterpret_cast<std::int32_t*>(w_ + 2 * length_);
@@ -162,7 +162,7 @@ class Inversion {
         InversionWork work{};
         work.matrix = matrix_;
         work.record = record_;
-        work.w = matrix_ + StepsRoom(order_);
+        work.w = matrix_ + StepsLength(order_);
         work.pivotW = work.w + length_ * kOuterSteps;
         work.t = work.pivotW + kOuterSteps * kOuterSteps;
         work.columns = work.t + std::min(length_, kColumns) * kOuterSteps;
@@ -192,7 +192,7 @@ void MtxInv(MatrixView<const double> a, MatrixView<double> result) noexcept {
     if (!IsSquare(a)) return Copy(a, result);
 
     const auto n = static_cast<std::size_t>(a.Rows());
-    Scratch<double, StepsRoom(kOrderWithoutHeap)> scratch(Room(n));
+    Scratch<double, StepsLength(kOrderWithoutHeap)> scratch(ScratchLength(n));
     if (scratch.Data() == nullptr) return FillWithNaN(a, result);
     Inversion inversion(scratch.Data(), n, true);
     inversion.Reduce(a) ? inversion.WriteInOrder(result) : inversion.Write(result);
@@ -204,7 +204,7 @@ void MInv(MatrixView<const double> a, MatrixView<double> result) noexcept {
     if (!IsSquare(a)) return Fill(a, result, 0.0);
 
     const auto n = static_cast<std::size_t>(a.Rows());
-    Scratch<double, StepsRoom(kOrderWithoutHeap)> scratch(Room(n));
+    Scratch<double, StepsLength(kOrderWithoutHeap)> scratch(ScratchLength(n));
     if (scratch.Data() == nullptr) return FillWithNaN(a, result);
     Inversion inversion(scratch.Data(), n, false);
     inversion.Reduce(a) ? inversion.Write(result) : Fill(a, result, 0.0);

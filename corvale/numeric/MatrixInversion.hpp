@@ -18,7 +18,7 @@
 // MtxInv  MInv
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 #include <corvale/numeric/Views.hpp>
 
 namespace corvale::GenFunctions {

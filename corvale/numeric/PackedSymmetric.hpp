@@ -14,7 +14,7 @@
 // Convert  SqrMtx2Lta  Lta2SqrMtx
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 #include <corvale/numeric/Views.hpp>
 
 #include <cstdint>

@@ -7,7 +7,7 @@
 // Threads    no state: any number of threads at once
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <cstdint>
 

@@ -8,7 +8,7 @@
 // Threads    no state, no allocation: any number of threads at once
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <array>
 #include <cstdint>

@@ -14,7 +14,7 @@
 // Logical values  Int2Logical  Logical2Int  InvalidFlag
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <cstdint>
 #include <string_view>

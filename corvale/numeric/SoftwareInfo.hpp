@@ -1,7 +1,7 @@
 // The information line: which library this is, its version, and what built it.
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <optional>
 #include <span>

@@ -13,7 +13,7 @@
 // `RodriguesRot` about (0, 0, 1) gives for -t in degrees.
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <array>
 #include <cstdint>

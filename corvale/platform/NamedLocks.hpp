@@ -5,7 +5,7 @@
 // any other name        a lock of its own, made when it is first asked for
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <mutex>
 #include <string_view>

@@ -17,7 +17,7 @@
 //            point. Not from a signal handler
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <cstdint>
 #include <span>

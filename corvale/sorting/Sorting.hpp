@@ -11,7 +11,7 @@
 // Threads    no state: any number of threads at once on different lists
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <array>
 #include <cstdint>

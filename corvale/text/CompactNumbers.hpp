@@ -12,7 +12,7 @@
 //            the thread's rounding mode
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <cstdint>
 #include <span>

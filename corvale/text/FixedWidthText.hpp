@@ -15,7 +15,7 @@
 // Input    GetInputStr  GetInputFileName
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <cstdint>
 #include <span>

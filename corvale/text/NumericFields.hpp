@@ -19,7 +19,7 @@
 // Line   InputStrToReal  InputStrToInt  InputStrToNumStr
 #pragma once
 
-#include <corvale/base/Export.h>
+#include <corvale/base/Module.hpp>
 
 #include <cstdint>
 #include <span>

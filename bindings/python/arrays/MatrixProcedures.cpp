@@ -15,10 +15,10 @@ namespace gen = GenFunctions;
 
 using Solver = void (*)(const double*, const double*, std::int32_t, double*, double*) noexcept;
 
-/// Room for `count` reals; without memory there is none.
-class Room {
+/// Memory for `count` reals; without memory there is none.
+class Scratch {
   public:
-    explicit Room(std::size_t count) noexcept {
+    explicit Scratch(std::size_t count) noexcept {
         if (count <= own_.size()) return;
         heap_.reset(new (std::nothrow) double[count]);
         data_ = heap_.get();
@@ -72,10 +72,10 @@ void Solve(MatrixView<const double> a, VectorView<const double> b, MatrixView<do
            VectorView<double> x) noexcept {
     const std::int32_t n = a.Rows();
     const auto order = static_cast<std::size_t>(n);
-    const Room room(2 * order * (order + 1));
-    if (room.Data() == nullptr) return FillWithNaN(inverse, x);
+    const Scratch scratch(2 * order * (order + 1));
+    if (scratch.Data() == nullptr) return FillWithNaN(inverse, x);
 
-    double* const ownA = room.Data();
+    double* const ownA = scratch.Data();
     double* const ownInverse = ownA + order * order;
     double* const ownB = ownInverse + order * order;
     double* const ownX = ownB + order;

@@ -32,7 +32,6 @@ namespace corvale::Elementary {
 namespace {
 
 using internal::DoubleDouble;
-using internal::FastTwoSum;
 using internal::Head;
 using internal::TableValue;
 using internal::WideReal;
