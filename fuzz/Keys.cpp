@@ -23,8 +23,8 @@ constexpr std::string_view kPieces[] = {"A",  "H", "I", "J", "N",  "O", "P",    
 void SatelliteKeys(std::int64_t key) {
     const bool isTenth = key % 10 == 0;
     ExpectSame(SatKeyToAddr(key), key / 10, "SatKeyToAddr");
-    ExpectSame(std::int64_t{KeyToCPtr(key)}, std::int64_t{static_cast<std::intptr_t>(key / 10)},
-               "KeyToCPtr");
+    // No part of the digest: addresses have 32 bits on some machines.
+    Expect(KeyToCPtr(key) == static_cast<std::intptr_t>(key / 10), "KeyToCPtr");
     ExpectSame(IsDma(key), key != 0 && isTenth ? 1 : 0, "IsDma");
     ExpectSame(IsNoDup(key), key == 0 || (!isTenth && key <= 3669999999999999999) ? 1 : 0,
                "IsNoDup");

@@ -35,6 +35,10 @@ std::string_view AnyField(Choices& in, std::span<char> room) {
     return {room.data(), static_cast<std::size_t>(size)};
 }
 
+void ExpectRead(double got, double wanted, const char* what) {
+    kHasGoodStrtod ? ExpectSame(got, wanted, what) : Note(test::Bits(got));
+}
+
 void TwoReals(std::string_view text, int mode) {
     double first = -1.0, second = -1.0;
     {
@@ -43,8 +47,8 @@ void TwoReals(std::string_view text, int mode) {
     }
     constexpr std::string_view kCharacters = "+-.0123456789";
     const auto [run, rest] = reference::TakeRun(text, kCharacters);
-    ExpectSame(first, reference::StrToReal(run), "StrTo2Reals, first");
-    ExpectSame(second, reference::StrToReal(reference::TakeRun(rest, kCharacters).first),
+    ExpectRead(first, reference::StrToReal(run), "StrTo2Reals, first");
+    ExpectRead(second, reference::StrToReal(reference::TakeRun(rest, kCharacters).first),
                "StrTo2Reals, second");
 }
 
@@ -65,7 +69,7 @@ void OneReal(std::string_view text, int mode, bool isLine) {
     const bool hasValue = !isLine || text.find('=') != std::string_view::npos;
     const double wanted =
         hasValue ? reference::StrToReal(isLine ? reference::ValueOf(text) : text) : 0.0;
-    ExpectSame(got, wanted, isLine ? "InputStrToReal" : "StrToReal");
+    ExpectRead(got, wanted, isLine ? "InputStrToReal" : "StrToReal");
 }
 
 }  // namespace numbers

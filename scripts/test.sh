@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # test.sh [all|PRESET...]: builds and tests everything: GCC, Clang, the baseline code paths, the
-# sanitizers, the format and clang-tidy, then what is exported and installed, the program, the
-# documents and the bindings. With "all" also other builds and machines, Windows among them, and
+# sanitizers, the format and clang-tidy, the proofs, WebAssembly, then what is exported and installed, the
+# program, the documents and the bindings. With "all" also other builds and machines, Windows among them, and
 # clang-tidy on the program: some thirteen minutes more. With presets named, only those are built and
 # tested. The longest runs have scripts of their own: soak.sh, faults.sh --long, fuzz.sh, build-deb.sh
 # and check-deb.sh.
@@ -13,7 +13,7 @@ need "${build_packages[@]}" libgtest-dev libmpfr-dev libgmp-dev clang clang-form
     pkg-config locales
 
 # What goes beyond the tests of one build, each a script that can be run alone.
-checks=("prove --quick" check-packaging check-program docs test-bindings test-python)
+checks=("prove --quick" check-wasm check-packaging check-program docs test-bindings test-python)
 
 # sources FOLDER...: the C and C++ files of those folders.
 sources() {
@@ -29,7 +29,7 @@ check_format() {
 # check_tidy FOLDER...: what Clang compiles here, so without the half for Windows.
 check_tidy() {
     echo "== clang-tidy: $*"
-    (cd "$top" && sources "$@" | grep 'cpp$' | grep -v /Windows |
+    (cd "$top" && sources "$@" | grep 'cpp$' | grep -vE "/(Windows|Wasi|wasm)" |
         xargs -P 2 -n 4 clang-tidy -quiet -p build/clang 2>&1 |
         grep -vE '^[0-9]+ warnings? (generated|treated)|^Suppressed|^Use -header-filter' || true) |
         tee "$top/build/tidy.log"

@@ -164,7 +164,8 @@ template <class T>
 [[nodiscard]] inline const T* Choose(std::uint64_t isFirst, const T* a, const T* b) noexcept {
     const auto first = reinterpret_cast<std::uintptr_t>(a);
     const auto second = reinterpret_cast<std::uintptr_t>(b);
-    const std::uintptr_t chosen = second ^ ((first ^ second) & (0 - std::uintptr_t{isFirst}));
+    const std::uintptr_t chosen =
+        second ^ ((first ^ second) & (0 - static_cast<std::uintptr_t>(isFirst)));
     return reinterpret_cast<const T*>(chosen);  // NOLINT(performance-no-int-to-ptr): no branch
 }
 

@@ -1,4 +1,5 @@
 #include "tests/support/Bits.hpp"
+#include "tests/support/CommaLocale.hpp"
 #include "tests/support/GuardPage.hpp"
 #include "tests/support/NumberEnvironment.hpp"
 

@@ -38,7 +38,7 @@ void FractionOfTurn(double x, TurnWords<kCount>& words) noexcept {
     const auto bits = std::bit_cast<std::uint64_t>(x);
     const std::uint64_t biased = bits >> 52U & 0x7FFU;
     const std::uint64_t significand = (bits & (kHiddenBit - 1)) | kHiddenBit;
-    const std::size_t first = biased + 126 - 1075;
+    const auto first = static_cast<std::size_t>(biased + 126 - 1075);
 
     std::uint64_t carry = 0;
     for (std::size_t i = kCount; i-- > 0;) {
@@ -80,7 +80,7 @@ ReducedAngle<WideReal> Reduced(double x, unsigned stepBits) noexcept {
 
 // 2^-exponent with a sign bit.
 double SignedPowerOfTwo(std::uint64_t sign, std::size_t exponent) noexcept {
-    return std::bit_cast<double>(sign | (1023 - exponent) << 52U);
+    return std::bit_cast<double>(sign | std::uint64_t{1023 - exponent} << 52U);
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ Fraction ShiftedLeft(std::span<const std::uint64_t> a, std::size_t bits,
 Fraction ShiftedRight(const Fraction& a, std::uint64_t bits, std::size_t width) noexcept {
     Fraction shifted{};
     if (bits >= 64 * width) return shifted;
-    const std::size_t words = bits / 64;
+    const auto words = static_cast<std::size_t>(bits / 64);
     const auto shift = static_cast<unsigned>(bits % 64);
     for (std::size_t i = words; i < width; ++i) {
         const std::uint64_t before =
