@@ -1,4 +1,6 @@
-/* <pthread.h> for WebAssembly: there is one thread, which nobody can cancel. */
+// Internal to platform/: not installed, may change in any commit.
+//
+// <pthread.h> for WebAssembly: there is one thread, which nobody can cancel.
 #pragma once
 
 #define PTHREAD_CANCEL_DISABLE 1
