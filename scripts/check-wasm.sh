@@ -1,24 +1,15 @@
 #!/usr/bin/env bash
 # check-wasm.sh: builds for WebAssembly, with Debian's Clang and WASI's C library, and runs in Node what has
 # to give the same bits and the same output: the fuzz targets on random input, with their digests, but
-# for those of files; the C API; the examples.
+# for those of files; the C API; the examples; the npm package, installed into an empty project.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 folder=$top/build/wasm
 examples=(log keys text angles matrices sorting)
 
-build_all() {
-    cmake -S "$top" -B "$folder" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$top/cmake/wasm32-wasi.cmake" \
-        -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF -DCORVALE_INSTALL=OFF \
-        -DCORVALE_BUILD_TOOLS=OFF -DCORVALE_BUILD_EXAMPLES=OFF -DCORVALE_WARNINGS_AS_ERRORS=ON &&
-        cmake --build "$folder" -- -j 2
-}
-
-need "${build_packages[@]}" clang lld llvm wasi-libc libc++-14-dev-wasm32 libclang-rt-14-dev-wasm32
-command -v node >/dev/null || need nodejs
-mkdir -p "$folder"
-build_all >"$folder/build.log" 2>&1 || { cat "$folder/build.log"; exit 1; }
+need chromium python3
+"$top/scripts/build-npm.sh" >/dev/null
 grep -vE '^(Cards|Log) ' "$top/tests/cases/digests.txt" >"$folder/digests.txt"
 
 # run PROGRAM ARGUMENT...: in Node, with the working folder for its files.
@@ -38,3 +29,30 @@ for example in "${examples[@]}"; do
     run "example_$example" | cmp - "$top/examples/$example.out"
     echo "wasm examples/$example: prints what it does elsewhere"
 done
+
+mkdir package
+cd package
+echo '{ "private": true, "type": "module" }' >package.json
+npm install --silent --no-audit --no-fund "$top"/build/npm/corvale-*.tgz
+cp "$top"/bindings/javascript/test/{wasm.mjs,parts.js} .
+CORVALE_INPUT="$top/examples/orbit.inp" CORVALE_INTERFACE="$top/bindings/interface.txt" node wasm.mjs
+
+# In Chromium, in a page and in a worker.
+mkdir browser
+cp "$top"/bindings/javascript/test/{browser.html,browser_worker.js} "$top/examples/orbit.inp" browser
+cp -r node_modules/corvale browser
+python3 -u -m http.server --bind 127.0.0.1 --directory browser 0 >server.log 2>&1 &
+server=$!
+trap 'kill "$server"; rm -rf "$scratch"' EXIT
+until port=$(sed -n 's/.* port \([0-9]*\) .*/\1/p' server.log) && [ -n "$port" ]; do sleep 0.1; done
+chromium --headless --no-sandbox --disable-gpu --user-data-dir="$scratch/profile" \
+    "http://127.0.0.1:$port/browser.html" >browser.log 2>&1 &
+browser=$!
+trap 'kill "$browser" "$server"; wait "$browser" "$server" || true; rm -rf "$scratch"' EXIT
+for _ in {1..300}; do
+    result=$(sed -n 's/.*GET \/result=\([^ ]*\).*/\1/p' server.log)
+    [ -z "$result" ] || break
+    sleep 0.2
+done
+[ "$result" = 'both%3A%206378.135%20-0.8522008497671888%20A0000' ] || { echo "in Chromium: $result"; cat browser.log; exit 1; }
+echo "WebAssembly in Chromium: page and worker load a card file, ok"
