@@ -13,6 +13,16 @@
 
 namespace corvale::Sorting {
 
+// Which keys are sorted in which way. The first line that fits decides; docs/sorting.md has a picture.
+//
+//     all keys      up to 16                                   ranked against each other    FewKeys
+//                   up to 4 runs, each a sixteenth and more    merged                       KeyRuns
+//                   ascending but for one in sixteen           the others apart, merged     Strays
+//     a range       up to 256, one run                         as it is, or reversed        KeyRuns
+//                   up to 256                                  by words of seven bytes      ShortRanges
+//                   few distinct bytes                         buckets by ranks of bytes    RankedRule
+//                   any other                                  buckets by interpolation     ScaledRule
+//
 // The ranges that are still to be sorted wait on a stack. Each step sorts one or splits it by bytes
 // of its keys that differ; a byte that all keys of a range share is never looked at again, so each
 // key takes part in a bounded number of steps.
