@@ -24,6 +24,8 @@ KINDS = [(r" < ", " <= "), (r" <= ", " < "), (r" > ", " >= "), (r" >= ", " > "),
 SKIPPED = re.compile(r"^\s*(//|#|static_assert|template|using|namespace|enum|struct|class)|CORVALE_API|=\s*(delete|default);")
 MORE_TESTS = {"core": "exports|platform|processes|faults", "platform": "core|exports|processes|faults",
               "exports": "core|faults", "base": "text|numeric|sorting|core", "numeric": "exports|faults|soak"}
+# Not compiled here, or made by a generator with which scripts/prove.sh compares it.
+LEFT_OUT = re.compile(r"^(Windows|Wasi|(Arc|CubeRoot|Exponential|Sine)Table)")
 SECONDS = 120  # for one set of tests; a change that loops for ever is seen by it
 
 
@@ -48,7 +50,7 @@ def succeeds(command, seconds):
 
 
 def verdict(build, folder):
-    if not succeeds(["cmake", "--build", str(build), "--target", "Corvale", "fault_loops"], 600):
+    if not succeeds(["cmake", "--build", str(build), "--target", "Corvale", "fault_loops", "base_tests"], 600):
         return "does not compile"
     tests = "|".join(filter(None, [folder, MORE_TESTS.get(folder), "fuzz"]))
     passed = succeeds(["ctest", "--test-dir", str(build), "-R", f"^({tests})/", "-j2", "--stop-on-failure",
@@ -58,7 +60,8 @@ def verdict(build, folder):
 
 def main(tree, build, count, seed, *names):
     tree, build = pathlib.Path(tree), pathlib.Path(build)
-    files = [tree / name for name in names] or sorted((tree / "corvale").rglob("*.[ch]pp"))
+    files = [tree / name for name in names] or [
+        file for file in sorted((tree / "corvale").rglob("*.[ch]pp")) if not LEFT_OUT.search(file.name)]
     changes = [(file, change) for file in files for change in candidates(file)]
     totals = {"seen": 0, "survived": 0, "does not compile": 0}
     chosen = random.Random(int(seed)).sample(changes, len(changes))
