@@ -26,6 +26,15 @@ bool Converts(const py::object& array, Kind kind) {
     return isReal && dtype.attr("itemsize").cast<Count>() <= 8;
 }
 
+/// Whether `object` is a scalar of Python's own that is never a `kind`: said without NumPy, too.
+bool IsWrongScalar(const py::object& object, Kind kind) {
+    PyObject* const at = object.ptr();
+    if (object.is_none() || PyComplex_CheckExact(at)) return true;
+    const bool isText = PyUnicode_CheckExact(at) || PyBytes_CheckExact(at);
+    if (IsText(kind)) return PyLong_CheckExact(at) || PyFloat_CheckExact(at);
+    return isText || (IsInteger(kind) && PyFloat_CheckExact(at));
+}
+
 void RequireFit(const py::object& array, Kind kind, const std::string& name) {
     if (!IsInteger(kind) || array.attr("size").cast<Count>() == 0) return;
     const char* code = TypeOf(kind).code;
@@ -88,6 +97,7 @@ void ThrowOverflow(const std::string& name, Kind kind) {
 }
 
 py::object Converted(const py::object& object, Kind kind, const std::string& name) {
+    if (IsWrongScalar(object, kind)) ThrowType(name, kind, Py_TYPE(object.ptr())->tp_name);
     const py::object array = Numpy().attr("asarray")(object);
     if (!Converts(array, kind)) ThrowType(name, kind, py::str(array.attr("dtype")));
     RequireFit(array, kind, name);
