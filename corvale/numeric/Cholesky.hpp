@@ -15,7 +15,8 @@
 // Threads    no state: any number of threads at once. Up to n = 16 nothing is allocated
 // Exactness  every element is the same to the last bit on every processor and with every compiler:
 //            one fixed order of operations each, no fused ones; sums go in increasing index, those
-//            of the back substitution in decreasing
+//            of the back substitution in decreasing. That an element is a NaN is the same
+//            everywhere, its sign and payload are not promised
 //
 // Cholesky  Cholesky2
 #pragma once

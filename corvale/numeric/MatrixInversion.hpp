@@ -13,7 +13,8 @@
 // Threads    no state: any number of threads at once. Up to order 16, and for 64 elements of a
 //            matrix that is not square, nothing is allocated
 // Exactness  every element is the same to the last bit on every processor, with every compiler and
-//            for every stride: one fixed order of operations each, no fused operations
+//            for every stride: one fixed order of operations each, no fused operations. That an
+//            element is a NaN is the same everywhere, its sign and payload are not promised
 //
 // MtxInv  MInv
 #pragma once

@@ -226,7 +226,7 @@ TEST_F(Host, LinesOfProcessesStayWholeWhateverTheyHold) {
         writers.push_back(test::StartChild([&] {
             bool holds = true;
             const std::string line = name + filling + name;
-            for (int i = 0; i < 500; ++i) holds = holds && TextUnits::WriteLine(kUnit, line);
+            for (int i = 0; i < 2000; ++i) holds = holds && TextUnits::WriteLine(kUnit, line);
             return holds;
         }));
     for (const pid_t writer : writers) EXPECT_EQ(test::WaitFor(writer), 0);
@@ -234,8 +234,8 @@ TEST_F(Host, LinesOfProcessesStayWholeWhateverTheyHold) {
     const auto lines = test::LinesOf(folder / "shared");
     for (const std::string& line : lines)
         whole += line.size() == filling.size() + 2 && line.front() == line.back();
-    EXPECT_EQ(whole, 2000);
-    EXPECT_EQ(lines.size(), 2000U);
+    EXPECT_EQ(whole, 8000);
+    EXPECT_EQ(lines.size(), 8000U);
 }
 
 }  // namespace
