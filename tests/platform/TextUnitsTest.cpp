@@ -302,7 +302,8 @@ bool OpensUpToALimit(const std::string& path, rlim_t descriptors, std::size_t le
         isGood && test::OpenDescriptors() == before + static_cast<std::ptrdiff_t>(units.size()) - 1;
     isGood = isGood && FileOpenMT(path, kRead, unit) == 0 && !IsOpen(units.back());
     units.back() = unit;
-    isGood = isGood && std::set(units.begin(), units.end()).size() == units.size();
+    isGood = isGood && std::set(units.begin(), units.end()).size() == units.size() &&
+             std::ranges::min(units) >= 1000000;
     std::string line(1, '?');
     for (const std::int32_t open : units) isGood = isGood && ReadLine(open, line) && line == "x";
     for (const std::int32_t open : units) Close(open);
