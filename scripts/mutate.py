@@ -8,9 +8,11 @@ KINDS at a random spot of a random line of the FILEs (all of corvale/ if none), 
 against the tests of its folder and the fuzz targets, and is taken back. Prints a line a change and the
 totals; what survived is to be judged: equivalent, or a test row is missing.
 """
+import os
 import pathlib
 import random
 import re
+import signal
 import subprocess
 import sys
 
@@ -43,9 +45,13 @@ def candidates(file):
 
 
 def succeeds(command, seconds):
+    """Whether `command` ends well in time; what it started ends with it."""
+    process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
     try:
-        return subprocess.run(command, capture_output=True, timeout=seconds, check=False).returncode == 0
+        return process.wait(seconds) == 0
     except subprocess.TimeoutExpired:
+        os.killpg(process.pid, signal.SIGKILL)
+        process.wait()
         return False
 
 

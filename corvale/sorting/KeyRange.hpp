@@ -35,6 +35,18 @@ constexpr std::size_t kKeyBytes = sizeof(Key);
     return false;
 }
 
+/// `a` where `isFirst` is 1, `b` where it is 0. Spelt in bits, for a compiler makes branches of
+/// conditional expressions.
+[[nodiscard]] inline std::uint64_t Choose(std::uint64_t isFirst, std::uint64_t a,
+                                          std::uint64_t b) noexcept {
+    return b ^ ((a ^ b) & (0 - isFirst));
+}
+template <class T>
+[[nodiscard]] T* Choose(std::uint64_t isFirst, T* a, T* b) noexcept {
+    return reinterpret_cast<T*>(
+        Choose(isFirst, reinterpret_cast<std::uintptr_t>(a), reinterpret_cast<std::uintptr_t>(b)));
+}
+
 /// `count` keys and their companions; places count from 0.
 struct KeyRange {
     Key* keys;

@@ -32,12 +32,6 @@ struct SortByRank {
     }
 };
 
-// `a` where `isFirst` is 1, `b` where it is 0. Spelt in bits, for a compiler makes branches of
-// conditional expressions here.
-std::uint64_t Choose(std::uint64_t isFirst, std::uint64_t a, std::uint64_t b) noexcept {
-    return b ^ ((a ^ b) & (0 - isFirst));
-}
-
 // Merges two sorted halves whose lengths differ by one at most, from both ends at once: two chains
 // of operations that do not wait for each other, and no branch that depends on the words. Neither
 // half can run out before the last step.
