@@ -50,21 +50,22 @@ ScaledRule::ScaledRule(const Survey& survey, std::size_t mostBuckets) noexcept {
     }
 }
 
-RankedRule::RankedRule(const KeyRange& range, const Survey& survey,
-                       std::size_t mostBuckets) noexcept {
+RankedRule::RankedRule(const KeyRange& range, const Survey& survey, std::size_t mostBuckets,
+                       std::size_t step) noexcept {
     std::size_t place = 0;
     for (; place < kKeyBytes && digits_ < kMostDigits && count_ * 2 <= mostBuckets; ++place)
         if (survey.least[place] != survey.greatest[place])
-            AddDigit(range, place, mostBuckets / count_);
+            AddDigit(range, place, mostBuckets / count_, step);
     for (; place < kKeyBytes; ++place)
         if (survey.least[place] != survey.greatest[place]) isComplete_ = false;
     SetWeights();
 }
 
 // Ranks the bytes that occur in `place` as the next digit, which takes `most` values at most.
-void RankedRule::AddDigit(const KeyRange& range, std::size_t place, std::size_t most) noexcept {
+void RankedRule::AddDigit(const KeyRange& range, std::size_t place, std::size_t most,
+                          std::size_t step) noexcept {
     auto& part = parts_[digits_];
-    for (std::size_t i = 0; i < range.count; ++i)
+    for (std::size_t i = 0; i < range.count; i += step)
         part[static_cast<unsigned char>(range.keys[i][place])] = 1;
     std::size_t occurring = 0;
     for (const std::uint16_t isMarked : part) occurring += isMarked;
@@ -73,7 +74,7 @@ void RankedRule::AddDigit(const KeyRange& range, std::size_t place, std::size_t 
     std::size_t rank = 0;
     for (std::uint16_t& entry : part) {
         const std::size_t isMarked = entry;
-        entry = static_cast<std::uint16_t>(rank * values / occurring);
+        entry = static_cast<std::uint16_t>(isMarked != 0 ? rank * values / occurring : kNoBucket);
         rank += isMarked;
     }
     if (values < occurring) isComplete_ = false;
@@ -88,7 +89,7 @@ void RankedRule::SetWeights() noexcept {
     std::size_t weight = 1;
     for (std::size_t digit = digits_; digit-- > 0; weight *= values_[digit])
         for (std::uint16_t& entry : parts_[digit])
-            entry = static_cast<std::uint16_t>(entry * weight);
+            if (entry < kNoBucket) entry = static_cast<std::uint16_t>(entry * weight);
 }
 
 }  // namespace corvale::internal

@@ -20,6 +20,9 @@ struct Survey {
 };
 [[nodiscard]] Survey SurveyBytes(const KeyRange& range) noexcept;
 
+/// Above all numbers of buckets.
+constexpr std::size_t kNoBucket = 0x1000;
+
 /// The first three bytes that vary, as digits of a number with as many values a digit as lie
 /// between the least and the greatest byte in its place, scaled to the count of buckets. Cheap, and
 /// good where bytes take many of the values between.
@@ -53,15 +56,17 @@ class ScaledRule {
 
 /// Up to nine bytes that vary as digits, each the rank of the byte among those that occur in its
 /// place, the last one coarser where not all its values fit. For keys of few values a byte, of
-/// which the scaled rule would leave most buckets empty. Costs a pass over the keys for each
-/// digit, and twice the time a key.
+/// which the scaled rule would leave most buckets empty. Costs twice the time a key.
 class RankedRule {
   public:
-    RankedRule(const KeyRange& range, const Survey& survey, std::size_t mostBuckets) noexcept;
+    /// Looks at each `step`th key.
+    RankedRule(const KeyRange& range, const Survey& survey, std::size_t mostBuckets,
+               std::size_t step) noexcept;
 
     [[nodiscard]] std::size_t Count() const noexcept { return count_; }
     [[nodiscard]] bool IsComplete() const noexcept { return isComplete_; }
 
+    /// kNoBucket or more where the key has a byte that no key looked at has in its place.
     [[nodiscard]] std::size_t operator()(const Key& key) const noexcept {
         std::size_t bucket = 0;
         for (std::size_t i = 0; i < digits_; ++i)
@@ -72,7 +77,8 @@ class RankedRule {
   private:
     static constexpr std::size_t kMostDigits = 9;
 
-    void AddDigit(const KeyRange& range, std::size_t place, std::size_t most) noexcept;
+    void AddDigit(const KeyRange& range, std::size_t place, std::size_t most,
+                  std::size_t step) noexcept;
     void SetWeights() noexcept;
 
     std::array<std::size_t, kMostDigits> places_{};

@@ -1,6 +1,6 @@
-#include <corvale/sorting/FewKeys.hpp>
+#include <corvale/sorting/Ways.hpp>
 
-#include <corvale/sorting/KeyRuns.hpp>
+#include <corvale/sorting/WordRanks.hpp>
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include <corvale/sorting/KeyRuns.hpp>
+#include <corvale/sorting/Ways.hpp>
 
 #include <algorithm>
 #include <array>

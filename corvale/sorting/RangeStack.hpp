@@ -9,13 +9,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <span>
 
 namespace corvale::internal {
 
 /// Stops the process: there are no `bytes` bytes.
-[[noreturn]] void StopForMemory(std::size_t bytes) noexcept;
+[[noreturn]] inline void StopForMemory(std::size_t bytes) noexcept {
+    (void)std::fprintf(stderr, "Error allocating %lu bytes\n", static_cast<unsigned long>(bytes));
+    std::exit(EXIT_FAILURE);  // NOLINT(concurrency-mt-unsafe): other threads end with the process
+}
 
 class RangeStack {
   public:

@@ -1,7 +1,5 @@
-#include <corvale/sorting/ShortRanges.hpp>
+#include <corvale/sorting/Ways.hpp>
 
-#include <corvale/sorting/FewKeys.hpp>
-#include <corvale/sorting/KeyRuns.hpp>
 #include <corvale/sorting/WordRanks.hpp>
 
 #include <algorithm>

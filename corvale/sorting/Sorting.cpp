@@ -1,12 +1,7 @@
 #include <corvale/sorting/Sorting.hpp>
 
-#include <corvale/sorting/FewKeys.hpp>
-#include <corvale/sorting/KeyBuckets.hpp>
-#include <corvale/sorting/KeyRange.hpp>
-#include <corvale/sorting/KeyRuns.hpp>
-#include <corvale/sorting/RangeStack.hpp>
-#include <corvale/sorting/ShortRanges.hpp>
-#include <corvale/sorting/Strays.hpp>
+#include <corvale/sorting/Ways.hpp>
+#include <corvale/sorting/WordRanks.hpp>
 
 #include <cstddef>
 #include <utility>

@@ -1,4 +1,4 @@
-#include <corvale/sorting/Strays.hpp>
+#include <corvale/sorting/Ways.hpp>
 
 namespace corvale::internal {
 
