@@ -9,6 +9,7 @@
 #include "reference/SmallHelpers.hpp"
 
 #include <benchmark/benchmark.h>
+#include <hwy/contrib/sort/vqsort.h>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -17,6 +18,8 @@
 #include <random>
 #include <string>
 #include <vector>
+
+extern "C" std::size_t rust_sort_dedup(std::int32_t* list, std::size_t n);
 
 namespace {
 
@@ -169,18 +172,19 @@ BENCHMARK_CAPTURE(Vectors, , ByAngle(gen::Rotate), ByAngle(gen::Rotate))->Name("
 BENCHMARK_CAPTURE(Vectors, , ByAngle(eigen::Rotate), ByAngle(gen::Rotate))
     ->Name("Rotate/Eigen_AngleAxis");
 
-// ---- integer lists: half the values occur more than once
+// ---- integer lists: half the values occur more than once, among neighbours or far apart
 
 using List = std::vector<std::int32_t>;
 
 // Many different lists where they are short, so that none is learnt by heart.
-std::vector<List> RandomLists(std::int64_t length) {
+std::vector<List> RandomLists(std::int64_t length, std::uint32_t spread) {
     std::mt19937 random(4);
     std::vector<List> lists(static_cast<std::size_t>(std::max<std::int64_t>(1, 100'000 / length)),
                             List(static_cast<std::size_t>(length)));
     for (List& list : lists)
         for (auto& value : list)
-            value = static_cast<std::int32_t>(1 + random() % (2 * list.size()));
+            value =
+                static_cast<std::int32_t>(1 + random() % (2 * list.size()) * spread % 0x7FFFFFFFU);
     return lists;
 }
 
@@ -188,14 +192,26 @@ void SortUnique(std::int32_t, std::int32_t* list, std::int32_t& n) {
     std::sort(list, list + n);
     n = static_cast<std::int32_t>(std::unique(list, list + n) - list);
 }
+void VectorSortUnique(std::int32_t, std::int32_t* list, std::int32_t& n) {
+    static hwy::Sorter sorter;
+    sorter(list, static_cast<std::size_t>(n), hwy::SortAscending());
+    n = static_cast<std::int32_t>(std::unique(list, list + n) - list);
+}
+void RustSortDedup(std::int32_t, std::int32_t* list, std::int32_t& n) {
+    n = static_cast<std::int32_t>(rust_sort_dedup(list, static_cast<std::size_t>(n)));
+}
 template <void (*Dupe)(std::int32_t*, std::int32_t&)>
 void InOrder(std::int32_t, std::int32_t* list, std::int32_t& n) {
     Dupe(list, n);
 }
 
-template <void (*Process)(std::int32_t, std::int32_t*, std::int32_t&)>
+constexpr std::uint32_t kDense = 1;
+constexpr std::uint32_t kSparse = 0x9E3779B1U;  // an odd factor: the values differ as before
+
+template <void (*Process)(std::int32_t, std::int32_t*, std::int32_t&),
+          std::uint32_t Spread = kDense>
 void Lists(benchmark::State& state) {
-    const std::vector<List> input = RandomLists(state.range(0));
+    const std::vector<List> input = RandomLists(state.range(0), Spread);
     std::vector<List> lists = input;
     auto n = static_cast<std::int32_t>(state.range(0));
     auto count = n;
@@ -223,11 +239,23 @@ BENCHMARK(Lists<SortUnique>)->Name("IDupe/std_sort_unique")->Apply(Lengths);
 BENCHMARK(Lists<InOrder<reference::IDupe>>)->Name("IDupe/plain")->Arg(30)->Arg(100)->Arg(10'000);
 BENCHMARK(Lists<gen::ISort>)->Name("ISort/Corvale")->Apply(Lengths);
 BENCHMARK(Lists<SortUnique>)->Name("ISort/std_sort_unique")->Apply(Lengths);
+BENCHMARK(Lists<VectorSortUnique>)->Name("ISort/vqsort_unique")->Apply(Lengths);
+#ifdef CORVALE_RUST_SORTS
+BENCHMARK(Lists<RustSortDedup>)->Name("ISort/ipnsort_dedup")->Apply(Lengths);
+#endif
+BENCHMARK(Lists<InOrder<gen::IDupe>, kSparse>)->Name("IDupe_sparse/Corvale")->Apply(Lengths);
+BENCHMARK(Lists<SortUnique, kSparse>)->Name("IDupe_sparse/std_sort_unique")->Apply(Lengths);
+BENCHMARK(Lists<gen::ISort, kSparse>)->Name("ISort_sparse/Corvale")->Apply(Lengths);
+BENCHMARK(Lists<SortUnique, kSparse>)->Name("ISort_sparse/std_sort_unique")->Apply(Lengths);
+BENCHMARK(Lists<VectorSortUnique, kSparse>)->Name("ISort_sparse/vqsort_unique")->Apply(Lengths);
+#ifdef CORVALE_RUST_SORTS
+BENCHMARK(Lists<RustSortDedup, kSparse>)->Name("ISort_sparse/ipnsort_dedup")->Apply(Lengths);
+#endif
 BENCHMARK(Lists<reference::ISort>)->Name("ISort/plain")->Arg(30)->Arg(100)->Arg(10'000);
 
 // ---- table search
 
-enum class Spacing { Even, Jittered, Exponential };
+enum class Spacing { Even, Jittered, Quadratic, Exponential };
 
 std::vector<double> Table(Spacing spacing) {
     std::mt19937_64 random(5);
@@ -235,6 +263,7 @@ std::vector<double> Table(Spacing spacing) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         const auto place = static_cast<double>(i);
         table[i] = spacing == Spacing::Exponential ? std::exp(place * 6e-3)
+                   : spacing == Spacing::Quadratic ? place * place * 1e-3
                    : spacing == Spacing::Even      ? place * 0.25
                                               : place + static_cast<double>(random() % 1000) / 1001;
     }
@@ -243,6 +272,20 @@ std::vector<double> Table(Spacing spacing) {
 
 std::int32_t FindByBisection(const double* table, std::int32_t n, double value) {
     return static_cast<std::int32_t>(std::upper_bound(table, table + n, value) - table);
+}
+
+// Without a branch that depends on the table, and with both next values on their way.
+std::int32_t FindBranchless(const double* table, std::int32_t n, double value) {
+    const double* base = table;
+    auto length = static_cast<std::size_t>(n);
+    while (length > 1) {
+        const std::size_t half = length / 2;
+        __builtin_prefetch(base + half / 2 - 1);
+        __builtin_prefetch(base + half + half / 2 - 1);
+        base += (base[half - 1] <= value ? half : 0);
+        length -= half;
+    }
+    return static_cast<std::int32_t>(base - table + (*base <= value ? 1 : 0));
 }
 
 template <class Find>
@@ -262,16 +305,16 @@ void Search(benchmark::State& state, Spacing spacing, Find find) {
         for (const double value : values) benchmark::DoNotOptimize(find(table.data(), n, value));
     state.SetItemsProcessed(state.iterations() * std::ssize(values));
 }
-BENCHMARK_CAPTURE(Search, , Spacing::Even, gen::FindRecIdx)->Name("FindRecIdx_even/Corvale");
-BENCHMARK_CAPTURE(Search, , Spacing::Even, FindByBisection)->Name("FindRecIdx_even/upper_bound");
+#define SEARCHES(spacing, name)                                                                 \
+    BENCHMARK_CAPTURE(Search, , spacing, gen::FindRecIdx)->Name("FindRecIdx_" name "/Corvale"); \
+    BENCHMARK_CAPTURE(Search, , spacing, FindByBisection)                                       \
+        ->Name("FindRecIdx_" name "/upper_bound");                                              \
+    BENCHMARK_CAPTURE(Search, , spacing, FindBranchless)->Name("FindRecIdx_" name "/branchless")
+
+SEARCHES(Spacing::Even, "even");
+SEARCHES(Spacing::Jittered, "jittered");
+SEARCHES(Spacing::Quadratic, "quadratic");
+SEARCHES(Spacing::Exponential, "exponential");
 BENCHMARK_CAPTURE(Search, , Spacing::Even, reference::FindRecIdx)->Name("FindRecIdx_even/plain");
-BENCHMARK_CAPTURE(Search, , Spacing::Jittered, gen::FindRecIdx)
-    ->Name("FindRecIdx_jittered/Corvale");
-BENCHMARK_CAPTURE(Search, , Spacing::Jittered, FindByBisection)
-    ->Name("FindRecIdx_jittered/upper_bound");
-BENCHMARK_CAPTURE(Search, , Spacing::Exponential, gen::FindRecIdx)
-    ->Name("FindRecIdx_exponential/Corvale");
-BENCHMARK_CAPTURE(Search, , Spacing::Exponential, FindByBisection)
-    ->Name("FindRecIdx_exponential/upper_bound");
 
 }  // namespace

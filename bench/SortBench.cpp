@@ -7,7 +7,9 @@
 
 #include <benchmark/benchmark.h>
 #include <algorithm>
+#include <boost/sort/flat_stable_sort/flat_stable_sort.hpp>
 #include <boost/sort/pdqsort/pdqsort.hpp>
+#include <boost/sort/spinsort/spinsort.hpp>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -23,6 +25,9 @@ struct Record {
     Key key;
     std::int64_t companion;
 };
+
+extern "C" void rust_ipnsort(Record* records, std::size_t n);
+extern "C" void rust_driftsort(Record* records, std::size_t n);
 
 std::uint64_t Word(const Key& key, std::size_t offset) {
     std::uint64_t word = 0;
@@ -141,6 +146,19 @@ void Register(Pattern pattern, std::size_t n) {
     addRecords("pdqsort_branchless", [](Record* begin, Record* end) {
         boost::sort::pdqsort_branchless(begin, end, LessByWord);
     });
+    addRecords("spinsort",
+               [](Record* begin, Record* end) { boost::sort::spinsort(begin, end, LessByWord); });
+    addRecords("flat_stable_sort", [](Record* begin, Record* end) {
+        boost::sort::flat_stable_sort(begin, end, LessByWord);
+    });
+#ifdef CORVALE_RUST_SORTS
+    addRecords("ipnsort", [](Record* begin, Record* end) {
+        rust_ipnsort(begin, static_cast<std::size_t>(end - begin));
+    });
+    addRecords("driftsort", [](Record* begin, Record* end) {
+        rust_driftsort(begin, static_cast<std::size_t>(end - begin));
+    });
+#endif
     addRecords("std_sort", [](Record* begin, Record* end) { std::sort(begin, end, LessByWord); });
     addRecords("qsort", [](Record* begin, Record* end) {
         std::qsort(begin, static_cast<std::size_t>(end - begin), sizeof(Record), Compare);

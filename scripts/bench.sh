@@ -69,7 +69,7 @@ measure_all() {
 if [ "$mode" != --page ]; then
     echo "bench.sh: builds Corvale and its peers, measures them, writes ${pages[0]}"
     need "${build_packages[@]}" gfortran libbenchmark-dev libspdlog-dev libdouble-conversion-dev libfmt-dev \
-        libfast-float-dev musl-dev libeigen3-dev liblapack-dev libblas-dev libopenblas0-serial libboost-dev \
+        libfast-float-dev musl-dev libeigen3-dev liblapack-dev libblas-dev libopenblas0-serial libboost-dev libhwy-dev \
         python3 util-linux binutils
     build bench
     measure_all

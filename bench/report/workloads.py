@@ -39,7 +39,8 @@ PROCEDURES = [Row(name, f"Elementary {name}", goals={"glibc": round(1 / most, 2)
 FUNCTIONS = [Row(name, f"Elementary {name}", limit=CALL) for name in (
     "Sin", "Cos", "ArcTan", "ArcTan2", "ArcCos", "Exp", "CubeRoot")]
 SEARCHES = [Row(f"FindRecIdx, {spacing}", f"FindRecIdx_{spacing}", goals=goals, limit=CALL) for spacing, goals in (
-    ("even", {"upper_bound": 4}), ("jittered", {}), ("exponential", {"upper_bound": 0.4}))]
+    ("even", {"upper_bound": 4, "branchless": 1}), ("jittered", {"branchless": 1}), ("quadratic", {"branchless": 1}),
+    ("exponential", {"upper_bound": 0.4, "branchless": 1}))]
 
 
 def written_rows():
@@ -60,7 +61,8 @@ def list_rows():
     for name, goal in (("IDupe", 3), ("ISort", 2)):
         for size in (30, 100, 1000, 10_000, 100_000, 1_000_000):
             yield Row(f"{name}, {size:,} integers", name, size=size, limit=("Limit", "integers"),
-                      goals={"std_sort_unique": goal} if size == 1_000_000 else {})
+                      goals={"std_sort_unique": goal} if size == 1_000_000 else
+                      {"vqsort_unique": 1, "ipnsort_dedup": 1.6} if name == "ISort" and size >= 1000 else {})
 
 
 def solver_goals(order):
@@ -143,14 +145,17 @@ SECTIONS = [
             "Ours are correctly rounded, without FMA; glibc's, with FMA, and musl's are off by a unit now and then. The "
             "limit is a call into the library that does nothing.",
             ["glibc", "musl"], PROCEDURES + FUNCTIONS),
-    Section("Search in a table", "100,000 values, evenly spaced, evenly but for a random part, and spaced "
-            "exponentially. The limit is a call into the library that does nothing.", ["upper_bound", "plain"],
+    Section("Search in a table", "100,000 values, evenly spaced, evenly but for a random part, and with "
+            "distances that grow in proportion and exponentially. branchless is a bisection without a branch that "
+            "depends on the table, with prefetches. The limit is a call into the library that does nothing.",
+            ["upper_bound", "branchless", "plain"],
             SEARCHES),
     Section("Getters of the C API", "The limit is a call into the library that does nothing; the last two fill 128 "
             "characters.", [], [Row(name, name, limit=CALL) for name in ("GetElsetKeyMode", "GetLastErrMsg",
                                                                        "CorvaleGetInfo")]),
-    Section("Lists of integers", "Nanoseconds an integer; half of the values occur more than once. The limit is a copy "
-            "of the list.", ["std_sort_unique", "plain"], list(list_rows()), "integer", (100, 10_000, 1_000_000)),
+    Section("Lists of integers", "Nanoseconds an integer; half of the values occur more than once. vqsort is "
+            "Highway's, ipnsort Rust's `sort_unstable`, each with the repeats dropped. The limit is a copy of the list.",
+            ["std_sort_unique", "vqsort_unique", "ipnsort_dedup", "plain"], list(list_rows()), "integer", (100, 10_000, 1_000_000)),
     Section("Matrices", "By order. Cholesky is factor, solution and inverse, with dpotrf, dpotrs and dpotri of OpenBLAS "
             "and the reference LAPACK, LLT of Eigen; `MtxInv` is dgetrf with dgetri, PartialPivLU. The limit is the time "
             "of the multiplications and additions (n^3 and 2 n^3 for a peer's way of doing it) with all units of the "
@@ -162,8 +167,10 @@ SECTIONS = [
     Section("Packed matrices", "The limit is `memcpy` of the square.", [], list(packed_rows()), sizes=(6, 100, 1000)),
     Section("Sorting", "Nanoseconds a key of 32 characters with its companion. The peers sort records of both; "
             "all but qsort compare eight bytes at a time as Corvale does. Plain is a "
-            "quicksort with the last key as pivot. The limit is a copy of keys and companions.",
-            ["pdqsort", "pdqsort_branchless", "std_sort", "qsort", "plain"], list(sort_rows()), "key", (100, 10_000, 1_000_000)),
+            "quicksort with the last key as pivot; ipnsort and driftsort are Rust's, spinsort and flat_stable_sort "
+            "Boost's. The limit is a copy of keys and companions.",
+            ["pdqsort", "pdqsort_branchless", "spinsort", "flat_stable_sort", "ipnsort", "driftsort", "std_sort", "qsort",
+             "plain"], list(sort_rows()), "key", (100, 10_000, 1_000_000)),
     Section("Log lines", "One message of 128 characters to the open log. spdlog flushes each line. Eight threads write "
             "on all cores and are timed by the wall clock. The limit is `write()` of the line.",
             ["spdlog", "fprintf+fflush"], list(log_rows()), "line"),
