@@ -1,5 +1,7 @@
 #include <corvale/sorting/Ways.hpp>
 
+#include <corvale/sorting/WordRanks.hpp>
+
 #include <algorithm>
 #include <array>
 
@@ -11,19 +13,25 @@ namespace {
 // this share of the keys. Bench: OrganPipe in bench/SortBench.cpp.
 constexpr std::size_t kMostRuns = 4;
 constexpr std::size_t kLeastShare = 16;
+// In shorter ranges a search for runs gains less than it costs; bench: TwoLists and Random.
+constexpr std::size_t kFewestKeys = 64;
 
 struct Run {
     std::size_t end;
     bool isDescending;
 };
 
-// The longest run that begins at `first`. A last key alone counts as descending.
-Run FindRun(const KeyRange& all, std::size_t first) noexcept {
+// The longest run that begins at `first`. A last key alone counts as descending. Where equal keys have
+// to stay in order, none descend.
+Run FindRun(const KeyRange& all, std::size_t first, bool keepsOrder) noexcept {
     std::size_t end = first + 1;
     while (end < all.count && !IsLess(all.keys[end], all.keys[end - 1])) ++end;
     if (end > first + 1) return {end, false};
 
-    while (end < all.count && !IsLess(all.keys[end - 1], all.keys[end])) ++end;
+    if (keepsOrder)
+        while (end < all.count && IsLess(all.keys[end], all.keys[end - 1])) ++end;
+    else
+        while (end < all.count && !IsLess(all.keys[end - 1], all.keys[end])) ++end;
     return {end, true};
 }
 
@@ -179,21 +187,13 @@ void MergeRuns(const KeyRange& range, std::size_t split, std::span<std::int32_t>
     RunMerge(range.Part(begin, end), split - begin, buffer, order).Run();
 }
 
-}  // namespace
-
-bool SortOneRun(const KeyRange& range) noexcept {
-    const Run run = FindRun(range, 0);
-    if (run.end < range.count) return false;
-    if (run.isDescending) Reverse(range);
-    return true;
-}
-
-bool SortLongRuns(const KeyRange& all, std::span<std::int32_t> block) noexcept {
+// Sorts `all` where it consists of a few long runs, and says whether it did.
+bool SortRuns(const KeyRange& all, std::span<std::int32_t> block, bool keepsOrder) noexcept {
     std::array<std::size_t, kMostRuns> ends{};
     std::size_t runs = 0;
     for (std::size_t begin = 0; begin < all.count; ++runs) {
         if (runs == kMostRuns) return false;
-        const Run run = FindRun(all, begin);
+        const Run run = FindRun(all, begin, keepsOrder);
         if ((run.end - begin) * kLeastShare < all.count) return false;
         if (run.isDescending) Reverse(all.Part(begin, run.end));
         ends[runs] = run.end;
@@ -202,6 +202,26 @@ bool SortLongRuns(const KeyRange& all, std::span<std::int32_t> block) noexcept {
     for (std::size_t run = 1; run < runs; ++run)
         MergeRuns(all.Part(0, ends[run]), ends[run - 1], block);
     return true;
+}
+
+}  // namespace
+
+bool SortOneRun(const KeyRange& range) noexcept {
+    const Run run = FindRun(range, 0, false);
+    if (run.end < range.count) return false;
+    if (run.isDescending) Reverse(range);
+    return true;
+}
+
+bool SortLongRuns(const KeyRange& all, std::span<std::int32_t> block) noexcept {
+    return SortRuns(all, block, false);
+}
+
+bool SortShortRuns(const KeyRange& range) noexcept {
+    if (range.count < kFewestKeys) return false;
+    std::array<std::int32_t, 1024> block;
+    TakeForWritten(block);
+    return SortRuns(range, block, true);
 }
 
 }  // namespace corvale::internal

@@ -11,7 +11,7 @@ namespace corvale::Sorting {
 // Which keys are sorted in which way. The first line that fits decides; docs/sorting.md has a picture.
 //
 //     all keys      up to 16                                   ranked against each other    FewKeys
-//                   up to 4 runs, each a sixteenth and more    merged                       KeyRuns
+//                   64 and more, up to 4 runs, each a sixteenth  merged                     KeyRuns
 //                   ascending but for one in sixteen           the others apart, merged     Strays
 //     a range       up to 256, one run                         as it is, or reversed        KeyRuns
 //                   up to 256                                  by words of seven bytes      ShortRanges
@@ -28,7 +28,8 @@ void QuickSortIterative(std::int32_t n, Key* keys, std::int64_t* companion) noex
     internal::RangeStack pending(all.count);
     if (all.count <= internal::kRanked) return internal::SortFewKeys(all);
     const bool isLong = all.count > internal::kShortRange;
-    if (isLong && internal::SortLongRuns(all, pending.Block())) return;
+    if (isLong ? internal::SortLongRuns(all, pending.Block()) : internal::SortShortRuns(all))
+        return;
 
     const std::size_t kept = isLong ? internal::SetStraysAside(all, pending.Block()) : 0;
     pending.Push(kept, all.count);

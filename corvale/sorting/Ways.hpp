@@ -37,6 +37,9 @@ struct Difference {
 /// the first short run. `block` is memory to work in, an element for each key.
 [[nodiscard]] bool SortLongRuns(const KeyRange& all, std::span<std::int32_t> block) noexcept;
 
+/// KeyRuns.cpp: the same for up to 256 keys, from 64 on. Equal keys keep their order.
+[[nodiscard]] bool SortShortRuns(const KeyRange& range) noexcept;
+
 /// Strays.cpp: keys that ascend but for a few strays, as in a sorted list that was changed here and
 /// there. Where all but one in sixteen ascend, moves the others to the end and returns how many ascend
 /// before them. Otherwise returns 0 and has changed nothing; that is seen early where strays are dense.
