@@ -20,7 +20,7 @@ namespace corvale::internal {
 
 // Steps made on their own columns at once, and steps that are taken to all other columns together.
 constexpr std::size_t kInnerSteps = 8;
-constexpr std::size_t kOuterSteps = 48;
+constexpr std::size_t kOuterSteps = 32;
 // Columns that are taken through a group of steps together: their t stay in the second-level cache.
 constexpr std::size_t kColumns = 512;
 
