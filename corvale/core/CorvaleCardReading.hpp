@@ -19,7 +19,7 @@
 // Loading only ever raises modes and overwrites elements: several files, or one file twice,
 // accumulate.
 //
-// Bad input  every mode is stored as it is; for the rest see below
+// Bad input  every mode is stored as it is
 // Threads    modes are read and written whole from any thread; everything that touches MoicArr or
 //            loads a file is for its callers to serialise, in the whole process
 // Exactness  the numbers of cards are correctly rounded to nearest, ties to even, in every locale

@@ -2,7 +2,11 @@
 """Prints a file as Doxygen reads it (its INPUT_FILTER). The files themselves stay plain.
 
     filter.py HEADER.hpp   comments with labelled lines become Doxygen comments
-    filter.py PAGE.md      "@labels Threads" becomes a table of what every function says about them
+    filter.py PAGE.md      "@labels Threads" becomes a table of what every function says about them,
+                           "@procedures" a list of all procedures by their headers
+
+What the head of a header says for all of it is repeated with each of its functions, which stand on the
+page of their namespace.
 """
 import html
 import re
@@ -12,6 +16,7 @@ import headers
 
 CAMEL = r"\b[A-Z]+[a-z]+\w*[A-Z]\w*\b"  # a name that is no word of English
 SAYS_NOTHING = {"Exactness": "moves characters, integers or stored reals: nothing is computed in reals"}
+SHARED = ("Units", "Width", "Shape", "Bad input", "Aliasing", "Threads", "Exactness", "Source")  # in this order
 
 
 def link(name, own=""):
@@ -54,10 +59,22 @@ def section(block, declaration):
     return [f"@par {prose(block.term)}", prose(block.words(), own)]
 
 
-def converted(comment, language, declaration=None):
+def with_shared(blocks, shared):
+    """A function's blocks with the labels that it leaves to the head of its header; "as above" is what stands there."""
+    own = {block.term: block for block in blocks if block.kind == "label"}
+    told = [block for block in blocks if block.term not in SHARED]
+    for term in SHARED:
+        block = own.get(term) or shared.get(term)
+        if block and block.words().startswith("as above"):
+            block = block._replace(lines=[shared[term].words() + block.words().removeprefix("as above")])
+        told += [block] if block else []
+    return told
+
+
+def converted(comment, language, declaration=None, shared=None):
     """The lines of a comment in Doxygen's words."""
     lines = []
-    for block in headers.blocks(comment):
+    for block in with_shared(headers.blocks(comment), shared) if shared else headers.blocks(comment):
         if block.kind == "code":
             lines += [f"@code{{.{language}}}", *block.lines, "@endcode", ""]
         elif block.kind == "text":
@@ -67,7 +84,7 @@ def converted(comment, language, declaration=None):
     return "\n".join(("/// " + line).rstrip() for line in lines) + "\n"
 
 
-def header(text, language):
+def header(text, language, path):
     opening, rest = headers.head(text)
     told = converted(opening, language)
     printed = ["/// @file\n" + told]
@@ -78,12 +95,16 @@ def header(text, language):
         if re.fullmatch(r"CORVALE_[A-Z]+", macro.term):
             printed.append(f"\n/// @def {macro.term}\n/// {prose(macro.words())}\n")
     printed.append("\n")
+    shared = {block.term: block for block in headers.blocks(opening) if block.kind == "label"}
     for piece in headers.split(rest):
         if isinstance(piece, str):
             plain = re.sub(r"^static_assert.*\n", "", piece, flags=re.M)
             printed.append(re.sub(r"^(#define .*?) /\* (.*) \*/$", r"\1 /**< \2 */", plain, flags=re.M))
         else:
-            printed.append(converted(piece.comment, language, piece))
+            is_function = language == "cpp" and re.search(r"CORVALE_API [^(]*\(", piece.code)
+            told = converted(piece.comment, language, piece, shared if is_function else None)
+            place = re.search(r"[^/]*$", path)[0], path[path.rindex("corvale/"):]
+            printed.append(told + ('/// @par Header\n/// \\ref {} "{}"\n'.format(*place) if is_function else ""))
     return "".join(printed)
 
 
@@ -95,7 +116,34 @@ def labels_table(label):
             yield f"| {', '.join(link(function) for function in functions)} | {said} |".replace("||", "\\|\\|")
 
 
+def beginning(words):
+    """The first sentence, or what stands before its colon."""
+    return re.match(r".*?[.:](?= |$)|.*", words)[0].rstrip(".:")
+
+
+def procedures_of(rest):
+    """{name: what it does} of a header's code; a comment may stand behind the declaration."""
+    behind = re.findall(r"CORVALE_API [^/\n]*?(\w+)\([^/\n]*;\s*///< (.*)$", rest, re.M)
+    before = [(piece.name, headers.blocks(piece.comment)[0].words()) for piece in headers.split(rest)
+              if isinstance(piece, headers.Declaration) and re.search(r"CORVALE_API [^(]*\(", piece.code)]
+    return {name: beginning(words) for name, words in before + behind}
+
+
+def procedures():
+    """Every procedure with the beginning of its comment, by header."""
+    for name in headers.installed():
+        opening, rest = headers.head((headers.TOP / "corvale" / name).read_text())
+        found = procedures_of(rest)
+        if found:
+            file = name.rpartition("/")[2]
+            yield (f"\n## {beginning(headers.blocks(opening)[0].words())} {{#procedures_{file.partition('.')[0]}}}"
+                   f"\n\n\\ref {file} \"corvale/{name}\"\n\n| procedure | what it does |\n|---|---|")
+        for procedure, words in found.items():
+            yield f"| {link(procedure)} | {prose(words, procedure)} |".replace("||", "\\|\\|")
+
+
 def page(text):
+    text = re.sub("^@procedures$", lambda _: "\n".join(procedures()), text, flags=re.M)
     text = re.sub(r"^(?! {4}).*", lambda line: re.sub("`([^`]+)`", quoted_in_page, line[0]), text, flags=re.M)
     text = re.sub(r"\]\(\.\./([\w-]+\.svg)\)", r"](\1)", text)  # pictures are found by their names
     return re.sub(r"^@labels (\w+)$", lambda label: "\n".join(labels_table(label[1])), text, flags=re.M)
@@ -116,7 +164,7 @@ def main(path):
     if path.endswith(".md"):
         text = page(text)
     elif path.endswith((".h", ".hpp")):
-        text = header(text, "c" if path.endswith(".h") else "cpp")
+        text = header(text, "c" if path.endswith(".h") else "cpp", path)
     sys.stdout.write(text)
 
 

@@ -7,6 +7,7 @@ from __future__ import annotations
 
 import ast
 import pathlib
+import re
 import runpy
 import subprocess
 import sys
@@ -190,6 +191,11 @@ class EveryProcedure(unittest.TestCase):
         made = runpy.run_path(str(HERE.parent / "arrays/make_stubs.py"))["stub"]()
         text = pathlib.Path(_arrays.__file__).with_name("_arrays.pyi").read_text()
         self.assertEqual(made, text, "make it again: arrays/make_stubs.py")
+        page = runpy.run_path(str(HERE.parent / "arrays/make_reference.py"))["reference"]()
+        told = (HERE.parents[2] / "docs/python-reference.md").read_text()
+        self.assertEqual(page, told, "make it again: arrays/make_reference.py")
+        self.assertEqual({name for name in vars(corvale) if callable(getattr(corvale, name))},
+                         set(re.findall(r"{#python_(?!topic_|reference|capi)(\w+)}", told)))
         for node in ast.parse(text).body:
             if isinstance(node, ast.FunctionDef):
                 head, *rest = getattr(corvale, node.name).__doc__.splitlines()

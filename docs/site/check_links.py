@@ -24,9 +24,9 @@ class Page(html.parser.HTMLParser):
         self.places.update(values[name] for name in ("id", "name") if values.get(name))
 
 
-def links_of_menu(path):
-    """The links in the data that the menu and the tree are made from."""
-    return re.findall(r'"([\w.]+\.html(?:#\w+)?)"', path.read_text(encoding="utf-8"))
+def links_of_search(path):
+    """The sections that the search leads to."""
+    return re.findall(r'"url": "([^"]+)"', path.read_text(encoding="utf-8"))
 
 
 def is_dead(link, page, folder, pages):
@@ -42,7 +42,7 @@ def is_dead(link, page, folder, pages):
 def main(folder):
     pages = {path: Page(path) for path in folder.rglob("*.html")}
     links = [(path, link) for path, page in pages.items() for link in page.links]
-    links += [(path, link) for path in folder.glob("*.js") for link in links_of_menu(path)]
+    links += [(folder / "sections.js", link) for link in links_of_search(folder / "sections.js")]
     dead = [f"{path.name}: {link}" for path, link in links if is_dead(link, path, folder, pages)]
     print("\n".join(dead) if dead else f"{len(pages)} pages, {len(links)} links, none dead")
     return 1 if dead or not pages else 0
