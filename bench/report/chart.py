@@ -1,16 +1,16 @@
-"""Two kinds of charts as SVG, readable on white and on black: times of peers as dots in rows, and
-times against sizes as lines. Axes of time are logarithmic."""
+"""Two kinds of charts as SVG, readable on white, on black and on a phone, whose width they fit: times of
+peers as dots in rows, and times against sizes as lines. Axes of time are logarithmic."""
 import html
 import math
 
 # Middle tones. The first is Corvale's.
 COLOURS = ["#e0463c", "#2f86d6", "#2f9e58", "#a865c9", "#c98a1b", "#13a0a8", "#8c8c8c", "#d0569a",
            "#5f7d2e", "#6c7bd9", "#b3653a", "#4f9fbf", "#777777"]
+WIDTH = 440  # a phone shows nearly all of it: a letter stays ten pixels high
 STYLE = """<style>
 :root { color-scheme: light dark; }
-text { font: 12px sans-serif; fill: #222; }
+text { font: 13px sans-serif; fill: #222; }
 .title { font-weight: bold; }
-.small { font-size: 9px; }
 .grid { stroke: #888; stroke-opacity: .3; fill: none; }
 @media (prefers-color-scheme: dark) { text { fill: #ddd; } }
 </style>"""
@@ -37,32 +37,34 @@ class Axis:
         share = math.log(value / self.low) / math.log(self.high / self.low)
         return self.start + share * self.length
 
-    def powers(self):
+    def ticks(self):
+        """Powers of ten, or of more steps between them where there are less than three."""
         first, last = (math.log10(limit) for limit in (self.low, self.high))
-        ticks = [10.0 ** power for power in range(math.ceil(first), math.floor(last) + 1)]
-        if len(ticks) < 3:
-            steps = [m * 10.0 ** p for p in range(math.floor(first), math.ceil(last)) for m in (1, 2, 5)]
-            ticks = [step for step in steps if self.low <= step <= self.high]
-        return ticks
+        for steps in ([1], [1, 3], [1, 2, 5], range(1, 10)):
+            found = [step * 10.0 ** power for power in range(math.floor(first), math.ceil(last)) for step in (*steps, 10)]
+            found = sorted({tick for tick in found if self.low <= tick <= self.high})
+            if len(found) >= 3:
+                break
+        return found
 
 
 def text(x, y, words, anchor="start", more=""):
     return f'<text x="{x:.1f}" y="{y:.1f}" text-anchor="{anchor}"{more}>{html.escape(str(words))}</text>'
 
 
-def frame(width, height, title, body):
+def frame(height, title, body):
     return "\n".join([
-        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width:.0f} {height:.0f}" role="img">',
+        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {height:.0f}" role="img">',
         f"<title>{html.escape(title)}</title>", STYLE, *body, "</svg>"]) + "\n"
 
 
-def legend(names, left, y, right):
-    """Coloured dots and names in lines from `left` to `right`; the last line's place comes along."""
-    x, lines = left, []
+def legend(names, y):
+    """Coloured dots and names in lines across the chart; the last line's place comes along."""
+    x, lines = 10, []
     for name, colour in names:
-        width = 34 + 7.2 * len(name)
-        if x + width > right and x > left:
-            x, y = left, y + 18
+        width = 30 + 7 * len(name)
+        if x + width > WIDTH and x > 10:
+            x, y = 10, y + 20
         lines += [f'<circle cx="{x + 6}" cy="{y - 4}" r="4.5" fill="{colour}"/>', text(x + 15, y, name)]
         x += width
     return lines, y
@@ -73,28 +75,27 @@ def colours_of(peers):
 
 
 def dots(title, rows, peers, note="time, logarithmic: left is faster"):
-    """Rows of (label, {peer: nanoseconds}); the peers in the order of their colours."""
-    width, left, top, step = 860, 190, 64, 26
+    """Rows of (label, {peer: nanoseconds}), each label above its line; the peers in the order of their colours."""
+    left, right, step = 14, WIDTH - 14, 38
     colours = colours_of(peers)
-    axis = Axis([time for _, times in rows for time in times.values()], left, width - left - 30)
+    axis = Axis([time for _, times in rows for time in times.values()], left, right - left)
+    keys, top = legend(list(colours.items()), 44)
+    top += 12
     bottom = top + step * len(rows)
-    keys, key_bottom = legend(list(colours.items()), left, 44, width - 10)
-    shift = key_bottom - 44
-    body = [text(10, 22, title, more=' class="title"'), *keys, f'<g transform="translate(0 {shift})">']
-    for tick in axis.powers():
+    body = [text(10, 20, title, more=' class="title"'), *keys]
+    for tick in axis.ticks():
         x = axis.place(tick)
         body += [f'<path class="grid" d="M{x:.1f} {top}V{bottom}"/>',
-                 text(x, bottom + 16, show_time(tick, 1), "middle")]
+                 text(x, bottom + 17, show_time(tick, 1), "middle")]
     for index, (label, times) in enumerate(rows):
-        y = top + step * (index + 0.5)
-        body += [text(left - 10, y + 4, label, "end"),
-                 f'<path class="grid" d="M{left} {y:.1f}H{width - 30}"/>']
+        y = top + step * index + 28
+        body += [text(left - 4, y - 11, label), f'<path class="grid" d="M{left} {y}H{right}"/>']
         for peer in reversed([name for name in peers if name in times]):
             radius = 6 if peer == peers[0] else 4.5
-            body.append(f'<circle cx="{axis.place(times[peer]):.1f}" cy="{y:.1f}" r="{radius}" '
+            body.append(f'<circle cx="{axis.place(times[peer]):.1f}" cy="{y}" r="{radius}" '
                         f'fill="{colours[peer]}"/>')
-    body += [text((left + width - 30) / 2, bottom + 36, note, "middle"), "</g>"]
-    return frame(width, bottom + 48 + shift, title, body)
+    body += [text(WIDTH / 2, bottom + 38, note, "middle")]
+    return frame(bottom + 48, title, body)
 
 
 def end_names(curves, colours, right, height_of):
@@ -102,8 +103,8 @@ def end_names(curves, colours, right, height_of):
     ends = [(height_of(sizes[max(sizes)]), name) for name, sizes in curves.items() if sizes]
     y = -math.inf
     for end, name in sorted(ends):
-        y = max(y + 15, end + 4)
-        yield text(right + 8, y, name, more=f' style="fill:{colours[name]}"')
+        y = max(y + 16, end + 4)
+        yield text(right + 6, y, name, more=f' style="fill:{colours[name]}"')
 
 
 def panel(title, curves, colours, place, ranges, show_size, has_names):
@@ -112,11 +113,11 @@ def panel(title, curves, colours, place, ranges, show_size, has_names):
     across = Axis(ranges[0], left, width, 1.25)
     up = Axis(ranges[1], top + height, -height, 1.25)
     yield text(left + width / 2, top - 12, title, "middle", ' class="title"')
-    for tick in across.powers():
+    for tick in across.ticks():
         x = across.place(tick)
         yield f'<path class="grid" d="M{x:.1f} {top}v{height}"/>'
         yield text(x, top + height + 17, show_size(tick), "middle")
-    for tick in up.powers():
+    for tick in up.ticks():
         y = up.place(tick)
         yield f'<path class="grid" d="M{left} {y:.1f}h{width}"/>'
         yield text(left - 6, y + 4, show_time(tick, 1), "end")
@@ -131,22 +132,20 @@ def panel(title, curves, colours, place, ranges, show_size, has_names):
 
 
 def lines(title, panels, size_name, show_size=lambda size: f"{size:,.0f}"):
-    """Diagrams side by side with the same axes: panels of (title, {name: {size: nanoseconds}}). The names
-    stand below them, those of a single diagram beside their lines."""
-    margin, height, top = 66, 360, 48
+    """Diagrams one below the other with the same axes: panels of (title, {name: {size: nanoseconds}}). The
+    names stand below them, those of a single diagram beside their lines."""
+    left, height, top = 58, 300, 34
     is_single = len(panels) == 1
-    width = 640 if is_single else 400
-    names = list(dict.fromkeys(name for _, curves in panels for name in curves))
-    colours = colours_of(names)
+    width = WIDTH - left - (120 if is_single else 14)
+    colours = colours_of(dict.fromkeys(name for _, curves in panels for name in curves))
     points = [point for _, curves in panels for sizes in curves.values() for point in sizes.items()]
     ranges = [[size for size, _ in points], [time for _, time in points]]
     body = []
-    for index, (panel_title, curves) in enumerate(panels):
-        place = (margin + index * (width + margin), top, width, height)
-        body += panel(panel_title, curves, colours, place, ranges, show_size, is_single)
-    total = len(panels) * (width + margin) + (140 if is_single else 20)
-    body.append(text(margin + (total - 2 * margin) / 2, top + height + 40, size_name, "middle"))
+    for panel_title, curves in panels:
+        body += panel(panel_title, curves, colours, (left, top, width, height), ranges, show_size, is_single)
+        top += height + 58
+    body.append(text(left + width / 2, top - 20, size_name, "middle"))
     if is_single:
-        return frame(total, top + height + 54, title, body)
-    keys, bottom = legend(list(colours.items()), margin, top + height + 66, total - 10)
-    return frame(total, bottom + 14, title, body + keys)
+        return frame(top - 8, title, body)
+    keys, bottom = legend(list(colours.items()), top + 6)
+    return frame(bottom + 14, title, body + keys)

@@ -16,13 +16,17 @@ import chart
 from results import Results, exponent
 from workloads import GROWTH, PATTERNS, SECTIONS, SUMMARY
 
-SUMMARY_HEAD = """# Benchmarks {#benchmarks}
+SUMMARY_HEAD = """# Benchmarks {{#benchmarks}}
 
-Corvale beside the fastest peer of each workload, in one run on one core. A ratio is the peer's time over Corvale's in the same
-repetition, with the smallest and the greatest of the repetitions: above 1 Corvale is faster. The limit is the time of what no
-program can do without on this machine; beside it stands how many times that Corvale takes. A workload in **bold** misses a goal;
-the last section says by how much. [All figures](benchmark-figures.md): every peer and size, how cost grows, size and start,
-allocations. `scripts/bench.sh` measures and writes both pages.
+Corvale beside the fastest peer of each workload, in one run on one core: {met} of {goals} goals are met,
+[what was missed](#benchmarks_missed) stands at the end. `scripts/bench.sh` measures it all and writes this page and
+[all figures](benchmark-figures.md): every peer and size, how cost grows, size and start, allocations.
+"""
+READING = """## Workload by workload {#benchmarks_workloads}
+
+A ratio is the peer's time over Corvale's in the same repetition, with the smallest and the greatest of the repetitions: above 1
+Corvale is faster. The limit is the time of what no program can do without on this machine; beside it stands how many times that
+Corvale takes. A workload in **bold** misses a goal.
 """
 FIGURES_HEAD = """# Benchmark figures {#benchmark_figures}
 
@@ -44,13 +48,13 @@ METHOD = """## Method {#figures_method}
     scripts/bench.sh --quick    does everything build, run and agree? Two minutes; its figures say nothing
     scripts/bench.sh --page     writes the pages again from the last run
 """
-CHARTS = {  # section -> chart and what it says
-    "Card files": ("card-times.svg", "Time to load a card file, beside other programs"),
-    "Numbers out of text": ("number-times.svg", "Time to read and to write a number or a row, beside other libraries"),
-    "Texts of 512 characters": ("text-times.svg", "Time of the small text operations"),
-    "Matrices": ("matrix-times.svg", "Time of the matrix procedures against the order of the matrix"),
-    "Sorting": ("sort-times.svg", "Time to sort a key against the number of keys"),
-    "Log lines": ("log-times.svg", "Time to log a line, beside other libraries"),
+CHARTS = {  # in the order of the page, with what each says
+    "card-times.svg": "Time to load a card file, beside other programs",
+    "log-times.svg": "Time to log a line, beside other libraries",
+    "number-times.svg": "Time to read and to write a number or a row, beside other libraries",
+    "text-times.svg": "Time of the small text operations",
+    "matrix-times.svg": "Time of the matrix procedures against the order of the matrix",
+    "sort-times.svg": "Time to sort a key against the number of keys",
 }
 
 
@@ -228,10 +232,7 @@ Blocks of memory that a call takes, counted at `malloc` for the whole process. W
                 and (not section.sizes or row.size in section.sizes)]
         if not rows:
             return
-        yield f"## {section.title} {{#{anchor('benchmarks', section.title)}}}\n\n{section.note}\n"
-        if section.title in CHARTS:
-            name, words = CHARTS[section.title]
-            yield f"![{words}](charts/{name})\n"
+        yield f"### {section.title} {{#{anchor('benchmarks', section.title)}}}\n\n{section.note}\n"
         yield f"| {section.item} | Corvale | fastest peer | ratio | limit | times the limit |\n|---|---|---|---|---|---|"
         for row in rows:
             own = self.results.median(row.topic, row.own, row.size)
@@ -245,10 +246,11 @@ Blocks of memory that a call takes, counted at `malloc` for the whole process. W
 
     def goals(self):
         yield "## What was missed {#benchmarks_missed}\n"
-        yield f"Goals met: {self.met} of {self.met + sum(len(lines) for lines in self.missed.values())}."
         if self.missed:
-            yield "Missed, with the figure and what it should be:\n"
+            yield "With the figure and what it should be:\n"
             yield from (f"- {workload}: {'; '.join(lines)}" for workload, lines in self.missed.items())
+        else:
+            yield "Nothing."
         yield ""
 
     def conditions(self):
@@ -265,7 +267,10 @@ Blocks of memory that a call takes, counted at `malloc` for the whole process. W
     def summary(self):
         """After figures(), which counts what was met."""
         body = [line for section in SECTIONS for line in self.short_section(section)]
-        return [SUMMARY_HEAD, *self.conditions(), *body, *self.goals()]
+        pictures = [f"![{words}](charts/{name})\n" for name, words in CHARTS.items()]
+        head = SUMMARY_HEAD.format(met=self.met, goals=self.met + sum(len(lines) for lines in self.missed.values()))
+        return [head, *readme_table(self.results), "", *self.conditions(), "## Charts {#benchmarks_charts}\n", *pictures,
+                READING, *body, *self.goals()]
 
 
 def cell(time, figure):
@@ -328,7 +333,7 @@ def sort_chart(results):
     curves["pdqsort, Random"] = {n: min(results.median("Random", peer, n) for peer in PDQSORTS) for n in sizes}
     return chart.lines("Time to sort a key", [("QuickSortIterative: time a key", curves)],
                        "keys (a level line: time in proportion to their number)",
-                       lambda n: f"{n:,.0f}")
+                       lambda n: f"{n:.0f}" if n < 1e3 else f"{n / 1e3:.0f}k" if n < 1e6 else f"{n / 1e6:.0f}M")
 
 
 def charts(results):

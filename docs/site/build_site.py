@@ -131,6 +131,9 @@ def mend(body):
         replace(table, wide)
         table.tail = None
         wide.append(table)
+    for cell in body.xpath(".//td"):
+        if re.fullmatch(r"\d[^a-zA-Z]{0,25}([nµm]?s|KiB)?[^a-zA-Z]{0,25}", cell.text_content().strip()):
+            cell.set("class", "figure")
     for picture in body.xpath(".//object"):
         words = picture.getparent().xpath(f'./div[{has_class("caption")}]')
         replace(picture, element(f'<img src="{picture.get("data")}" alt="{words[0].text_content().strip() if words else ""}">'))
@@ -173,9 +176,8 @@ class Page:
     def sections(self):
         """What the search reads: each heading with the words below it. Figures of tables are left out."""
         body = copy.deepcopy(self.body)
-        for cell in body.xpath(".//td"):
-            if re.match(r"[\d.,\s–()%-]+(ns|µs|ms|s)?\b", cell.text_content().strip()):
-                cell.clear()
+        for cell in body.xpath('.//td[@class="figure"]'):
+            cell.clear()
         for heading in body.xpath(".//h2[@id] | .//h3[@id]"):
             heading.text, heading[:] = f"\ue000{heading.get('id')}\ue000{heading.text_content().strip()}\ue000", []
         for part in body.iter():
