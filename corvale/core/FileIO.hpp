@@ -17,13 +17,13 @@
 // Power cut        may lose lines: the system keeps them in memory for some seconds. Who needs them
 //                  safe opens the log on a file system that is mounted with "sync"
 // Several threads  lines of all threads are whole
-// Several          may share a log: their lines are whole, in a file of any length, in a pipe up to
-// processes        4,096 bytes with the line end, and none is written over; each process that opens
+// Other processes  may share a log: their lines are whole, in a file of any length, in a pipe up to
+//                  4,096 bytes with the line end, and none is written over; each process that opens
 //                  the log by OpenLogFile empties it. Behind a part of a line that another process
 //                  has left (killed, or out of space) a line begins on the same line
-// Full disk, limit lose lines, without an error: later lines are written again once they can be, on
-// of a file        lines of their own. A process that limits file sizes at or below the size of its
-//                  open log must ignore SIGXFSZ itself
+// Full disk        or the limit of a file's size: loses lines, without an error; later lines are
+//                  written again once they can be, on lines of their own. A process that limits
+//                  file sizes at or below the size of its open log must ignore SIGXFSZ itself
 // Paused reader    of a pipe, or a stopped terminal: the call waits, as long as somebody reads
 // Reader gone      loses lines, without an error and without SIGPIPE, until another one has come
 // Removed log      goes on taking lines

@@ -150,11 +150,11 @@ def page(text):
 
 
 def quoted_in_page(quoted):
-    """A name of the library becomes a link; Doxygen takes an apostrophe for the end of quoted code."""
+    """A name of the library becomes a link; Doxygen takes an apostrophe for the end of quoted code, and -- for a dash."""
     if quoted[1] in headers.declared():
         return link(quoted[1])
     if "'" in quoted[1]:
-        return f"<tt>{html.escape(quoted[1]).replace('&#x27;', '&apos;')}</tt>"
+        return f"<tt>{html.escape(quoted[1]).replace('&#x27;', '&apos;').replace('--', '&#45;&#45;')}</tt>"
     return quoted[0]
 
 

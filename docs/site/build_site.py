@@ -41,8 +41,11 @@ def plain_code(fragment):
     pre = element('<pre class="code"></pre>')
     for hidden in fragment.xpath(f'.//*[{has_class("ttc")}] | .//a[@name] | .//span[{has_class("lineno")}]'):
         hidden.drop_tree()
-    for line in fragment.xpath(f'./div[{has_class("line")}]'):
-        line.tail = "\n"
+    lines = fragment.xpath(f'./div[{has_class("line")}]')
+    texts = [line.text_content() for line in lines if line.text_content().strip()]
+    indent = min((len(text) - len(text.lstrip(" ")) for text in texts), default=0)
+    for line in lines:
+        line.text, line.tail = (line.text or "")[indent:], "\n"
         pre.append(line)
         line.drop_tag()
     replace(fragment, pre)
@@ -99,13 +102,16 @@ def short_list(table):
     if heading:
         heading[0].tail = None
         table.addprevious(heading[0])
+    if any(len(cell.text_content()) > 45 for cell in found.xpath(".//td[@class]")):
+        found.set("class", "members long")
     replace(table, found)
 
 
 def mend(body):
     """Doxygen's content as plain elements."""
-    for link in body.xpath(f'.//a[text()="More..."] | .//span[{has_class("permalink")}]'):
-        link.drop_tree()
+    for useless in body.xpath(f'.//a[text()="More..."] | .//span[{has_class("permalink")}] | '
+                              f'.//div[{has_class("compoundTemplParams")}]'):
+        useless.drop_tree()
     for details in body.xpath('./a[@id="details"]'):
         if details.getnext() is not None and details.getnext().tag == "h2":
             details.getnext().drop_tree()
@@ -131,6 +137,9 @@ def mend(body):
         replace(table, wide)
         table.tail = None
         wide.append(table)
+    for word in body.xpath(".//code | .//tt"):
+        if len(word.text_content()) <= 32:
+            word.set("class", "word")
     for cell in body.xpath(".//td"):
         if re.fullmatch(r"\d[^a-zA-Z]{0,25}([nµm]?s|KiB)?[^a-zA-Z]{0,25}", cell.text_content().strip()):
             cell.set("class", "figure")
@@ -150,6 +159,8 @@ def take_place(heading):
         anchor.drop_tag()
         anchor.attrib.clear()
     heading.text = (heading.text or "").lstrip()
+    if not heading.get("id"):
+        heading.set("id", re.sub(r"\W+", "-", heading.text_content().strip().lower()))
 
 
 def drop_dead(body, files):
@@ -191,7 +202,7 @@ class Page:
 def read(path, entry=None):
     document = lxml.html.parse(str(path), lxml.html.HTMLParser(encoding="utf-8")).getroot()
     title = document.xpath(f'string(//div[{has_class("title")}])').strip()
-    title = re.sub(r" (?:Namespace|File|Class|Struct) Reference$", "", title)
+    title = re.sub(r"(?:<.*>| (?:Namespace|File|Class|Struct) Reference)$", "", title)
     body = document.xpath(f'//div[{has_class("contents")}]')[0]
     body.attrib.clear()
     mend(body)
