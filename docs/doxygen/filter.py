@@ -154,7 +154,8 @@ def quoted_in_page(quoted):
     if quoted[1] in headers.declared():
         return link(quoted[1])
     if "'" in quoted[1]:
-        return f"<tt>{html.escape(quoted[1]).replace('&#x27;', '&apos;').replace('--', '&#45;&#45;')}</tt>"
+        code = html.escape(quoted[1]).replace("&#x27;", "&apos;").replace("--", "\\--")
+        return f"<tt>{code}</tt>"
     return quoted[0]
 
 

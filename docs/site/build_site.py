@@ -137,9 +137,8 @@ def mend(body):
         replace(table, wide)
         table.tail = None
         wide.append(table)
-    for word in body.xpath(".//code | .//tt"):
-        if len(word.text_content()) <= 32:
-            word.set("class", "word")
+    for code in body.xpath(".//code | .//tt"):
+        whole_words(code)
     for cell in body.xpath(".//td"):
         if re.fullmatch(r"\d[^a-zA-Z]{0,25}([nµm]?s|KiB)?[^a-zA-Z]{0,25}", cell.text_content().strip()):
             cell.set("class", "figure")
@@ -148,6 +147,21 @@ def mend(body):
         replace(picture, element(f'<img src="{picture.get("data")}" alt="{words[0].text_content().strip() if words else ""}">'))
     for heading in body.xpath(".//h2 | .//h3 | .//h4"):
         take_place(heading)
+
+
+def whole_words(code):
+    """Lets code be broken at its blanks alone, not at hyphens and slashes."""
+    words = code.text_content().split(" ")
+    if max(map(len, words)) > 40:
+        return
+    if len(words) == 1 or len(code):
+        code.set("class", "word")
+        return
+    code.text = None
+    for word in words:
+        code.append(element(f'<span class="word">{html.escape(word)}</span>'))
+        code[-1].tail = " "
+    code[-1].tail = None
 
 
 def take_place(heading):
