@@ -7,7 +7,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 cd "$top"
 
 echo "docs.sh: runs the guide's first programs and builds the site in build/site"
-need "${build_packages[@]}" doxygen python3 python3-lxml pkg-config gfortran
+need "${build_packages[@]}" doxygen python3 python3-lxml chromium pkg-config gfortran
 command -v node >/dev/null || need nodejs
 command -v npm >/dev/null || need npm
 python3 -B tests/examples/check_guide.py .
@@ -38,3 +38,11 @@ cd "$top"
     build/site-modules/node_modules/minisearch/dist/umd/index.js
 python3 -B docs/site/check_links.py build/site
 node docs/site/check_search.mjs build/site
+
+# The page itself, opened as a file.
+profile=$(mktemp -d)
+trap 'rm -rf "$profile"' EXIT
+chromium --headless --no-sandbox --disable-gpu --user-data-dir="$profile" --virtual-time-budget=10000 \
+    --dump-dom "file://$top/build/site/index.html?q=sort+keys" 2>"$profile/log" >"$profile/page"
+grep -q 'id="found".*<a href="guide_sorting.html"' "$profile/page" || { cat "$profile"/{log,page}; exit 1; }
+echo 'search "sort keys" in Chromium: ok'

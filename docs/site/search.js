@@ -10,13 +10,13 @@ function makeIndex(MiniSearch, sections) {
         // NumToAlpha5 and num_to_alpha5 are found by their parts too.
         tokenize: (text) => text.split(/[^\p{L}\p{N}_]+/u).flatMap((word) => [
             word, ...(/[a-z][A-Z]|_/.test(word) ? word.split(/(?<=[a-z0-9])(?=[A-Z])|_/) : [])]).filter(Boolean),
-        processTerm: (term) => term.toLowerCase().replace(/(?<=..[^s])s$/, ""),
+        processTerm: (term) => term.toLowerCase().replace(/(?<=..[^s])s$|(?<=...)ing$/, ""),
     });
     index.addAll(sections.map((section, id) => ({ id, ...section })));
     return index;
 }
 
-const GROUPS = { "Guide": 1.5, "Evidence": 0.6 };
+const GROUPS = { "Guide": 2, "Evidence": 0.6 };
 
 /** The sections that hold all words, the best first. */
 function find(index, words) {

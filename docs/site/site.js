@@ -63,16 +63,14 @@ function element(name, text) {
 
 /** A piece of the text around the first word that was found, that word marked. */
 function excerpt(result) {
-    const shown = element("span", ""), places = result.terms.map((term) => result.text.toLowerCase().indexOf(term));
-    const at = Math.min(...places.filter((place) => place >= 0));
-    if (at === Infinity) {
+    const words = new RegExp(`(?<![\\p{L}\\p{N}])(?:${result.terms.join("|")})[\\p{L}\\p{N}_]*`, "iu").exec(result.text);
+    const shown = element("span", "");
+    if (!words) {
         shown.textContent = result.text.slice(0, 140);
         return shown;
     }
-    const from = at < 60 ? 0 : result.text.indexOf(" ", at - 60) + 1;
-    const word = result.text.slice(at).match(/^[\p{L}\p{N}_]+/u)?.[0] ?? "";
-    shown.append((from ? "… " : "") + result.text.slice(from, at), element("mark", word),
-        result.text.slice(at + word.length, at + 120));
+    const at = words.index, end = at + words[0].length, from = at < 60 ? 0 : result.text.indexOf(" ", at - 60) + 1;
+    shown.append((from ? "… " : "") + result.text.slice(from, at), element("mark", words[0]), result.text.slice(end, end + 110));
     return shown;
 }
 
