@@ -54,7 +54,8 @@ def text(x, y, words, anchor="start", more=""):
 
 def frame(height, title, body):
     return "\n".join([
-        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {height:.0f}" role="img">',
+        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {height:.0f}" width="{WIDTH}" '
+        f'height="{height:.0f}" role="img">',
         f"<title>{html.escape(title)}</title>", STYLE, *body, "</svg>"]) + "\n"
 
 
