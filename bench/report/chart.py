@@ -63,7 +63,7 @@ def legend(names, y):
     """Coloured dots and names in lines across the chart; the last line's place comes along."""
     x, lines = 10, []
     for name, colour in names:
-        width = 30 + 7 * len(name)
+        width = 31 + 7.4 * len(name)
         if x + width > WIDTH and x > 10:
             x, y = 10, y + 20
         lines += [f'<circle cx="{x + 6}" cy="{y - 4}" r="4.5" fill="{colour}"/>', text(x + 15, y, name)]
