@@ -31,6 +31,11 @@ for (const code of document.querySelectorAll("pre.code")) {
     block.append(code, button);
 }
 
+// What scrolls can be reached by keys.
+for (const box of document.querySelectorAll("pre, .wide")) {
+    if (box.scrollWidth > box.clientWidth) box.tabIndex = 0;
+}
+
 /** Into the clipboard; a page that was opened as a file may have to go through a selection. */
 async function copy(text) {
     if (navigator.clipboard) return navigator.clipboard.writeText(text);
@@ -111,7 +116,7 @@ field.addEventListener("keydown", (event) => {
 });
 document.getElementById("search").addEventListener("submit", async (event) => {
     event.preventDefault();
-    await show();
+    if (found.hidden || !index) await show();
     found.querySelectorAll("a")[Math.max(selected, 0)]?.click();
 });
 document.addEventListener("keydown", (event) => {
