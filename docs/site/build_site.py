@@ -2,7 +2,7 @@
 """Frames the pages that Doxygen made: the menu of docs/site/pages.txt, the contents of each page, the pages
 before and after it, and the text of every section for the search.
 
-    build_site.py DOXYGEN-FOLDER SITE-FOLDER VERSION MINISEARCH.js
+    build_site.py DOXYGEN-FOLDER SITE-FOLDER VERSION MINISEARCH-FOLDER
 """
 import copy
 import html
@@ -258,7 +258,7 @@ def show_turn(entries, pages, file):
 
 
 def main(doxygen, site, version, minisearch):
-    doxygen, site = pathlib.Path(doxygen), pathlib.Path(site)
+    doxygen, site, minisearch = pathlib.Path(doxygen), pathlib.Path(site), pathlib.Path(minisearch)
     shutil.rmtree(site, ignore_errors=True)
     site.mkdir(parents=True)
     entries, pages = menu.entries(), {}
@@ -285,7 +285,8 @@ def main(doxygen, site, version, minisearch):
     for file in [*HERE.glob("*.css"), *HERE.glob("*.js"), *doxygen.glob("*.svg")]:
         if file.name != "doxygen.svg":
             shutil.copy(file, site)
-    shutil.copy(minisearch, site / "minisearch.js")
+    shutil.copy(minisearch / "dist/umd/index.js", site / "minisearch.js")
+    shutil.copy(minisearch / "LICENSE.txt", site / "minisearch.txt")
 
 
 main(*sys.argv[1:])

@@ -56,7 +56,7 @@ def entry(name: str, call: Any) -> Iterator[str]:
     words = " ".join(line for line in lines if not LABEL.fullmatch(line)).strip()
     yield f"### {name} {{#python_{name}}}\n\n`{arguments}`\n\n{prose(words)}\n\n| | |\n|---|---|"
     for label in labels:
-        said = f"`{label[2].partition('::')[2]}`" if label[1] == "C++" else prose(label[2])
+        said = {"C++": f"`{label[2].partition('::')[2]}`", "Shapes": f"`{label[2]}`"}.get(label[1], prose(label[2]))
         yield f"| {label[1]} | {said} |"
     yield ""
 
