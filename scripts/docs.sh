@@ -35,7 +35,7 @@ if ! cmp -s package-lock.json installed.json; then
 fi
 cd "$top"
 /usr/bin/python3 -B docs/site/build_site.py build/doxygen build/site "$version" \
-    build/site-modules/node_modules/minisearch
+    build/site-modules/node_modules/minisearch/dist/umd/index.js
 python3 -B docs/site/check_links.py build/site
 node docs/site/check_search.mjs build/site
 

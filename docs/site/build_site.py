@@ -2,7 +2,7 @@
 """Frames the pages that Doxygen made: the menu of docs/site/pages.txt, the contents of each page, the pages
 before and after it, and the text of every section for the search.
 
-    build_site.py DOXYGEN-FOLDER SITE-FOLDER VERSION MINISEARCH-FOLDER
+    build_site.py DOXYGEN-FOLDER SITE-FOLDER VERSION MINISEARCH.js
 """
 import copy
 import html
@@ -285,8 +285,8 @@ def main(doxygen, site, version, minisearch):
     for file in [*HERE.glob("*.css"), *HERE.glob("*.js"), *doxygen.glob("*.svg")]:
         if file.name != "doxygen.svg":
             shutil.copy(file, site)
-    shutil.copy(minisearch / "dist/umd/index.js", site / "minisearch.js")
-    shutil.copy(minisearch / "LICENSE.txt", site / "minisearch.txt")
+    shutil.copy(minisearch, site / "minisearch.js")
+    shutil.copy(minisearch.parents[2] / "LICENSE.txt", site / "minisearch.txt")
 
 
 main(*sys.argv[1:])
