@@ -43,8 +43,9 @@ constexpr std::size_t kKeyBytes = sizeof(Key);
 }
 template <class T>
 [[nodiscard]] T* Choose(std::uint64_t isFirst, T* a, T* b) noexcept {
-    return reinterpret_cast<T*>(
-        Choose(isFirst, reinterpret_cast<std::uintptr_t>(a), reinterpret_cast<std::uintptr_t>(b)));
+    const auto chosen =
+        Choose(isFirst, reinterpret_cast<std::uintptr_t>(a), reinterpret_cast<std::uintptr_t>(b));
+    return reinterpret_cast<T*>(chosen);  // NOLINT(performance-no-int-to-ptr): the point of it
 }
 
 /// `count` keys and their companions; places count from 0.
