@@ -42,6 +42,7 @@ TEST(Views, HaveNoNegativeExtent) {
     EXPECT_EQ(MatrixView<double>(nullptr, -1, 3).Rows(), 0);
     EXPECT_EQ(MatrixView<double>(nullptr, 3, std::numeric_limits<int>::min()).Columns(), 0);
     EXPECT_EQ(MatrixView<double>().Rows(), 0);
+    EXPECT_EQ(MatrixView<double>().Columns(), 0);
     constexpr std::ptrdiff_t kFar = std::numeric_limits<std::ptrdiff_t>::max();
     double one = 4.0;  // a stride that is never taken may have any size
     MtxInv(MatrixView<double>(&one, 1, 1, kFar, -kFar), MatrixView<double>(&one, 1, 1, kFar, kFar));

@@ -31,10 +31,12 @@ using test::TemporaryFolder;
 constexpr std::int32_t kUnit = 11;
 constexpr std::int32_t kWrite = 0, kRead = 1, kAppend = 2;
 
-// The next line of kUnit in `width` columns.
+// The next line of kUnit in `width` columns; a difference if more than those are written.
 std::optional<std::string> NextLine(std::size_t width) {
-    std::string line(width, '?');
-    if (!ReadLine(kUnit, line)) return std::nullopt;
+    std::string line(width + 5000, '?');
+    if (!ReadLine(kUnit, std::span(line).first(width))) return std::nullopt;
+    if (line.find_first_not_of('?', width) != std::string::npos) return "written behind the line";
+    line.resize(width);
     return line;
 }
 
@@ -67,6 +69,16 @@ TEST(TextUnits, ReadLinesAsTheyStand) {
                 EXPECT_EQ(NextLine(6), line) << why << ", round " << round;
             EXPECT_EQ(NextLine(6), std::nullopt) << why << ", round " << round;
         }
+    }
+    Close(kUnit);
+}
+
+TEST(TextUnits, CutALineInAnyOfItsReads) {
+    const TemporaryFolder folder;
+    test::WriteFile(folder / "in", std::string(9000, 'a') + "\n");
+    for (const std::size_t width : {4000U, 4096U, 4100U, 8191U, 8192U, 8193U}) {
+        ASSERT_EQ(FileOpen(kUnit, folder / "in", kRead), 0);
+        EXPECT_EQ(NextLine(width), std::string(width, 'a')) << width;
     }
     Close(kUnit);
 }

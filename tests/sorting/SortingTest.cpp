@@ -28,13 +28,16 @@ TEST(QuickSortIterative, SortsEveryPatternAndSize) {
                     << reference::kPatternNames[pattern] << ", n = " << n;
 }
 
+// A long list, the least key, or all but the greatest stand behind greater ones.
 TEST(QuickSortIterative, MergesAListBehindAGreaterOne) {
     std::mt19937_64 random(1);
-    for (const std::size_t n : kSizes) {
-        std::vector<Key> keys = reference::MakeKeys(Pattern::Sorted, n, random);
-        std::rotate(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(n / 3), keys.end());
-        EXPECT_TRUE(test::SortsRight(keys)) << n;
-    }
+    for (const std::size_t n : kSizes)
+        for (const std::size_t first : {n / 3, std::min<std::size_t>(n, 1), n - 1}) {
+            std::vector<Key> keys = reference::MakeKeys(Pattern::Sorted, n, random);
+            std::rotate(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(first),
+                        keys.end());
+            EXPECT_TRUE(test::SortsRight(keys)) << n << ", " << first;
+        }
 }
 
 // The first bytes that differ have few values: one bucket for each is not yet an order.
