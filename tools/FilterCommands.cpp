@@ -8,7 +8,7 @@ namespace corvale::tool {
 
 namespace {
 
-constexpr const char* kFilters = "Filters, standard input to standard output";
+constexpr const char* kFilters = "Filters, files or standard input to standard output";
 
 constexpr const char* kUnusable =
     "A line that cannot be used is named with its column on standard error. The filter stops "
@@ -23,6 +23,19 @@ CLI::App* AddFilter(CLI::App& app, const char* name, const char* description,
     CLI::App* filter = app.add_subcommand(name, description)->group(kFilters);
     filter->footer(footer);
     return filter;
+}
+
+constexpr const char* kFileHelp = "Read this file instead of standard input, which is -";
+
+// Of the filters of whole lines; those of single values take values there.
+void AddFiles(CLI::App& filter, FilterOptions& options) {
+    filter.add_option("FILE", options.files, kFileHelp)->option_text("...");
+}
+
+void AddFileOption(CLI::App& filter, FilterOptions& options) {
+    filter.add_option("-f,--file", options.files, kFileHelp)
+        ->option_text("FILE")
+        ->allow_extra_args(false);
 }
 
 void AddGoingOn(CLI::App& filter, FilterOptions& options) {
@@ -46,6 +59,7 @@ void AddAlpha5(CLI::App& app, int& status) {
                                      "  echo 100000 | corvale alpha5            A0000\n"
                                      "  echo Z9999 | corvale alpha5 --decode    339999");
     filter->add_flag("--decode", options->decodes, "Codes to numbers");
+    AddFileOption(*filter, *options);
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] {
         status = options->decodes ? DecodeAlpha5(*options) : EncodeAlpha5(*options);
@@ -57,21 +71,27 @@ void AddAngle(CLI::App& app, int& status) {
         bool inDegrees = false;
     };
     auto options = std::make_shared<Options>();
-    CLI::App* filter = AddFilter(app, "angle", "Degrees to degrees or hours, minutes and seconds",
-                                 std::string(kUnusable) +
-                                     "Degrees are written as sDDMMSS.SSS, with '-' or '0' for s, "
-                                     "and must be below 100. Hours\n"
-                                     "are written as HHMMSSs, with tenths of seconds; angles are "
-                                     "reduced to one turn first.\n"
-                                     "\n"
-                                     "Examples:\n"
-                                     "  echo -10.5 | corvale angle                    -103000.000\n"
-                                     "  echo 180 | corvale angle --hours              1200000\n"
-                                     "  echo 1200000 | corvale angle --hours --decode 180");
+    CLI::App* filter =
+        AddFilter(app, "angle", "Degrees to degrees or hours, minutes and seconds",
+                  std::string(kUnusable) +
+                      "Degrees are written as sDDMMSS.SSS, with '-' or '0' for s, "
+                      "and from 100 to 999 as\n"
+                      "sDDDMMSS.SSS. Hours are written as HHMMSSs, with tenths of "
+                      "seconds; angles are reduced to one\n"
+                      "turn first. Both ways read 10:30:00, 10d30m, 10h30m15.5s and "
+                      "the like; without a letter they\n"
+                      "are degrees, or hours with --hours --decode.\n"
+                      "\n"
+                      "Examples:\n"
+                      "  echo -10.5 | corvale angle                    -103000.000\n"
+                      "  echo 193d16m | corvale angle                  01931600.000\n"
+                      "  echo 180 | corvale angle --hours              1200000\n"
+                      "  echo 12:30:00 | corvale angle --hours --decode 187.5");
     CLI::Option* degrees =
         filter->add_flag("--degrees", options->inDegrees, "As degrees (default)")->option_text(" ");
     filter->add_flag("--hours", options->inHours, "As hours")->excludes(degrees)->option_text(" ");
     filter->add_flag("--decode", options->decodes, "Such texts to decimal degrees");
+    AddFileOption(*filter, *options);
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] { status = ConvertAngles(*options, *options); });
 }
@@ -87,6 +107,7 @@ void AddCompress(CLI::App& app, int& status) {
             "\n"
             "Example:\n"
             "  echo '1.500000000000000E+003, 12.50' | corvale compress    1.5E+3,12.5");
+    AddFiles(*filter, *options);
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] { status = CompressRows(*options); });
 }
@@ -106,6 +127,7 @@ void AddNumber(CLI::App& app, int& status) {
             "  echo 007 | corvale number --integer               7");
     filter->add_flag("--integer", options->isInteger, "Integers of 32 bits instead of reals");
     filter->add_flag("--value", options->afterEquals, "The number stands behind the first =");
+    AddFileOption(*filter, *options);
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] { status = ReadNumberFields(*options, *options); });
 }
@@ -130,25 +152,36 @@ void AddSort(CLI::App& app, int& status) {
         "  cut -c1-32 names.txt | corvale sort --number");
     filter->add_flag("--number", options->addsNumbers,
                      "Lines are keys alone; the integer is the number of the line");
+    AddFiles(*filter, *options);
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] { status = SortKeys(options->addsNumbers, *options); });
 }
 
-void AddTextFilters(CLI::App& app, int& status) {
-    AddFilter(app, "upper", "Small letters to capitals",
-              "The letters a to z, in every locale; all other bytes stay.\n"
-              "\n"
-              "Example:\n"
-              "  corvale upper < orbit.inp")
-        ->callback([&status] { status = UpperCaseLines(); });
-    AddFilter(app, "lower", "Capitals to small letters",
-              "The letters A to Z, in every locale; all other bytes stay.\n"
-              "\n"
-              "Example:\n"
-              "  corvale lower < orbit.inp")
-        ->callback([&status] { status = LowerCaseLines(); });
+void AddLetterCases(CLI::App& app, int& status) {
+    auto upper = std::make_shared<FilterOptions>();
+    CLI::App* filter = AddFilter(app, "upper", "Small letters to capitals",
+                                 "The letters a to z, in every locale; all other bytes stay.\n"
+                                 "\n"
+                                 "Example:\n"
+                                 "  corvale upper orbit.inp");
+    AddFiles(*filter, *upper);
+    filter->callback([upper, &status] { status = UpperCaseLines(*upper); });
 
-    auto texts = std::make_shared<std::pair<std::string, std::string>>();
+    auto lower = std::make_shared<FilterOptions>();
+    filter = AddFilter(app, "lower", "Capitals to small letters",
+                       "The letters A to Z, in every locale; all other bytes stay.\n"
+                       "\n"
+                       "Example:\n"
+                       "  corvale lower orbit.inp");
+    AddFiles(*filter, *lower);
+    filter->callback([lower, &status] { status = LowerCaseLines(*lower); });
+}
+
+void AddReplace(CLI::App& app, int& status) {
+    struct Options : FilterOptions {
+        std::string pattern, replacement;
+    };
+    auto options = std::make_shared<Options>();
     CLI::App* replace = AddFilter(app, "replace", "Replace a text wherever it stands",
                                   "Occurrences are found from left to right, byte for byte; what "
                                   "was inserted is not searched\n"
@@ -156,7 +189,7 @@ void AddTextFilters(CLI::App& app, int& status) {
                                   "\n"
                                   "Example:\n"
                                   "  echo 'a\\b\\c' | corvale replace '\\' /    a/b/c");
-    replace->add_option("PATTERN", texts->first, "What to look for, at least one character")
+    replace->add_option("PATTERN", options->pattern, "What to look for, at least one character")
         ->required()
         ->option_text(" ")
         ->check(CLI::Validator(
@@ -164,10 +197,14 @@ void AddTextFilters(CLI::App& app, int& status) {
                 return pattern.empty() ? "there is nothing to look for" : "";
             },
             ""));
-    replace->add_option("REPLACEMENT", texts->second, "What to put in its place; may be empty")
+    replace
+        ->add_option("REPLACEMENT", options->replacement, "What to put in its place; may be empty")
         ->required()
         ->option_text(" ");
-    replace->callback([texts, &status] { status = ReplaceInLines(texts->first, texts->second); });
+    AddFiles(*replace, *options);
+    replace->callback([options, &status] {
+        status = ReplaceInLines(options->pattern, options->replacement, *options);
+    });
 }
 
 }  // namespace
@@ -178,7 +215,8 @@ void AddFilters(CLI::App& app, int& status) {
     AddCompress(app, status);
     AddNumber(app, status);
     AddSort(app, status);
-    AddTextFilters(app, status);
+    AddLetterCases(app, status);
+    AddReplace(app, status);
 }
 
 }  // namespace corvale::tool

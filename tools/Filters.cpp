@@ -1,5 +1,6 @@
 #include "Filters.hpp"
 
+#include "AngleTexts.hpp"
 #include "Commands.hpp"
 #include "Escapes.hpp"
 #include "Input.hpp"
@@ -155,16 +156,15 @@ int ReadNumberFields(const NumberOptions& number, const FilterOptions& options) 
 }
 
 int SortKeys(bool addsNumbers, const FilterOptions& options) {
-    InputFile input("-");
+    InputLines input(options.files);
     std::vector<Sorting::Key> keys;
     std::vector<std::int64_t> companions;
     int status = kExitOk;
     Line line;
-    while (input.ReadLine(line, std::numeric_limits<std::size_t>::max())) {
-        const auto read =
-            ReadKeyLine(line.text, addsNumbers, static_cast<std::int64_t>(line.number));
+    for (std::int64_t number = 1; input.Next(line); ++number) {
+        const auto read = ReadKeyLine(line.text, addsNumbers, number);
         if (const auto* unusable = std::get_if<Unusable>(&read)) {
-            SayUnusable("sort", line.number, *unusable);
+            SayUnusable("sort", input.Place(line), *unusable);
             status = kExitFindings;
             if (!options.goesOn) return status;
             continue;
@@ -183,16 +183,16 @@ int SortKeys(bool addsNumbers, const FilterOptions& options) {
     return status;
 }
 
-int UpperCaseLines() {
-    return RunFilter("upper", {}, [](std::string_view line) -> Converted {
+int UpperCaseLines(const FilterOptions& options) {
+    return RunFilter("upper", options, [](std::string_view line) -> Converted {
         std::string result(line);
         StrFunctions::ToUpperCase(line, result);
         return result;
     });
 }
 
-int LowerCaseLines() {
-    return RunFilter("lower", {}, [](std::string_view line) -> Converted {
+int LowerCaseLines(const FilterOptions& options) {
+    return RunFilter("lower", options, [](std::string_view line) -> Converted {
         std::string result(line);
         StrFunctions::ToLowerCase(line, result);
         return result;
@@ -201,8 +201,9 @@ int LowerCaseLines() {
 
 // The library's result is as wide as the text, which is therefore made wide enough first. It is
 // filled with NULs: no argument of a command line holds one, so that the pattern is not found there.
-int ReplaceInLines(const std::string& pattern, const std::string& replacement) {
-    return RunFilter("replace", {}, [&](std::string_view line) -> Converted {
+int ReplaceInLines(const std::string& pattern, const std::string& replacement,
+                   const FilterOptions& options) {
+    return RunFilter("replace", options, [&](std::string_view line) -> Converted {
         std::size_t width = line.size();
         for (std::size_t at = line.find(pattern); at < line.size();
              at = line.find(pattern, at + pattern.size()))

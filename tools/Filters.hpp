@@ -1,15 +1,17 @@
-// Filters: standard input to standard output, a line at a time, each through one procedure of the
-// library.
+// Filters: files or standard input to standard output, a line at a time, each through one procedure
+// of the library.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace corvale::tool {
 
-/// What happens at a line that cannot be used.
+/// Where the lines come from, and what happens at one that cannot be used.
 struct FilterOptions {
-    bool goesOn = false;  ///< an empty line takes its place; else the filter stops there
+    std::vector<std::string> files;  ///< one after the other; none: standard input
+    bool goesOn = false;             ///< an empty line takes its place; else the filter stops there
 };
 
 struct AngleOptions {
@@ -30,8 +32,9 @@ int ConvertAngles(const AngleOptions& angle, const FilterOptions& options);
 int CompressRows(const FilterOptions& options);
 int ReadNumberFields(const NumberOptions& number, const FilterOptions& options);
 int SortKeys(bool addsNumbers, const FilterOptions& options);
-int UpperCaseLines();
-int LowerCaseLines();
-int ReplaceInLines(const std::string& pattern, const std::string& replacement);
+int UpperCaseLines(const FilterOptions& options);
+int LowerCaseLines(const FilterOptions& options);
+int ReplaceInLines(const std::string& pattern, const std::string& replacement,
+                   const FilterOptions& options);
 
 }  // namespace corvale::tool

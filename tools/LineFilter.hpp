@@ -1,10 +1,11 @@
-// The loop that all filters share.
+// What all filters share: the lines that they read, and the loop over them.
 #pragma once
 
 #include "Filters.hpp"
+#include "Input.hpp"
 
-#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -24,11 +25,33 @@ using Converted = std::variant<std::string, Unusable>;
 int RunFilter(std::string_view command, const FilterOptions& options,
               const std::function<Converted(std::string_view line)>& convert);
 
-/// Says on standard error that a line cannot be used.
-void SayUnusable(std::string_view command, std::uint64_t line, const Unusable& unusable);
+/// The lines of files, one file after the other; of standard input where no file is named.
+class InputLines {
+  public:
+    explicit InputLines(const std::vector<std::string>& files);
 
-/// Says on standard error why standard input cannot be read; returns the exit status.
-int SayUnreadable(std::string_view command, const std::string& why);
+    /// Reads the next line whole. False at the end of the last file, and at a file that cannot be
+    /// opened or read.
+    [[nodiscard]] bool Next(Line& line);
+    /// The file that cannot be read, and why: ""numbers.txt" cannot be read: Permission denied".
+    [[nodiscard]] const std::optional<std::string>& Failure() const { return failure_; }
+    /// Where a line stands that was just read: "numbers.txt: line 2".
+    [[nodiscard]] std::string Place(const Line& line) const;
+
+  private:
+    [[nodiscard]] bool Open();
+
+    std::vector<std::string> files_;
+    std::size_t opened_ = 0;
+    std::optional<InputFile> file_;
+    std::optional<std::string> failure_;
+};
+
+/// Says on standard error that a line cannot be used.
+void SayUnusable(std::string_view command, const std::string& place, const Unusable& unusable);
+
+/// Says on standard error that a file cannot be read; returns the exit status.
+int SayUnreadable(std::string_view command, const std::string& failure);
 
 /// `line` without the blanks at both ends; `column` is where it begins.
 struct Trimmed {

@@ -1,5 +1,5 @@
-// Fields of the filters: numbers that are wanted whole, and angles. The library reads a field that
-// is no number as 0; here it is told apart from a written 0.
+// Fields of the filters: numbers that are wanted whole. The library reads a field that is no number
+// as 0; here it is told apart from a written 0.
 #pragma once
 
 #include "LineFilter.hpp"
@@ -29,11 +29,5 @@ using RealField = Field<double>;
 
 /// A number as the shortest text that reads back to the same bits.
 [[nodiscard]] Converted NumberText(std::string_view text, std::size_t skipped, bool isInteger);
-
-/// Degrees as "sDDMMSS.SSS", or as hours "HHMMSSs".
-[[nodiscard]] Converted EncodeAngle(std::string_view text, bool inHours);
-
-/// The degrees of such a text: the nearest double to the exact value.
-[[nodiscard]] Converted DecodeAngle(std::string_view text, bool inHours);
 
 }  // namespace corvale::tool

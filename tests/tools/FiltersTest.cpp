@@ -20,6 +20,18 @@ const LineCase kLines[] = {
     {"alpha5", "0\n99999\n100000\n +339999 \n", "00000\n99999\nA0000\nZ9999\n", "all forms"},
     {"alpha5 --decode", "J1234\n 00000\n007\nA 1 2\n", "181234\n0\n7\n100012\n", "and back"},
     {"angle", "10.5\n-0.5\n1.05D1\r\n", "0103000.000\n-003000.000\n0103000.000\r\n", "CR stays"},
+    {"angle", "100\n-359.9999999999\n99.9999999999\n", "01000000.000\n-3600000.000\n01000000.000\n",
+     "three digits, also by a carry"},
+    {"angle", "10:30:00\n -0:0:0.5\n193d16m\n10H30M15.5S\n10.5m\n1d1'2\"\n+10d\n",
+     "0103000.000\n-000000.500\n01931600.000\n01573352.500\n0001030.000\n0010102.000\n0100000."
+     "000\n",
+     "as people write them"},
+    {"angle --hours", "193:16:17.76\n12h53m5.184s\n", "1253052\n1253052\n", "colons: degrees"},
+    {"angle --decode", "01931600.000\n-9995959.999\n00103000.000\n",
+     "193.26666666666668\n-999.9999997222222\n10.5\n", "three digits back"},
+    {"angle --decode", "10:30\n10h30m\n-0:0:0.000000001\n999:59:59.999999999\n",
+     "10.5\n157.5\n-2.777777777777778e-13\n999.9999999999998\n", "one rounding here too"},
+    {"angle --hours --decode", "10:30\n10d30m\n30m\n", "157.5\n10.5\n7.5\n", "hours without a d"},
     {"angle --hours", "180\n-15\n1e22\n", "1200000\n2300000\n1840000\n", "any angle has hours"},
     {"angle --decode", "0103000.000\n-003000.001\n", "10.5\n-0.5000002777777778\n", "one rounding"},
     {"angle --hours --decode", "1200000\n0000001\n", "180\n0.0004166666666666667\n", "tenths"},
@@ -55,7 +67,15 @@ const UnusableCase kUnusable[] = {
     {"alpha5 --decode", "1\nI0000\n2\n", "line 2, column 1: "},
     {"alpha5 --decode", "1\n  A00000\n2\n", "line 2, column 8: "},
     {"alpha5 --decode", "1\n+\n2\n", "line 2, column 1: "},
-    {"angle", "0\n100\n0\n", "line 2, column 1: "},
+    {"angle", "0\n1000\n0\n", "line 2, column 1: "},
+    {"angle", "0\n999.99999999999\n0\n", "line 2, column 1: "},
+    {"angle", "0\n10:60:00\n0\n", "line 2, column 6: "},
+    {"angle", "0\n 10:30:\n0\n", "line 2, column 8: "},
+    {"angle", "0\n1:2:3:4\n0\n", "line 2, column 8: "},
+    {"angle", "0\n10.5:30\n0\n", "line 2, column 6: "},
+    {"angle", "0\n10m30d\n0\n", "line 2, column 7: "},
+    {"angle", "0\n10h30\n0\n", "line 2, column 6: "},
+    {"angle", "0\n0:0:0.0000000001\n0\n", "line 2, column 16: "},
     {"angle", "0\n1e999\n0\n", "line 2, column 1: "},
     {"angle", "0\n 1.2.3\n0\n", "line 2, column 5: "},
     {"angle --decode", "0000000.000\n0006000.000\n0000000.000\n", "line 2, column 1: "},
@@ -92,6 +112,26 @@ std::string KeyLine(const std::string& key, const std::string& number) {
     return test::Padded(key, 32) + std::string(21 - number.size(), ' ') + number + "\n";
 }
 
+TEST_F(Filters, ReadFilesOneAfterTheOther) {
+    WriteFile("one", "1\n2");
+    WriteFile("two", "3\nx\n4\n");
+    EXPECT_EQ(Corvale("alpha5 --file one -f - </dev/null").out, "00001\n00002\n");
+    EXPECT_EQ(Corvale("upper one - one <two").out, "1\n2\n3\nX\n4\n1\n2\n");
+    EXPECT_EQ(Corvale("replace x y two").out, "3\ny\n4\n");
+    EXPECT_EQ(Corvale("sort --number two one").out, KeyLine("1", "4") + KeyLine("2", "5") +
+                                                        KeyLine("3", "1") + KeyLine("4", "3") +
+                                                        KeyLine("x", "2"));
+    const Outcome unusable = Corvale("number --keep-going -f one -f two");
+    EXPECT_EQ(unusable.out, "1\n2\n3\n\n4\n");
+    EXPECT_TRUE(unusable.err.starts_with("corvale number: two: line 2, column 1: "))
+        << unusable.err;
+    const Outcome missing = Corvale("lower two 'no\\such\tfile' two");
+    EXPECT_EQ(missing.exitCode, 2);
+    EXPECT_EQ(missing.out, "3\nx\n4\n");
+    EXPECT_EQ(missing.err,
+              "corvale lower: \"no\\\\such\\x09file\" cannot be read: No such file or directory\n");
+}
+
 TEST_F(Filters, SortKeysWithTheirIntegers) {
     WriteFile("in", KeyLine("b", "-5") + test::Padded("a", 32) + " 9223372036854775807\n" +
                         KeyLine("\xc3", "2") + KeyLine("", "+3") + KeyLine("B", "4"));
@@ -123,8 +163,8 @@ TEST_F(Filters, TakeEverySatelliteNumberThereAndBack) {
 
 TEST_F(Filters, RefuseWrongArguments) {
     WriteFile("in", "a\n");
-    for (const char* arguments : {"replace '' x", "replace a", "alpha5 --strict --keep-going",
-                                  "angle --degrees --hours", "upper in"}) {
+    for (const char* arguments :
+         {"replace '' x", "replace a", "alpha5 --strict --keep-going", "angle --degrees --hours"}) {
         const Outcome outcome = Corvale(std::string(arguments) + " <in");
         EXPECT_EQ(outcome.exitCode, 2) << arguments;
         EXPECT_NE(outcome.err, "") << arguments;
