@@ -7,15 +7,23 @@
 namespace corvale::tool {
 
 inline constexpr int kExitOk = 0;
-inline constexpr int kExitFindings = 1;  // there is something to mend, and it has been said
-inline constexpr int kExitFailed = 2;    // after saying on standard error what failed
+inline constexpr int kExitFindings =
+    1;  // there is something to mend or a difference, and it has been said
+inline constexpr int kExitFailed = 2;  // after saying on standard error what failed
 
 struct LoadOptions {
     std::vector<std::string> files;
-    std::string log;  // empty: none
+    std::string log;               // empty: none
+    std::vector<std::string> why;  // modes and elements to explain, instead of loading
     bool asJson = false;
     bool isQuiet = false;
     bool showsProgress = false;  // at once, not only when it takes long
+};
+
+struct DiffOptions {
+    std::string left, right;
+    bool asJson = false;
+    bool isQuiet = false;
 };
 
 struct CheckOptions {
@@ -32,6 +40,9 @@ int Info(bool asJson);
 
 /// Loads input files, one after the other, and prints the modes and the 128 values.
 int Load(const LoadOptions& options);
+
+/// Prints which modes and elements differ after loading each of two files.
+int Diff(const DiffOptions& options);
 
 /// Explains the cards of input files, and what looks like one and is none.
 int Check(const CheckOptions& options);

@@ -19,21 +19,27 @@ class ElementValues {
     /// The width of a text that is kept: such a decimal is neither too large nor too small.
     static constexpr std::size_t kTextWidth = 24;
 
-    void Set(std::size_t element, double value) {
+    /// `column` is where the item begins that sets the value.
+    void Set(std::size_t element, double value, std::size_t column) {
         values_[element] = value;
         sizes_[element] = 0;
+        columns_[element] = static_cast<std::uint16_t>(column);
     }
     /// A real without an exponent, of at most `kTextWidth` characters.
-    void SetDecimal(std::size_t element, std::string_view decimal) {
+    void SetDecimal(std::size_t element, std::string_view decimal, std::size_t column) {
         decimal.copy(texts_[element].data(), kTextWidth);
         sizes_[element] = static_cast<std::uint8_t>(decimal.size());
+        columns_[element] = static_cast<std::uint16_t>(column);
     }
     [[nodiscard]] double operator[](std::size_t element) const;
+    /// Where on its line the item begins that set the value, counted from 1.
+    [[nodiscard]] std::size_t Column(std::size_t element) const { return columns_[element]; }
 
   private:
     std::array<double, kElements> values_{};
     std::array<std::array<char, kTextWidth>, kElements> texts_{};
     std::array<std::uint8_t, kElements> sizes_{};  // 0: the value is in `values_`
+    std::array<std::uint16_t, kElements> columns_{};
 };
 
 }  // namespace corvale::tool

@@ -7,6 +7,7 @@
 #include "LibraryName.hpp"
 #include "Terminal.hpp"
 #include "Texts.hpp"
+#include "Why.hpp"
 
 #include <corvale/Corvale.h>
 
@@ -167,6 +168,7 @@ int LoadWithLog(const LoadOptions& options) {
 }  // namespace
 
 int Load(const LoadOptions& options) {
+    if (!options.why.empty()) return ExplainSettings(options);
     return options.log.empty() ? Report(LoadFiles(options), options) : LoadWithLog(options);
 }
 

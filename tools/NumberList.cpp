@@ -77,7 +77,7 @@ class Reading {
         }
         lastWord_ = at_;
         if (const std::size_t end = at_ + DecimalLength(record_.substr(at_)); IsShortItem(end)) {
-            values_.SetDecimal(element_, record_.substr(at_, end - at_));
+            values_.SetDecimal(element_, record_.substr(at_, end - at_), at_ + 1);
             list_.isSet.set(element_++);
             return EndItem(end);
         }
@@ -137,7 +137,7 @@ class Reading {
         LookAtSize(word, value);
         const std::size_t end = std::min(element_ + count, kElements);
         for (; element_ < end; ++element_) {
-            values_.Set(element_, value);
+            values_.Set(element_, value, at_ + 1);
             list_.isSet.set(element_);
         }
     }

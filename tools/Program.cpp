@@ -3,6 +3,7 @@
 #include "Commands.hpp"
 #include "Pages.hpp"
 #include "Usage.hpp"
+#include "Why.hpp"
 
 #include <corvale/Corvale.h>
 
@@ -19,12 +20,14 @@ constexpr const char* kAppDescription = "The Corvale foundation library on the c
 constexpr const char* kAppFooter =
     "Exit status:\n"
     "  0  all is well\n"
-    "  1  check: there are findings; filters: a line could not be used\n"
+    "  1  check: there are findings; diff: there are differences; filters: a line could not be "
+    "used\n"
     "  2  a file or standard output failed, or the command line is wrong\n"
     "\n"
     "Examples:\n"
     "  corvale load orbit.inp          what its cards set\n"
     "  corvale check orbit.inp         what each card does, or why not\n"
+    "  corvale diff orbit.inp new.inp  what the one sets and the other does not\n"
     "  corvale COMMAND --help          all about a command";
 
 constexpr const char* kInfoFooter =
@@ -38,11 +41,32 @@ constexpr const char* kLoadFooter =
     "ever raised, and later values replace earlier ones. The first file that cannot be opened\n"
     "ends the command. A file named - is standard input; ./- is a file of that name.\n"
     "\n"
+    "--why reads the files without loading them and prints the card that decided each value: the\n"
+    "last one that set an element, the first one that raised a mode.\n"
+    "\n"
     "Examples:\n"
     "  corvale load orbit.inp\n"
+    "  corvale load orbit.inp --why 7,elsetKeyMode\n"
     "  corvale load common.inp night.inp --json\n"
     "  generate-cards | corvale load -\n"
     "  corvale load orbit.inp --log run.log";
+
+constexpr const char* kDiffFooter =
+    "Each file is loaded by itself. What no card sets is 0; -0 is not 0. For every mode and "
+    "element\n"
+    "that differs there are three lines: what it is, and its value behind < in the one and behind "
+    ">\n"
+    "in the other file, with the line and column that decided it.\n"
+    "\n"
+    "Exit status:\n"
+    "  0  both files set the same\n"
+    "  1  there are differences\n"
+    "  2  a file cannot be read\n"
+    "\n"
+    "Examples:\n"
+    "  corvale diff orbit.inp new.inp\n"
+    "  corvale diff --quiet orbit.inp new.inp || run-all new.inp\n"
+    "  git show HEAD:orbit.inp | corvale diff - orbit.inp";
 
 constexpr const char* kCheckFooter =
     "What a line sets or why it sets nothing: keywords not in column 1, no blank in column 8,\n"
@@ -86,13 +110,39 @@ void AddLoad(CLI::App& app, int& status) {
         ->required()
         ->option_text("...");
     load->add_flag("--json", options->asJson, "Print one JSON object");
+    CLI::Option* why =
+        load->add_option("--why", options->why,
+                         "Print which card decided an element, 1 to 128, or a mode, by its name in "
+                         "--json; several with commas")
+            ->option_text("WHICH")
+            ->delimiter(',')
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(WhyNoSetting, ""));
     load->add_option("--log", options->log, "Write a log file, replacing it")
         ->option_text("LOGFILE")
+        ->excludes(why)
         ->check(CLI::Validator(NotBlank, ""));
-    load->add_flag("-q,--quiet", options->isQuiet, "Print nothing but errors");
+    load->add_flag("-q,--quiet", options->isQuiet, "Print nothing but errors")
+        ->excludes(why)
+        ->option_text(" ");
     load->add_flag("--progress", options->showsProgress,
                    "Show how far the reading is from the first moment on");
     load->callback([options, &status] { status = Load(*options); });
+}
+
+void AddDiff(CLI::App& app, int& status) {
+    auto options = std::make_shared<DiffOptions>();
+    CLI::App* diff = app.add_subcommand(
+        "diff", "Print which modes and values differ after loading each of two files");
+    diff->footer(kDiffFooter);
+    diff->add_option("FILE", options->left, "An input file; - is standard input")
+        ->required()
+        ->option_text(" ");
+    diff->add_option("OTHER", options->right, "Another one")->required()->option_text(" ");
+    diff->add_flag("--json", options->asJson, "Print one JSON object");
+    diff->add_flag("-q,--quiet", options->isQuiet,
+                   "Print nothing but errors: the exit status tells");
+    diff->callback([options, &status] { status = Diff(*options); });
 }
 
 void AddCheck(CLI::App& app, int& status) {
@@ -154,6 +204,7 @@ void AddCommands(CLI::App& app, int& status) {
     app.footer(kAppFooter);
     AddInfo(app, status);
     AddLoad(app, status);
+    AddDiff(app, status);
     AddCheck(app, status);
     AddSelfTest(app, status);
     AddFilters(app, status);

@@ -12,7 +12,7 @@ export PYTHONDONTWRITEBYTECODE=1
 source "$checkout/examples/first_install.sh" >"$scratch/install.log" 2>&1 ||
     { cat "$scratch/install.log" >&2; exit 1; }
 export checkout prefix
-for name in first_load first_own first_c first_cpp first_cmake first_python first_fortran filters; do
+for name in first_load first_own first_c first_cpp first_cmake first_python first_fortran filters differences; do
     folder=$scratch/$name
     mkdir "$folder"
     cp -r "$checkout"/examples/{own.c,own.cpp,load_file.c,load_file.cpp,orbit.inp,own_program} \
