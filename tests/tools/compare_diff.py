@@ -119,12 +119,12 @@ def fits(lines, place):
 def main(program, rounds, seed=1):
     rng = random.Random(int(seed))
     with tempfile.TemporaryDirectory() as folder:
-        each = Round(program, pathlib.Path(folder))
+        each = Round(pathlib.Path(program).resolve(), pathlib.Path(folder))
         different = 0
         for number in range(int(rounds)):
             try:
                 different += each.check(rng) > 0
-            except Exception as fault:
+            except (AssertionError, LookupError, ValueError) as fault:
                 sides = {name: (each.folder / name).read_bytes() for name in ("left", "right")}
                 print(f"round {number}: {fault!r}\n{sides}")
                 return 1
