@@ -1,8 +1,12 @@
 #include "Filters.hpp"
 #include "Program.hpp"
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
+#include <string_view>
 
 namespace corvale::tool {
 
@@ -13,9 +17,14 @@ constexpr const char* kFilters = "Filters, files or standard input to standard o
 constexpr const char* kUnusable =
     "A line that cannot be used is named with its column on standard error. The filter stops "
     "there\n"
-    "(--strict, the default), or prints an empty line in its place (--keep-going); the exit "
-    "status\n"
-    "is 1 either way.\n"
+    "(--strict, the default), or prints an empty line or field in its place (--keep-going); the\n"
+    "exit status is 1 either way.\n"
+    "\n";
+
+constexpr const char* kRows =
+    "With --column only those fields of a row are converted; the rest of it stays as it is. A "
+    "field\n"
+    "may stand between quotation marks, with \"\" for one in it; it ends on its own line.\n"
     "\n";
 
 CLI::App* AddFilter(CLI::App& app, const char* name, const char* description,
@@ -27,15 +36,75 @@ CLI::App* AddFilter(CLI::App& app, const char* name, const char* description,
 
 constexpr const char* kFileHelp = "Read this file instead of standard input, which is -";
 
-// Of the filters of whole lines; those of single values take values there.
+// Of the filters of whole lines.
 void AddFiles(CLI::App& filter, FilterOptions& options) {
     filter.add_option("FILE", options.files, kFileHelp)->option_text("...");
 }
 
-void AddFileOption(CLI::App& filter, FilterOptions& options) {
+bool IsNegativeNumber(std::string_view argument) {
+    return argument.size() > 1 && argument[0] == '-' && argument.find_first_of(".0123456789") == 1;
+}
+
+// Of the filters of single values: these stand on the command line or in files. The blank before a
+// negative number is that of `Arguments`.
+CLI::Option* AddValues(CLI::App& filter, FilterOptions& options) {
+    const auto withoutBlank = [](const std::string& value) {
+        return value.starts_with(' ') && IsNegativeNumber(value.substr(1)) ? value.substr(1)
+                                                                           : value;
+    };
+    CLI::Option* values =
+        filter.add_option("VALUE", options.values, "Convert this instead of standard input")
+            ->option_text("...")
+            ->transform(withoutBlank);
     filter.add_option("-f,--file", options.files, kFileHelp)
         ->option_text("FILE")
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->excludes(values);
+    return values;
+}
+
+// The name of a delimiter, or itself.
+std::string DelimiterOf(const std::string& name) {
+    return name == "tab" || name == "\\t" ? "\t" : name;
+}
+
+std::string WhyNoDelimiter(const std::string& name) {
+    const std::string delimiter = DelimiterOf(name);
+    return delimiter.size() == 1 && delimiter != "\"" ? ""
+                                                      : "the delimiter is one character, or tab";
+}
+
+std::string WhyNoColumn(const std::string& number) {
+    const bool isOne = number.find_first_not_of("0123456789") == std::string::npos &&
+                       number.find_first_not_of('0') != std::string::npos && number.size() < 10;
+    return isOne ? "" : "columns are numbers from 1 on";
+}
+
+void AddRows(CLI::App& filter, FilterOptions& options, CLI::Option* values = nullptr) {
+    CLI::Option* column =
+        filter
+            .add_option_function<std::vector<std::uint32_t>>(
+                "-c,--column",
+                [&options](const std::vector<std::uint32_t>& columns) {
+                    const std::set<std::size_t> ascending(columns.begin(), columns.end());
+                    options.columns.assign(ascending.begin(), ascending.end());
+                },
+                "Convert these columns of rows, counted from 1; several with commas")
+            ->option_text("NUMBER")
+            ->delimiter(',')
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(WhyNoColumn, ""));
+    filter
+        .add_option_function<std::string>(
+            "-d,--delimiter",
+            [&options](const std::string& name) { options.delimiter = DelimiterOf(name).front(); },
+            "What stands between columns, one character or tab (default: a comma)")
+        ->option_text("CHARACTER")
+        ->check(CLI::Validator(WhyNoDelimiter, ""))
+        ->needs(column);
+    CLI::Option* header =
+        filter.add_flag("--header", options.hasHeader, "The first line of a file stays as it is");
+    if (values != nullptr) header->excludes(values)->option_text(" ");
 }
 
 void AddGoingOn(CLI::App& filter, FilterOptions& options) {
@@ -52,14 +121,16 @@ void AddAlpha5(CLI::App& app, int& status) {
     };
     auto options = std::make_shared<Options>();
     CLI::App* filter = AddFilter(app, "alpha5", "Satellite numbers to five-character codes",
-                                 std::string(kUnusable) +
+                                 std::string(kUnusable) + kRows +
                                      "Numbers go from 0 to 339999.\n"
                                      "\n"
                                      "Examples:\n"
-                                     "  echo 100000 | corvale alpha5            A0000\n"
-                                     "  echo Z9999 | corvale alpha5 --decode    339999");
+                                     "  corvale alpha5 100000               A0000\n"
+                                     "  corvale alpha5 --decode Z9999       339999\n"
+                                     "  corvale alpha5 --file numbers.txt\n"
+                                     "  corvale alpha5 --column 3 --header --file catalogue.csv");
     filter->add_flag("--decode", options->decodes, "Codes to numbers");
-    AddFileOption(*filter, *options);
+    AddRows(*filter, *options, AddValues(*filter, *options));
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] {
         status = options->decodes ? DecodeAlpha5(*options) : EncodeAlpha5(*options);
@@ -91,7 +162,7 @@ void AddAngle(CLI::App& app, int& status) {
         filter->add_flag("--degrees", options->inDegrees, "As degrees (default)")->option_text(" ");
     filter->add_flag("--hours", options->inHours, "As hours")->excludes(degrees)->option_text(" ");
     filter->add_flag("--decode", options->decodes, "Such texts to decimal degrees");
-    AddFileOption(*filter, *options);
+    AddRows(*filter, *options, AddValues(*filter, *options));
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] { status = ConvertAngles(*options, *options); });
 }
@@ -117,17 +188,17 @@ void AddNumber(CLI::App& app, int& status) {
     auto options = std::make_shared<Options>();
     CLI::App* filter = AddFilter(
         app, "number", "Number fields to plain numbers",
-        std::string(kUnusable) +
+        std::string(kUnusable) + kRows +
             "Reals may have an exponent with E, D or a sign alone: 1.5E3, 1.5D3 and 1.5+3 are the\n"
             "same. They are printed with as few digits as read back to the same bits.\n"
             "\n"
             "Examples:\n"
-            "  echo 1.5-3 | corvale number                       0.0015\n"
-            "  echo 'MASS = 1.25D3' | corvale number --value     1250\n"
-            "  echo 007 | corvale number --integer               7");
+            "  corvale number 1.5-3                       0.0015\n"
+            "  corvale number --value 'MASS = 1.25D3'     1250\n"
+            "  corvale number --integer 007               7");
     filter->add_flag("--integer", options->isInteger, "Integers of 32 bits instead of reals");
     filter->add_flag("--value", options->afterEquals, "The number stands behind the first =");
-    AddFileOption(*filter, *options);
+    AddRows(*filter, *options, AddValues(*filter, *options));
     AddGoingOn(*filter, *options);
     filter->callback([options, &status] { status = ReadNumberFields(*options, *options); });
 }
@@ -158,23 +229,31 @@ void AddSort(CLI::App& app, int& status) {
 }
 
 void AddLetterCases(CLI::App& app, int& status) {
-    auto upper = std::make_shared<FilterOptions>();
-    CLI::App* filter = AddFilter(app, "upper", "Small letters to capitals",
-                                 "The letters a to z, in every locale; all other bytes stay.\n"
-                                 "\n"
-                                 "Example:\n"
-                                 "  corvale upper orbit.inp");
-    AddFiles(*filter, *upper);
-    filter->callback([upper, &status] { status = UpperCaseLines(*upper); });
-
-    auto lower = std::make_shared<FilterOptions>();
-    filter = AddFilter(app, "lower", "Capitals to small letters",
-                       "The letters A to Z, in every locale; all other bytes stay.\n"
-                       "\n"
-                       "Example:\n"
-                       "  corvale lower orbit.inp");
-    AddFiles(*filter, *lower);
-    filter->callback([lower, &status] { status = LowerCaseLines(*lower); });
+    const struct {
+        const char *name, *description, *help;
+        int (*run)(const FilterOptions& options);
+    } filters[] = {
+        {"upper", "Small letters to capitals",
+         "The letters a to z, in every locale; all other bytes stay.\n"
+         "\n"
+         "Example:\n"
+         "  corvale upper orbit.inp",
+         UpperCaseLines},
+        {"lower", "Capitals to small letters",
+         "The letters A to Z, in every locale; all other bytes stay.\n"
+         "\n"
+         "Example:\n"
+         "  corvale lower orbit.inp",
+         LowerCaseLines},
+    };
+    for (const auto& [name, description, help, run] : filters) {
+        auto options = std::make_shared<FilterOptions>();
+        CLI::App* filter = AddFilter(app, name, description, std::string(kRows) + help);
+        AddFiles(*filter, *options);
+        AddRows(*filter, *options);
+        AddGoingOn(*filter, *options);
+        filter->callback([options, run = run, &status] { status = run(*options); });
+    }
 }
 
 void AddReplace(CLI::App& app, int& status) {
@@ -182,13 +261,15 @@ void AddReplace(CLI::App& app, int& status) {
         std::string pattern, replacement;
     };
     auto options = std::make_shared<Options>();
-    CLI::App* replace = AddFilter(app, "replace", "Replace a text wherever it stands",
-                                  "Occurrences are found from left to right, byte for byte; what "
-                                  "was inserted is not searched\n"
-                                  "again. A text that begins with - is written behind --.\n"
-                                  "\n"
-                                  "Example:\n"
-                                  "  echo 'a\\b\\c' | corvale replace '\\' /    a/b/c");
+    CLI::App* replace =
+        AddFilter(app, "replace", "Replace a text wherever it stands",
+                  std::string(kRows) +
+                      "Occurrences are found from left to right, byte for byte; what "
+                      "was inserted is not searched\n"
+                      "again. A text that begins with - is written behind --.\n"
+                      "\n"
+                      "Example:\n"
+                      "  echo 'a\\b\\c' | corvale replace '\\' /    a/b/c");
     replace->add_option("PATTERN", options->pattern, "What to look for, at least one character")
         ->required()
         ->option_text(" ")
@@ -202,12 +283,27 @@ void AddReplace(CLI::App& app, int& status) {
         ->required()
         ->option_text(" ");
     AddFiles(*replace, *options);
+    AddRows(*replace, *options);
+    AddGoingOn(*replace, *options);
     replace->callback([options, &status] {
         status = ReplaceInLines(options->pattern, options->replacement, *options);
     });
 }
 
 }  // namespace
+
+std::vector<std::string> Arguments(const CLI::App& app, int argc, char** argv) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    const auto takesValues = app.get_subcommands([&](const CLI::App* command) {
+        return !arguments.empty() && command->get_name() == arguments.front() &&
+               command->get_option_no_throw("VALUE") != nullptr;
+    });
+    if (!takesValues.empty())
+        for (std::string& argument : arguments)
+            if (IsNegativeNumber(argument)) argument.insert(0, 1, ' ');
+    std::ranges::reverse(arguments);
+    return arguments;
+}
 
 void AddFilters(CLI::App& app, int& status) {
     AddAlpha5(app, status);

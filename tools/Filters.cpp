@@ -156,7 +156,7 @@ int ReadNumberFields(const NumberOptions& number, const FilterOptions& options) 
 }
 
 int SortKeys(bool addsNumbers, const FilterOptions& options) {
-    InputLines input(options.files);
+    InputLines input(options);
     std::vector<Sorting::Key> keys;
     std::vector<std::int64_t> companions;
     int status = kExitOk;

@@ -8,10 +8,14 @@
 
 namespace corvale::tool {
 
-/// Where the lines come from, and what happens at one that cannot be used.
+/// Where the lines come from, what of them is converted, and what happens where it cannot be.
 struct FilterOptions {
-    std::vector<std::string> files;  ///< one after the other; none: standard input
-    bool goesOn = false;             ///< an empty line takes its place; else the filter stops there
+    std::vector<std::string> files;    ///< one after the other; none: standard input
+    std::vector<std::string> values;   ///< lines from the command line, instead of files
+    std::vector<std::size_t> columns;  ///< fields of a row, ascending from 1; none: whole lines
+    char delimiter = ',';              ///< between fields
+    bool hasHeader = false;            ///< the first line of a file stays as it is
+    bool goesOn = false;  ///< an empty line or field takes its place; else the filter stops there
 };
 
 struct AngleOptions {

@@ -3,14 +3,68 @@
 #include "Commands.hpp"
 #include "Escapes.hpp"
 #include "Joined.hpp"
+#include "RowFields.hpp"
 
+#include <filesystem>
 #include <iostream>
 #include <limits>
+#include <system_error>
+#include <utility>
 
 namespace corvale::tool {
 
-InputLines::InputLines(const std::vector<std::string>& files)
-    : files_(files.empty() ? std::vector<std::string>{"-"} : files) {}
+namespace {
+
+// What came of a line.
+struct Row {
+    std::string text;
+    std::vector<Unusable> unusable = {};
+};
+
+Row ConvertLine(std::string_view line, const Conversion& convert) {
+    Converted converted = convert(line);
+    if (auto* const unusable = std::get_if<Unusable>(&converted)) return {"", {*unusable}};
+    return {std::move(std::get<std::string>(converted))};
+}
+
+// The fields that are not converted stay byte for byte.
+Row ConvertFields(std::string_view line, const FilterOptions& options, const Conversion& convert) {
+    const auto split = FieldsOf(line, options.delimiter);
+    if (const auto* const unusable = std::get_if<Unusable>(&split)) return {"", {*unusable}};
+    const auto& fields = std::get<std::vector<RowField>>(split);
+    if (options.columns.back() > fields.size())
+        return {"",
+                {{line.size() + 1, Joined("the row ends in column ", fields.size(), ", before ",
+                                          options.columns.back())}}};
+    Row row;
+    std::size_t copied = 0;
+    for (const std::size_t column : options.columns) {
+        const RowField& field = fields[column - 1];
+        row.text.append(line.substr(copied, field.begin - copied));
+        copied = field.end;
+        const Converted converted = convert(FieldText(line, field));
+        if (const auto* const unusable = std::get_if<Unusable>(&converted))
+            row.unusable.push_back({ColumnInRow(line, field, unusable->column), unusable->why});
+        else
+            row.text.append(
+                AsField(std::get<std::string>(converted), options.delimiter, field.isQuoted));
+    }
+    row.text.append(line.substr(copied));
+    return row;
+}
+
+// Whoever names a file where a value is wanted is told how.
+std::string FileAdvice(const FilterOptions& options, const Line& line) {
+    std::error_code none;
+    if (options.values.empty() || !std::filesystem::is_regular_file(line.text, none)) return "";
+    return "; a file is read with --file";
+}
+
+}  // namespace
+
+InputLines::InputLines(const FilterOptions& options)
+    : values_(options.values),
+      files_(options.files.empty() ? std::vector<std::string>{"-"} : options.files) {}
 
 // The next file, if it can be.
 bool InputLines::Open() {
@@ -21,6 +75,12 @@ bool InputLines::Open() {
 }
 
 bool InputLines::Next(Line& line) {
+    if (!values_.empty()) {
+        if (valuesTaken_ == values_.size()) return false;
+        line.text = values_[valuesTaken_++];
+        line.number = valuesTaken_;
+        return true;
+    }
     while (file_ || Open()) {
         if (file_->ReadLine(line, std::numeric_limits<std::size_t>::max())) return true;
         if (file_->Failure()) {
@@ -35,25 +95,29 @@ bool InputLines::Next(Line& line) {
 }
 
 std::string InputLines::Place(const Line& line) const {
+    if (!values_.empty()) return Joined("argument ", line.number);
     const std::string& name = files_[opened_ - 1];
     return Joined(name == "-" ? "" : Escaped(name) + ": ", "line ", line.number);
 }
 
-int RunFilter(std::string_view command, const FilterOptions& options,
-              const std::function<Converted(std::string_view line)>& convert) {
-    InputLines input(options.files);
+int RunFilter(std::string_view command, const FilterOptions& options, const Conversion& convert) {
+    InputLines input(options);
     int status = kExitOk;
     Line line;
     while (std::cout && input.Next(line)) {
-        const Converted converted = convert(line.text);
-        if (const auto* unusable = std::get_if<Unusable>(&converted)) {
-            SayUnusable(command, input.Place(line), *unusable);
+        Row row;
+        if (options.hasHeader && line.number == 1)
+            row.text = line.text;
+        else
+            row = options.columns.empty() ? ConvertLine(line.text, convert)
+                                          : ConvertFields(line.text, options, convert);
+        for (const Unusable& unusable : row.unusable) {
+            SayUnusable(command, input.Place(line),
+                        {unusable.column, unusable.why + FileAdvice(options, line)});
             status = kExitFindings;
             if (!options.goesOn) return status;
-        } else {
-            std::cout << std::get<std::string>(converted);
         }
-        std::cout << (line.hasReturn ? "\r\n" : "\n");
+        std::cout << row.text << (line.hasReturn ? "\r\n" : "\n");
     }
     return input.Failure() ? SayUnreadable(command, *input.Failure()) : status;
 }

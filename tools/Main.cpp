@@ -15,7 +15,7 @@ int Run(int argc, char** argv) {
     int status = kExitOk;
     AddCommands(app, status);
     try {
-        app.parse(argc, argv);
+        app.parse(Arguments(app, argc, argv));
     } catch (const CLI::ParseError& error) {
         status = ReportParseError(app, error);
     }

@@ -153,6 +153,72 @@ TEST_F(Filters, SortKeysWithTheirIntegers) {
     EXPECT_NE(goesOn.err.find("line 3, column 51: "), std::string::npos) << goesOn.err;
 }
 
+const LineCase kRows[] = {
+    {"alpha5 --column 2", "x,100000,5\r\n,25,\n", "x,A0000,5\r\n,00025,\n", "the rest stays"},
+    {"alpha5 -c 3,1", "1,2,3,4\n", "00001,2,00003,4\n", "in any order"},
+    {"alpha5 -c 1 -c 1", "1\n", "00001\n", "once"},
+    {"alpha5 -c 2 --header", "number,code\n1,1\n", "number,code\n1,00001\n", "names stay"},
+    {"angle -c 2 -d tab", "a\t-0.5\n", "a\t-003000.000\n", "tabs"},
+    {"angle -c 2 --delimiter ';'", "1,5;10:30\n", "1,5;0103000.000\n", "semicolons"},
+    {"number -c 1", "\"1.5-3\",x\"y\n", "\"0.0015\",x\"y\n", "quoted before, quoted after"},
+    {"upper -c 2", "\"a,\"\"b\",\"c,\"\"d\",e\n", "\"a,\"\"b\",\"C,\"\"D\",e\n", "marks in fields"},
+    {"replace -c 1 a ','", "a,a\n\"a\"\n", "\",\",a\n\",\"\n", "quoted because it must be"},
+    {"replace -c 1 a '\"'", "ab,a\nba,\n", "\"\"\"b\",a\nb\",\n", "a mark at the beginning"},
+};
+
+TEST_F(Filters, ConvertColumnsOfRows) {
+    for (const auto& [arguments, in, out, why] : kRows) {
+        WriteFile("in", in);
+        const Outcome outcome = Corvale(std::string(arguments) + " <in");
+        EXPECT_EQ(outcome.exitCode, 0) << arguments << ": " << outcome.err;
+        EXPECT_EQ(outcome.out, out) << arguments << ": " << why;
+    }
+    const struct {
+        const char *arguments, *row, *kept, *place;
+    } unusable[] = {
+        {"alpha5 -c 2", "1,x,3", "1,,3", "line 1, column 3: "},
+        {"alpha5 -c 2,3", "1,2,-", "1,00002,", "line 1, column 6: "},
+        {"alpha5 -c 4", "1,2,3", "", "line 1, column 6: the row ends in column 3"},
+        {"upper -c 1", "a,\"b", "", "line 1, column 3: this quotation mark"},
+        {"upper -c 1", "\"a\"b,c", "", "line 1, column 4: a quoted field"},
+        {"number -c 2", "\"\"\"\",\"1\"\"2\"", "\"\"\"\",", "line 1, column 8: "},
+    };
+    for (const auto& [arguments, row, kept, place] : unusable) {
+        WriteFile("in", std::string(row) + "\n");
+        const Outcome strict = Corvale(std::string(arguments) + " <in");
+        EXPECT_EQ(strict.exitCode, 1) << row;
+        EXPECT_EQ(strict.out, "") << row;
+        EXPECT_NE(strict.err.find(place), std::string::npos) << strict.err;
+        EXPECT_EQ(Corvale(std::string(arguments) + " --keep-going <in").out,
+                  std::string(kept) + "\n");
+    }
+}
+
+TEST_F(Filters, TakeValuesAsArguments) {
+    const struct {
+        const char *arguments, *out;
+    } cases[] = {
+        {"alpha5 100000 25", "A0000\n00025\n"},
+        {"alpha5 --decode A0000", "100000\n"},
+        {"angle -10.5 --hours -.5", "2318000\n2358000\n"},
+        {"angle 10:30:00", "0103000.000\n"},
+        {"number --value 'A = -1D3'", "-1000\n"},
+        {"number -c 2 'a,1D3'", "a,1000\n"},
+    };
+    for (const auto& [arguments, out] : cases) {
+        const Outcome outcome = Corvale(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
+        EXPECT_EQ(outcome.out, out) << arguments;
+    }
+    WriteFile("file", "1\n");
+    const Outcome file = Corvale("alpha5 --keep-going 1 file -1");
+    EXPECT_EQ(file.out, "00001\n\n\n");
+    EXPECT_EQ(file.err,
+              "corvale alpha5: argument 2, column 1: \"file\" is no integer; a file is read with "
+              "--file\n"
+              "corvale alpha5: argument 3, column 1: \"-1\" is no number from 0 to 339999\n");
+}
+
 TEST_F(Filters, TakeEverySatelliteNumberThereAndBack) {
     EXPECT_EQ(
         Run(std::string("seq 0 339999 >numbers.txt; ") + CORVALE_PROGRAM +
@@ -164,7 +230,9 @@ TEST_F(Filters, TakeEverySatelliteNumberThereAndBack) {
 TEST_F(Filters, RefuseWrongArguments) {
     WriteFile("in", "a\n");
     for (const char* arguments :
-         {"replace '' x", "replace a", "alpha5 --strict --keep-going", "angle --degrees --hours"}) {
+         {"replace '' x", "replace a", "alpha5 --strict --keep-going", "angle --degrees --hours",
+          "alpha5 1 --file in", "alpha5 --header 1", "upper -d ,", "upper -c 0", "upper -c 1,x",
+          "upper -c 1 -d '\"'", "upper -c 1 -d ''", "upper -1"}) {
         const Outcome outcome = Corvale(std::string(arguments) + " <in");
         EXPECT_EQ(outcome.exitCode, 2) << arguments;
         EXPECT_NE(outcome.err, "") << arguments;
