@@ -21,22 +21,25 @@ struct Row {
     std::vector<Unusable> unusable = {};
 };
 
-Row ConvertLine(std::string_view line, const Conversion& convert) {
+void ConvertLine(std::string_view line, const Conversion& convert, Row& row) {
     Converted converted = convert(line);
-    if (auto* const unusable = std::get_if<Unusable>(&converted)) return {"", {*unusable}};
-    return {std::move(std::get<std::string>(converted))};
+    if (auto* const text = std::get_if<std::string>(&converted))
+        row.text = std::move(*text);
+    else
+        row.unusable.push_back(std::get<Unusable>(std::move(converted)));
 }
 
 // The fields that are not converted stay byte for byte.
-Row ConvertFields(std::string_view line, const FilterOptions& options, const Conversion& convert) {
+void ConvertFields(std::string_view line, const FilterOptions& options, const Conversion& convert,
+                   Row& row) {
     const auto split = FieldsOf(line, options.delimiter);
-    if (const auto* const unusable = std::get_if<Unusable>(&split)) return {"", {*unusable}};
+    if (const auto* const unusable = std::get_if<Unusable>(&split))
+        return row.unusable.push_back(*unusable);
     const auto& fields = std::get<std::vector<RowField>>(split);
     if (options.columns.back() > fields.size())
-        return {"",
-                {{line.size() + 1, Joined("the row ends in column ", fields.size(), ", before ",
-                                          options.columns.back())}}};
-    Row row;
+        return row.unusable.push_back(
+            {line.size() + 1, Joined("the row ends in column ", fields.size(), ", before ",
+                                     options.columns.back())});
     std::size_t copied = 0;
     for (const std::size_t column : options.columns) {
         const RowField& field = fields[column - 1];
@@ -50,7 +53,6 @@ Row ConvertFields(std::string_view line, const FilterOptions& options, const Con
                 AsField(std::get<std::string>(converted), options.delimiter, field.isQuoted));
     }
     row.text.append(line.substr(copied));
-    return row;
 }
 
 // Whoever names a file where a value is wanted is told how.
@@ -104,13 +106,15 @@ int RunFilter(std::string_view command, const FilterOptions& options, const Conv
     InputLines input(options);
     int status = kExitOk;
     Line line;
-    while (std::cout && input.Next(line)) {
-        Row row;
+    for (Row row; std::cout && input.Next(line);) {
+        row.text.clear();
+        row.unusable.clear();
         if (options.hasHeader && line.number == 1)
             row.text = line.text;
+        else if (options.columns.empty())
+            ConvertLine(line.text, convert, row);
         else
-            row = options.columns.empty() ? ConvertLine(line.text, convert)
-                                          : ConvertFields(line.text, options, convert);
+            ConvertFields(line.text, options, convert, row);
         for (const Unusable& unusable : row.unusable) {
             SayUnusable(command, input.Place(line),
                         {unusable.column, unusable.why + FileAdvice(options, line)});
