@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # test-python.sh: installs the Python package into a fresh virtual environment, without a package
-# index, and runs its tests, the type checker and the Dask example on two processes.
+# index, and runs its tests, the type checker and the Dask example on two processes; then packs its
+# sources, as they are and again from what was packed, and installs it for editing.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -39,4 +40,24 @@ logs=$(mktemp -d)
 "$python" "$top/examples/dask_catalogue.py" --files 6 --records 4000 --logs "$logs"
 [ "$(cat "$logs"/*.log | grep -c '^loaded')" -eq 12 ] || { echo "a log lacks lines"; exit 1; }
 rm -r "$logs"
+
+echo "== sdist, here and outside git"
+scratch=$(mktemp -d)
+# pack FOLDER TO: the sdist of the package in FOLDER
+pack() {
+    (cd "$1/bindings/python" && "$python" -B -c 'import build_backend, sys; build_backend.build_sdist(sys.argv[1])' "$2")
+}
+mkdir "$scratch"/{first,second}
+pack "$top" "$scratch/first"
+tar -xzf "$scratch"/first/*.tar.gz -C "$scratch"
+grep -x 'Name: corvale' "$scratch"/corvale-*/PKG-INFO
+pack "$scratch"/corvale-* "$scratch/second"
+diff <(tar -tzf "$scratch"/first/*.tar.gz | sort) <(tar -tzf "$scratch"/second/*.tar.gz | sort)
+rm -r "$scratch"
+
+echo "== pip install -e ."
+quiet /usr/bin/python3 -m venv --clear --system-site-packages "$top/build/python-editable"
+quiet "$top/build/python-editable/bin/python" -m pip install -e "$top"
+"$top/build/python-editable/bin/python" -m unittest discover -s "$top/bindings/python/tests" -t "$top/bindings/python/tests" \
+    -p 'test_appearance.py'
 echo "== all passed"

@@ -1,5 +1,8 @@
 // The module corvale._arrays: every row of the tables as a function, and the lists.
+#include <corvale/Corvale.h>
+
 #include "Calls.hpp"
+#include "Functions.hpp"
 #include "Lists.hpp"
 
 namespace corvale::python {
@@ -87,4 +90,6 @@ PYBIND11_MODULE(_arrays, module) {
         }
     module.attr("_TABLE") = python::py::tuple(rows);
     python::AddLists(module);
+    module.attr("__version__") = CORVALE_VERSION;
+    python::NameFunctions(module);
 }

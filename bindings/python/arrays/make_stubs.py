@@ -34,6 +34,7 @@ _Bools = npt.NDArray[np.bool_]
 _Bytes = npt.NDArray[np.bytes_]
 
 _TABLE: tuple[dict[str, Any], ...]
+__version__: str
 '''
 
 LISTS = '''
@@ -98,7 +99,8 @@ def signatures(row: dict[str, Any]) -> list[str]:
 
 def stub() -> str:
     """The whole text of the stub."""
-    return HEAD + "".join(f"\n{text}" for row in _arrays._TABLE for text in signatures(row)) + LISTS
+    names = "".join(f'    "{name}",\n' for name in _arrays.__all__)
+    return HEAD + f"__all__ = [\n{names}]\n" + "".join(f"\n{text}" for row in _arrays._TABLE for text in signatures(row)) + LISTS
 
 
 if __name__ == "__main__":

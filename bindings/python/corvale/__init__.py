@@ -25,11 +25,16 @@ NumPy     Needed for arrays and lists, not for scalars.
 Exact: results are the same to the last bit as those of the C++ procedures that the docstrings name.
 """
 
-import ctypes
+import ctypes as _ctypes
 
 from corvale import capi as capi
 
 # One library for both parts: what is loaded first, by whatever path, serves the compiled module too.
-ctypes.CDLL(capi.library_path(), mode=ctypes.RTLD_LOCAL)
+_ctypes.CDLL(capi.library_path(), mode=_ctypes.RTLD_LOCAL)
 
+from corvale import _arrays  # noqa: E402
 from corvale._arrays import *  # noqa: E402,F403
+from corvale._arrays import __version__ as __version__  # noqa: E402
+
+__all__ = ["capi"]
+__all__ += _arrays.__all__

@@ -14,6 +14,7 @@ message. Code that reaches the same library by another way is not held back by t
 from __future__ import annotations
 
 import ctypes
+import errno
 import functools
 import operator
 import os
@@ -26,6 +27,20 @@ StrPath = Union[str, "os.PathLike[str]"]
 
 class CorvaleError(RuntimeError):
     """The library returned status 2; says what the library said."""
+
+
+class CorvaleFileError(CorvaleError, OSError):
+    """A file could not be opened. `filename` is its name, `errno` the system's reason, None where
+    that is not known; what it says is what the library said."""
+
+    def __init__(self, message: str, code: int | None = None, filename: str | None = None) -> None:
+        super().__init__(message, code, filename)
+        self.filename = filename
+        if code is not None:
+            self.errno = code
+
+    def __str__(self) -> str:
+        return str(self.args[0])
 
 
 class Argument(NamedTuple):
@@ -150,8 +165,8 @@ class Corvale:
 
     def open_log_file(self, name: StrPath) -> None:
         """OpenLogFile: opens the log, created or emptied; from then on every message is also a line
-        of it. CorvaleError if it cannot be opened."""
-        self._check("OpenLogFile", _not_indented(os.fspath(name)))
+        of it. CorvaleFileError if it cannot be opened."""
+        self._open("OpenLogFile", os.fspath(name))
 
     def close_log_file(self) -> None:
         """CloseLogFile: closes the log, if one is open, and blanks the last error message."""
@@ -202,9 +217,9 @@ class Corvale:
         self._check("SetElsetKeyMode", mode)
 
     def load_file(self, name: StrPath) -> None:
-        """CorvaleLoadFile: reads the cards of an input file. CorvaleError when it cannot be opened,
-        never for what it holds."""
-        self._check("CorvaleLoadFile", _not_indented(os.fspath(name)))
+        """CorvaleLoadFile: reads the cards of an input file. CorvaleFileError when it cannot be
+        opened, never for what it holds."""
+        self._open("CorvaleLoadFile", os.fspath(name))
 
     def moic_data(self, count: int = 128) -> tuple[float, ...]:
         """GetMOICData: the first `count` values of the array that QZ_MOIC cards fill; for more than
@@ -261,6 +276,14 @@ class Corvale:
             if self._call_alone(name, *given)[0] != 0:
                 raise CorvaleError(self._call_alone("GetLastErrMsg")[1][0])
 
+    def _open(self, function: str, name: str) -> None:
+        """A call that opens a file."""
+        try:
+            self._check(function, _not_indented(name))
+        except CorvaleError as failure:
+            code = _why_unreadable(name) if function == "CorvaleLoadFile" else None
+            raise CorvaleFileError(str(failure), code, name) from None
+
 
 # A handler of signals may call in between, so a thread may take it twice. Held while the process
 # forks, so that a child never inherits it locked.
@@ -270,6 +293,16 @@ os.register_at_fork(
     after_in_parent=_one_at_a_time.release,
     after_in_child=_one_at_a_time.release,
 )
+
+
+def _why_unreadable(name: str) -> int | None:
+    """The system's reason, which the library does not tell. A backslash is a slash for it."""
+    path = name.rstrip(" ").replace("\\", "/")
+    try:
+        os.close(os.open(path, os.O_RDONLY | os.O_NONBLOCK | os.O_CLOEXEC | os.O_NOCTTY))
+    except OSError as why:
+        return why.errno
+    return errno.EISDIR if os.path.isdir(path) else None
 
 
 def _by_value(argument: Argument) -> bool:

@@ -3,12 +3,14 @@
 from __future__ import annotations
 
 import ctypes
+import errno
 import os
 import pathlib
+import pickle
 import tempfile
 from typing import Any
 
-from corvale.capi import API, Corvale, CorvaleError, Values, arguments
+from corvale.capi import API, Corvale, CorvaleError, CorvaleFileError, Values, arguments
 
 LEAST, GREATEST = -(2**31), 2**31 - 1
 LEAST_LONG, GREATEST_LONG = -(2**63), 2**63 - 1
@@ -95,6 +97,23 @@ def log(corvale: Corvale) -> None:
     assert (corvale.last_info_message(), corvale.last_error_message()) == ("pass 1 of 3", "")
 
 
+def files(corvale: Corvale) -> None:
+    with tempfile.TemporaryDirectory() as folder:
+        reasons = {(corvale.load_file, f"{folder}/none"): errno.ENOENT, (corvale.load_file, folder): errno.EISDIR,
+                   (corvale.load_file, ""): errno.ENOENT, (corvale.load_file, f"{folder}\\\\none"): errno.ENOENT,
+                   (corvale.open_log_file, folder): None}
+        for (call, name), reason in reasons.items():
+            try:
+                call(name)
+            except OSError as failure:
+                assert isinstance(failure, CorvaleFileError) and str(failure) == corvale.last_error_message()
+                assert (failure.errno, failure.filename) == (reason, name), failure.errno
+                copy = pickle.loads(pickle.dumps(failure))
+                assert (str(copy), copy.errno, copy.filename) == (str(failure), reason, name)
+            else:
+                raise AssertionError(f"opened: {name}")
+
+
 def cards(corvale: Corvale) -> None:
     corvale.load_file(os.environ["CORVALE_INPUT"])
     assert (corvale.elset_key_mode, corvale.all_key_mode) == (1, 1)
@@ -153,7 +172,7 @@ def main() -> None:
     corvale.init()
     assert corvale.info().startswith("Arvenit Corvale - Version: v9.4 - Build: ")
     assert corvale.init_dll_names() == ""
-    for scene in (modes, log, cards, self_tests, refusals):
+    for scene in (modes, log, files, cards, self_tests, refusals):
         scene(corvale)
     assert not hasattr(ctypes.CDLL(None), "CorvaleInit"), "the library's names are global"
     assert called == functions, f"called or in the table, not both: {called ^ functions}"
