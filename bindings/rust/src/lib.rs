@@ -26,6 +26,7 @@ use text::{filled, filled_unindented, trimmed};
 
 /// Why a call had no effect.
 #[derive(Clone, Debug, PartialEq, Eq)]
+#[non_exhaustive]
 pub enum Error {
     /// The library, or one of its functions, was not found: the loader's reason.
     NotLoaded(String),
@@ -44,6 +45,46 @@ impl fmt::Display for Error {
 }
 
 impl std::error::Error for Error {}
+
+/// What a key mode is set to. C++ libraries of the process may set numbers that the C functions refuse.
+#[derive(Clone, Copy, Debug, Default, PartialEq, Eq, Hash)]
+#[non_exhaustive]
+pub enum KeyMode {
+    /// 0, as when the library is loaded.
+    #[default]
+    Off,
+    /// 1.
+    On,
+    /// Another number; setting it fails.
+    Other(i32),
+}
+
+impl From<i32> for KeyMode {
+    fn from(number: i32) -> KeyMode {
+        match number {
+            0 => KeyMode::Off,
+            1 => KeyMode::On,
+            other => KeyMode::Other(other),
+        }
+    }
+}
+
+impl From<KeyMode> for i32 {
+    fn from(mode: KeyMode) -> i32 {
+        match mode {
+            KeyMode::Off => 0,
+            KeyMode::On => 1,
+            KeyMode::Other(number) => number,
+        }
+    }
+}
+
+/// The number, as in the C API.
+impl fmt::Display for KeyMode {
+    fn fmt(&self, out: &mut fmt::Formatter) -> fmt::Result {
+        i32::from(*self).fmt(out)
+    }
+}
 
 /// One of every kind of argument, for the interface tests.
 #[derive(Clone, Debug, Default, PartialEq)]
@@ -124,24 +165,24 @@ impl Corvale {
         self.read::<128>(|api, message| unsafe { (api.GetLastInfoMsg)(message) })
     }
 
-    /// `GetDupKeyMode`. The duplication key mode, 0 or 1.
-    pub fn dup_key_mode(&self) -> i32 {
-        self.alone(|api| unsafe { (api.GetDupKeyMode)() })
+    /// `GetDupKeyMode`. The duplication key mode.
+    pub fn dup_key_mode(&self) -> KeyMode {
+        self.alone(|api| unsafe { (api.GetDupKeyMode)() }).into()
     }
 
-    /// `SetDupKeyMode`. Sets the duplication key mode; a mode other than 0 and 1 fails and changes nothing.
-    pub fn set_dup_key_mode(&self, mode: i32) -> Result<(), Error> {
-        self.check(|api| unsafe { (api.SetDupKeyMode)(mode) })
+    /// `SetDupKeyMode`. Sets the duplication key mode; [`KeyMode::Other`] fails and changes nothing.
+    pub fn set_dup_key_mode(&self, mode: KeyMode) -> Result<(), Error> {
+        self.check(|api| unsafe { (api.SetDupKeyMode)(mode.into()) })
     }
 
     /// `GetAllKeyMode`. The all-key mode, 0 or 1.
-    pub fn all_key_mode(&self) -> i32 {
-        self.alone(|api| unsafe { (api.GetAllKeyMode)() })
+    pub fn all_key_mode(&self) -> KeyMode {
+        self.alone(|api| unsafe { (api.GetAllKeyMode)() }).into()
     }
 
-    /// `SetAllKeyMode`. Sets the all-key mode; a mode other than 0 and 1 fails and changes nothing.
-    pub fn set_all_key_mode(&self, mode: i32) -> Result<(), Error> {
-        self.check(|api| unsafe { (api.SetAllKeyMode)(mode) })
+    /// `SetAllKeyMode`. Sets the all-key mode; [`KeyMode::Other`] fails and changes nothing.
+    pub fn set_all_key_mode(&self, mode: KeyMode) -> Result<(), Error> {
+        self.check(|api| unsafe { (api.SetAllKeyMode)(mode.into()) })
     }
 
     /// `ResetAllKeyMode`. Sets the all-key and the duplication key mode back to 0.
@@ -149,14 +190,14 @@ impl Corvale {
         self.alone(|api| unsafe { (api.ResetAllKeyMode)() })
     }
 
-    /// `GetElsetKeyMode`. The element-set key mode, 0 or 1.
-    pub fn elset_key_mode(&self) -> i32 {
-        self.alone(|api| unsafe { (api.GetElsetKeyMode)() })
+    /// `GetElsetKeyMode`. The element-set key mode.
+    pub fn elset_key_mode(&self) -> KeyMode {
+        self.alone(|api| unsafe { (api.GetElsetKeyMode)() }).into()
     }
 
-    /// `SetElsetKeyMode`. Sets the element-set key mode; a mode other than 0 and 1 fails and changes nothing.
-    pub fn set_elset_key_mode(&self, mode: i32) -> Result<(), Error> {
-        self.check(|api| unsafe { (api.SetElsetKeyMode)(mode) })
+    /// `SetElsetKeyMode`. Sets the element-set key mode; [`KeyMode::Other`] fails and changes nothing.
+    pub fn set_elset_key_mode(&self, mode: KeyMode) -> Result<(), Error> {
+        self.check(|api| unsafe { (api.SetElsetKeyMode)(mode.into()) })
     }
 
     /// `CorvaleLoadFile`. Reads the cards of an input file. Fails when it cannot be opened, never for what it holds.

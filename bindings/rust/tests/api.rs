@@ -1,6 +1,6 @@
 //! Walks the table of the C API and proves that this binding declares and calls all of it.
 
-use corvale::{Corvale, Error, Values, DECLARATIONS};
+use corvale::{Corvale, Error, KeyMode, Values, DECLARATIONS};
 use std::{env, fs, path::PathBuf};
 
 fn setting(name: &str) -> String {
@@ -57,22 +57,26 @@ fn identity(corvale: &Corvale) {
 }
 
 fn modes(corvale: &Corvale) {
-    corvale.set_dup_key_mode(1).unwrap();
-    corvale.set_all_key_mode(1).unwrap();
+    corvale.set_dup_key_mode(KeyMode::On).unwrap();
+    corvale.set_all_key_mode(KeyMode::On).unwrap();
     assert_eq!(
         (corvale.dup_key_mode(), corvale.all_key_mode(), corvale.elset_key_mode()),
-        (1, 1, 0)
+        (KeyMode::On, KeyMode::On, KeyMode::default())
     );
-    corvale.set_elset_key_mode(1).unwrap();
+    corvale.set_elset_key_mode(KeyMode::On).unwrap();
     corvale.reset_all_key_mode();
     assert_eq!(
         (corvale.dup_key_mode(), corvale.all_key_mode(), corvale.elset_key_mode()),
-        (0, 0, 1)
+        (KeyMode::Off, KeyMode::Off, KeyMode::On)
     );
-    corvale.set_elset_key_mode(0).unwrap();
+    corvale.set_elset_key_mode(KeyMode::Off).unwrap();
     let reason = "SetDupKeyMode: invalid input value for DUPLICATION key mode.";
-    assert_eq!(corvale.set_dup_key_mode(2), Err(Error::Failed(reason.to_string())));
+    let refused = corvale.set_dup_key_mode(KeyMode::Other(2));
+    assert_eq!(refused, Err(Error::Failed(reason.to_string())));
     assert_eq!(corvale.last_err_msg(), reason);
+    for number in [0, 1, 2, -1] {
+        assert_eq!(i32::from(KeyMode::from(number)), number);
+    }
 }
 
 fn log(corvale: &Corvale) {
@@ -101,7 +105,7 @@ fn cards(corvale: &Corvale) {
     let values = corvale.moic_data(9);
     assert_eq!(values[..3], [6378.135, 398600.8, 1.0826158e-3]);
     assert_eq!(values[6..], [0.25, 0.0, 1e-12]);
-    assert_eq!((corvale.elset_key_mode(), corvale.all_key_mode()), (1, 1));
+    assert_eq!((corvale.elset_key_mode(), corvale.all_key_mode()), (KeyMode::On, KeyMode::On));
     assert_eq!((corvale.moic_data(0).len(), corvale.moic_data(129)), (0, vec![0.0; 129]));
 }
 
