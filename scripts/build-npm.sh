@@ -22,6 +22,6 @@ build_all >"$folder/build.log" 2>&1 || { cat "$folder/build.log" >&2; exit 1; }
 rm -rf "$package"
 mkdir -p "$package"
 cd "$package"
-cp "$top"/bindings/javascript/wasm/{*.js,*.d.ts,package.json,README.md} "$top"/bindings/javascript/{c_api,declarations}.js \
+cp "$top"/bindings/javascript/wasm/{*.js,*.d.ts,package.json,README.md} "$top"/bindings/javascript/{c_api.js,c_api.d.ts,declarations.js} \
     "$folder/bindings/javascript/wasm/corvale.wasm" .
 npm pack --silent

@@ -12,7 +12,7 @@ fi
 
 out=../../build/bindings/javascript
 mkdir -p "$out"
-cp -r package.json package-lock.json .npmrc ./*.js test "$out"
+cp -r package.json package-lock.json .npmrc ./*.js ./*.d.ts test "$out"
 cd "$out"
 if ! cmp -s package-lock.json installed.json; then
     npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >/dev/null

@@ -1,7 +1,9 @@
 // Walks the table of the C API and proves that this binding declares and calls all of it.
 
 import assert from 'node:assert/strict';
+import fs from 'node:fs';
 import koffi from 'koffi';
+import { CApi } from '../c_api.js';
 import { Corvale, CorvaleError } from '../corvale.js';
 import { DECLARATIONS } from '../declarations.js';
 import { runParts } from './parts.js';
@@ -20,6 +22,11 @@ koffi.load = (...how) => {
   };
   return { func };
 };
+
+// The types declare what there is.
+const declared = fs.readFileSync(new URL('../c_api.d.ts', import.meta.url), 'utf8').split('export class CApi')[1];
+const names = [...declared.matchAll(/^  (?:protected )?(\w+)[(:]/gm)].map((match) => match[1]);
+assert.deepEqual(names.sort(), Object.getOwnPropertyNames(CApi.prototype).sort());
 
 const checked = runParts({ corvale: new Corvale(), CorvaleError, DECLARATIONS });
 assert.throws(() => new Corvale('no-such.so'), /no-such\.so/);

@@ -1,5 +1,6 @@
-/** The library returned status 2; the message is its own. */
-export class CorvaleError extends Error {}
+import { CApi } from './c_api.js';
+
+export { CorvaleError, type TestValues } from './c_api.js';
 
 /** Files in memory, by name; there are no folders. */
 export class MemoryFiles {
@@ -21,45 +22,11 @@ interface OfPairs {
   (a: Reals, b: Reals): Float64Array;
 }
 
-/** What the self-tests give back, changed or not. */
-export interface TestValues {
-  ch: number;
-  i: number;
-  l: bigint;
-  d: number;
-  text: string;
-  i3: Int32Array;
-  l3: BigInt64Array;
-  d3: Float64Array;
-  i6: Int32Array;
-  l6: BigInt64Array;
-  d6: Float64Array;
-}
-
 /** The library. It has a state of its own: messages, log, modes and values. */
-export class Corvale {
+export class Corvale extends CApi {
   private constructor();
   /** The files that it sees: in a browser a MemoryFiles. */
   readonly files: MemoryFiles;
-
-  init(): void;
-  info(): string;
-  initDllNames(): string;
-  openLogFile(fileName: string): void;
-  closeLogFile(): void;
-  logMessage(message: string): void;
-  lastErrMsg(): string;
-  lastInfoMsg(): string;
-  dupKeyMode: number;
-  allKeyMode: number;
-  elsetKeyMode: number;
-  resetAllKeyMode(): void;
-  /** Throws a CorvaleError where the file does not open. */
-  loadFile(fileName: string): void;
-  moicData(count: number): Float64Array;
-  testInterface(values: TestValues): TestValues;
-  testInterface2(values: TestValues): TestValues;
-  testInterface3(values: Pick<TestValues, 'i3' | 'i6'>): Pick<TestValues, 'i3' | 'i6'>;
 
   numToAlpha5(number: number): string;
   alpha5ToNum(code: string): number;
