@@ -18,7 +18,7 @@ bash_file=$scratch/share/bash-completion/completions/corvale
 zsh_file=$scratch/share/zsh/site-functions/_corvale
 fish_file=$scratch/share/fish/vendor_completions.d/corvale.fish
 commands=$("$build/tools/corvale" --help | sed -nE 's/^  ([a-z][a-z0-9]+) {5,}.*/\1/p')
-[ "$(wc -w <<<"$commands")" -eq 12 ] || fail "not 12 commands: $commands"
+[ "$(wc -w <<<"$commands")" -eq 13 ] || fail "not 13 commands: $commands"
 
 # --- the man page
 for device in utf8 ascii; do
@@ -47,7 +47,8 @@ touch orbit.inp 'two words.inp'
 [ "$(in_bash corvale load orb)" = orbit.inp ] || fail "bash: a file"
 [ "$(in_bash corvale check two)" = "two words.inp" ] || fail "bash: a file of two words"
 [ "$(in_bash corvale load --log orb)" = orbit.inp ] || fail "bash: the log file"
-[ -z "$(in_bash corvale upper orb)" ] || fail "bash: upper takes no file"
+[ "$(in_bash corvale alpha5 --file orb)" = orbit.inp ] || fail "bash: the file of a filter"
+[ -z "$(in_bash corvale alpha5 orb)" ] || fail "bash: alpha5 takes values"
 for command in $commands; do
     [[ " $(in_bash corvale '') " == *" $command "* ]] || fail "bash: $command is missing"
 done
@@ -80,5 +81,5 @@ in_fish() { fish --no-config -c 'source $argv[1]; complete -C "$argv[2]"' "$fish
 [ "$(in_fish 'corvale lo')" = "load lower" ] || fail "fish: lo: $(in_fish 'corvale lo')"
 [ "$(in_fish 'corvale load --js')" = --json ] || fail "fish: --js: $(in_fish 'corvale load --js')"
 [ "$(in_fish 'corvale load orb')" = orbit.inp ] || fail "fish: a file: $(in_fish 'corvale load orb')"
-[ -z "$(in_fish 'corvale upper orb')" ] || fail "fish: upper takes no file"
+[ -z "$(in_fish 'corvale alpha5 orb')" ] || fail "fish: alpha5 takes values"
 echo "check-program.sh: all well"

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <set>
 #include <string_view>
 
 namespace corvale::tool {
@@ -47,6 +48,25 @@ std::string ValueWords(const CLI::Option& option) {
     return words;
 }
 
+// Whether the value of an option is a file's name.
+bool TakesFile(const CLI::Option& option) {
+    return TakesValue(option) && option.get_option_text().ends_with("FILE");
+}
+
+// "-f|--file|--log": the options of all commands that take a file's name.
+std::string FileOptions(const CLI::App& app) {
+    std::set<std::string> names;
+    for (const CLI::App* command : ShownCommands(app))
+        for (const CLI::Option* option : NamedOptions(*command)) {
+            if (!TakesFile(*option)) continue;
+            for (const std::string& name : option->get_snames()) names.insert(Joined("-", name));
+            for (const std::string& name : option->get_lnames()) names.insert(Joined("--", name));
+        }
+    std::string pattern;
+    for (const std::string& name : names) pattern += Joined(pattern.empty() ? "" : "|", name);
+    return pattern;
+}
+
 // Brackets and colons have a meaning in zsh's descriptions of options.
 std::string ZshText(std::string_view text) {
     std::string escaped;
@@ -58,8 +78,10 @@ std::string ZshText(std::string_view text) {
 }
 
 void PrintZshOption(const CLI::Option& option) {
-    const std::string values =
-        ValueWords(option).empty() ? ":file:_files" : Joined(":value:(", ValueWords(option), ")");
+    const std::string values = TakesFile(option) ? ":file:_files"
+                               : ValueWords(option).empty()
+                                   ? ":value: "
+                                   : Joined(":value:(", ValueWords(option), ")");
     const std::string tail =
         Joined("[", ZshText(option.get_description()), "]", TakesValue(option) ? values : "");
     const auto print = [&](const std::string& name) {
@@ -76,7 +98,7 @@ void PrintFishOption(const CLI::Option& option, const std::string& condition) {
     if (!ValueWords(option).empty())
         std::cout << " -x -a " << ShellQuoted(ValueWords(option));
     else if (TakesValue(option))
-        std::cout << " -r -F";
+        std::cout << (TakesFile(option) ? " -r -F" : " -x");
     std::cout << " -d " << ShellQuoted(option.get_description()) << '\n';
 }
 
@@ -120,6 +142,9 @@ void PrintBashCompletions(const CLI::App& app) {
         std::cout << "        " << command->get_name() << ") words='" << OptionWords(*command)
                   << "'" << (TakesFiles(*command) ? " files=1" : "") << " ;;\n";
     std::cout << "    esac\n"
+                 "    case ${COMP_WORDS[COMP_CWORD - 1]} in "
+              << FileOptions(app)
+              << ") files=1 ;; esac\n"
                  "    COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
                  "    if [[ $files && $current != -* ]]; then\n"
                  "        compopt -o filenames 2>/dev/null\n"

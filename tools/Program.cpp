@@ -20,8 +20,7 @@ constexpr const char* kAppDescription = "The Corvale foundation library on the c
 constexpr const char* kAppFooter =
     "Exit status:\n"
     "  0  all is well\n"
-    "  1  check: there are findings; diff: there are differences; filters: a line could not be "
-    "used\n"
+    "  1  check: there are findings; diff: differences; filters: unusable lines\n"
     "  2  a file or standard output failed, or the command line is wrong\n"
     "\n"
     "Examples:\n"
