@@ -5,7 +5,10 @@
     corvale.alpha5_to_num(records["satellite"])      # a million codes, int32
     inverse, x = corvale.cholesky(covariances, residuals)
 
-What holds for every procedure:
+    for finding in corvale.check("orbit.inp"):       # what corvale check finds
+        print(finding)
+
+What holds for every procedure over arrays:
 
 Operands  Scalars, arrays, and what NumPy makes an array of. They are broadcast together as NumPy
           does; all scalars give a scalar. An array of the procedure's own type is walked where it
@@ -35,6 +38,8 @@ _ctypes.CDLL(capi.library_path(), mode=_ctypes.RTLD_LOCAL)
 from corvale import _arrays  # noqa: E402
 from corvale._arrays import *  # noqa: E402,F403
 from corvale._arrays import __version__ as __version__  # noqa: E402
+from corvale.findings import Finding as Finding  # noqa: E402
+from corvale.findings import check as check  # noqa: E402
 
-__all__ = ["capi"]
+__all__ = ["Finding", "capi", "check"]
 __all__ += _arrays.__all__

@@ -7,11 +7,13 @@ from __future__ import annotations
 
 import importlib.metadata
 import inspect
+import pathlib
 import pickle
 import pydoc
 import subprocess
 import sys
 import sysconfig
+import tempfile
 import unittest
 
 import corvale
@@ -35,7 +37,8 @@ class Appearance(unittest.TestCase):
         self.assertNotIn("object", shown)
 
     def test_all_names_what_is_there(self) -> None:
-        self.assertEqual(sorted(corvale.__all__), sorted(name for name in dir(corvale) if not name.startswith("_")))
+        self.assertEqual(sorted(corvale.__all__), sorted(name for name in dir(corvale)
+                                                         if not name.startswith("_") and name != "findings"))
         self.assertLessEqual({row["name"] for row in _arrays._TABLE}, set(corvale.__all__))
         for name in _arrays.__all__:
             self.assertIs(pickle.loads(pickle.dumps(getattr(corvale, name))), getattr(corvale, name))
@@ -52,6 +55,21 @@ class Appearance(unittest.TestCase):
             said = subprocess.run([*command, "alpha5", "100000"], capture_output=True, text=True)
             self.assertEqual((said.returncode, said.stdout, said.stderr), (0, "A0000\n", ""))
             self.assertEqual(subprocess.run([*command, "load", "no such file"], capture_output=True).returncode, 2)
+
+    def test_findings_are_objects(self) -> None:
+        with tempfile.TemporaryDirectory() as folder:
+            good, bad = pathlib.Path(folder, "good.inp"), pathlib.Path(folder, "-bad.inp")
+            good.write_text("QZ_DMA_ON\n")
+            bad.write_text("* two\n QZ_DMA_ON\nQZ_MOIC 1 x\n")
+            self.assertEqual(corvale.check(), [])
+            self.assertEqual(corvale.check(good), [])
+            first, second = corvale.check(good, bad)
+            self.assertEqual(first[:5], (str(bad), 2, 2, 9, "not-in-column-1"))
+            self.assertEqual((second.line, second.column, second.code), (3, 11, "not-a-number"))
+            self.assertTrue(str(second).startswith(f"{bad}:3:11: QZ_MOIC value 2"))
+            with self.assertRaises(OSError) as caught:
+                corvale.check(good, f"{folder}/none")
+            self.assertEqual(caught.exception.filename, f"{folder}/none")
 
 
 if __name__ == "__main__":
