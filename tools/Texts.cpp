@@ -1,8 +1,5 @@
 #include "Texts.hpp"
 
-#include "Escapes.hpp"
-#include "JsonTexts.hpp"
-
 #include <corvale/Corvale.h>
 
 #include <algorithm>
@@ -45,15 +42,6 @@ std::string PaddedName(const internal::KeyMode& mode) {
     std::string name(mode.name);
     name.resize(width, ' ');
     return name;
-}
-
-std::string JsonName(const std::string& name) {
-    constexpr auto strict = nlohmann::json::error_handler_t::strict;
-    try {
-        return nlohmann::json(name).dump(-1, ' ', true, strict);
-    } catch (const nlohmann::json::type_error&) {
-        return nlohmann::json(Escaped(name)).dump();
-    }
 }
 
 std::string RealText(double value) {

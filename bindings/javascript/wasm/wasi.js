@@ -10,11 +10,14 @@ const ALL_RIGHTS = 0xFFFFFFFFFFFFFFFFn;
 // The one folder that the module is given has the descriptor 3: all names are looked up from there.
 const ROOT = 3, ROOT_NAME = '/';
 const FIRST_FILE = 4;
-const STANDARD_OUTPUT = 1, STANDARD_ERROR = 2;
+const STANDARD_INPUT = 0, STANDARD_OUTPUT = 1, STANDARD_ERROR = 2;
 
-/** What a module of WASI imports. `memory()` is its memory; `print(bytes)` takes its standard output. */
-export function wasiImports(memory, files, print) {
-  const open = new Map();
+/**
+ * What a module of WASI imports. `memory()` is its memory; `print(bytes, descriptor)` takes its standard output and
+ * errors; `input`, a handle of a file, is its standard input.
+ */
+export function wasiImports(memory, files, print, input) {
+  const open = new Map(input ? [[STANDARD_INPUT, { handle: input, position: 0 }]] : []);
   const view = () => new DataView(memory().buffer);
   const bytesAt = (address, length) => new Uint8Array(memory().buffer, address, length);
 
@@ -127,7 +130,7 @@ export function wasiImports(memory, files, print) {
       return guarded(() => {
         let total = 0;
         for (const bytes of buffers(address, count)) {
-          total += isStandard ? (print(bytes.slice()), bytes.length) : file.handle.write(bytes);
+          total += isStandard ? (print(bytes.slice(), descriptor), bytes.length) : file.handle.write(bytes);
         }
         view().setUint32(sum, total, true);
         return SUCCESS;
