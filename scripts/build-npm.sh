@@ -6,18 +6,9 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 folder=$top/build/wasm package=$top/build/npm
 
-build_all() {
-    cmake -S "$top" -B "$folder" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$top/cmake/wasm32-wasi.cmake" \
-        -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF -DCORVALE_INSTALL=OFF \
-        -DCORVALE_BUILD_TOOLS=OFF -DCORVALE_BUILD_EXAMPLES=OFF -DCORVALE_WARNINGS_AS_ERRORS=ON &&
-        cmake --build "$folder" -- -j 2
-}
-
-need "${build_packages[@]}" clang lld llvm wasi-libc libc++-14-dev-wasm32 libclang-rt-14-dev-wasm32
 command -v node >/dev/null || need nodejs
 command -v npm >/dev/null || need npm
-mkdir -p "$folder"
-build_all >"$folder/build.log" 2>&1 || { cat "$folder/build.log" >&2; exit 1; }
+build_wasm
 
 rm -rf "$package"
 mkdir -p "$package"

@@ -36,6 +36,11 @@ fi
 cd "$top"
 /usr/bin/python3 -B docs/site/build_site.py build/doxygen build/site "$version" \
     build/site-modules/node_modules/minisearch/dist/umd/index.js
+
+# What the page "Try it" loads.
+build_wasm corvale_try
+cp build/wasm/tools/wasm/try.wasm bindings/javascript/wasm/wasi.js examples/*.inp build/site/try-it
+
 python3 -B docs/site/check_links.py build/site
 node docs/site/check_search.mjs build/site
 

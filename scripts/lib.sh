@@ -36,3 +36,15 @@ build() {
         cmake --build --preset "$preset" "$@") >"$log" 2>&1 || { cat "$log"; return 1; }
     rm -f "$log"
 }
+
+# build_wasm [TARGET...]: for WebAssembly into build/wasm, by Debian's Clang with WASI's C library.
+build_wasm() {
+    need "${build_packages[@]}" clang lld llvm wasi-libc libc++-14-dev-wasm32 libclang-rt-14-dev-wasm32
+    local folder=$top/build/wasm
+    mkdir -p "$folder"
+    (cmake -S "$top" -B "$folder" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$top/cmake/wasm32-wasi.cmake" \
+        -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF -DCORVALE_INSTALL=OFF \
+        -DCORVALE_BUILD_TOOLS=OFF -DCORVALE_BUILD_EXAMPLES=OFF -DCORVALE_WARNINGS_AS_ERRORS=ON &&
+        cmake --build "$folder" --target "${@:-all}" -- -j 2) >"$folder/build.log" 2>&1 ||
+        { cat "$folder/build.log" >&2; return 1; }
+}
