@@ -13,7 +13,7 @@ need "${build_packages[@]}" libgtest-dev libmpfr-dev libgmp-dev clang clang-form
     pkg-config locales
 
 # What goes beyond the tests of one build, each a script that can be run alone.
-checks=("prove --quick" check-wasm check-packaging check-program docs test-bindings test-python)
+checks=("prove --quick" check-wasm check-packaging check-program docs check-try test-bindings test-python)
 
 # sources FOLDER...: the C and C++ files of those folders.
 sources() {
