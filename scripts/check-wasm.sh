@@ -37,6 +37,21 @@ npm install --silent --no-audit --no-fund "$top"/build/npm/corvale-*.tgz
 cp "$top"/bindings/javascript/test/{wasm.mjs,parts.js} .
 CORVALE_INPUT="$top/examples/orbit.inp" CORVALE_INTERFACE="$top/bindings/interface.txt" node wasm.mjs
 
+# Its types, and that they name every member of the class and no other.
+npm install --silent --no-audit --no-fund typescript@5.9.3
+cp "$top/bindings/javascript/test/types.ts" types.mts
+node --input-type=module >members.mts <<'END'
+import { load } from 'corvale';
+const corvale = await load();
+const members = new Set(['files']);
+for (let type = Object.getPrototypeOf(corvale); type !== Object.prototype; type = Object.getPrototypeOf(type))
+  for (const name of Object.getOwnPropertyNames(type)) if (name !== 'constructor') members.add(name);
+console.log(`import type { Corvale } from 'corvale';
+export const members: Record<keyof Corvale, true> = { ${[...members].map((name) => `${name}: true`).join(', ')} };`);
+END
+npx --no-install tsc --noEmit --strict --target es2022 --module nodenext --lib es2022,dom types.mts members.mts
+echo "WebAssembly: types.ts and $(grep -o ': true' members.mts | wc -l) members: tsc finds nothing"
+
 # In Chromium, in a page and in a worker.
 mkdir browser
 cp "$top"/bindings/javascript/test/{browser.html,browser_worker.js} "$top/examples/orbit.inp" browser
