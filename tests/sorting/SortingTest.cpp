@@ -28,7 +28,8 @@ TEST(QuickSortIterative, SortsEveryPatternAndSize) {
                     << reference::kPatternNames[pattern] << ", n = " << n;
 }
 
-// A long list, the least key, or all but the greatest stand behind greater ones.
+// A long list, the least key, or all but the greatest stand behind greater ones; or two keys more
+// have changed places.
 TEST(QuickSortIterative, MergesAListBehindAGreaterOne) {
     std::mt19937_64 random(1);
     for (const std::size_t n : kSizes)
@@ -37,6 +38,8 @@ TEST(QuickSortIterative, MergesAListBehindAGreaterOne) {
             std::rotate(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(first),
                         keys.end());
             EXPECT_TRUE(test::SortsRight(keys)) << n << ", " << first;
+            std::swap(keys[n / 2], keys[n / 2 + n / 4]);
+            EXPECT_TRUE(test::SortsRight(keys)) << n << ", " << first << ", two exchanged";
         }
 }
 
