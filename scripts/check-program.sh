@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
 # check-program.sh: builds the program corvale, installs it, and tries its man page and completions in
-# the shells that they are for: nothing to complain of, and "corvale lo" becomes load.
+# the shells that they are for: nothing to complain of, and "corvale lo" becomes load. What it says in SARIF
+# is compared with the schema, which a package of npm carries.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-echo "check-program.sh: the man page and the completions of corvale"
-need "${build_packages[@]}" libgtest-dev man-db groff-base zsh fish
+echo "check-program.sh: the man page, the completions and the SARIF of corvale"
+need "${build_packages[@]}" libgtest-dev man-db groff-base zsh fish python3-jsonschema
+command -v npm >/dev/null || need npm
 build release -DCORVALE_BUILD_TESTS=ON
 build=$top/build/release
 scratch=$(mktemp -d)
@@ -82,4 +84,19 @@ in_fish() { fish --no-config -c 'source $argv[1]; complete -C "$argv[2]"' "$fish
 [ "$(in_fish 'corvale load --js')" = --json ] || fail "fish: --js: $(in_fish 'corvale load --js')"
 [ "$(in_fish 'corvale load orb')" = orbit.inp ] || fail "fish: a file: $(in_fish 'corvale load orb')"
 [ -z "$(in_fish 'corvale alpha5 orb')" ] || fail "fish: alpha5 takes values"
+
+# --- SARIF, with findings and a file that is not there, and without any
+cd "$scratch"
+npm pack --silent @microsoft/jest-sarif@1.0.0-beta.0 >npm.log || { cat npm.log >&2; fail "the schema is not there"; }
+tar -xzf microsoft-jest-sarif-*.tgz --wildcards --strip-components=3 'package/lib/schemas/sarif-2.1.0*.json'
+"$build/tools/corvale" check --format sarif "$top"/examples/*.inp missing >findings.sarif 2>/dev/null && fail "no findings"
+"$build/tools/corvale" check --format sarif /dev/null >clean.sarif
+/usr/bin/python3 -B - sarif-2.1.0*.json findings.sarif clean.sarif <<'PYTHON'
+import json, sys
+import jsonschema
+schema, *logs = (json.load(open(name, encoding="utf-8")) for name in sys.argv[1:])
+for log in logs:
+    jsonschema.Draft4Validator(schema).validate(log)
+assert [len(log["runs"][0]["results"]) > 20 for log in logs] == [True, False]
+PYTHON
 echo "check-program.sh: all well"

@@ -3,6 +3,7 @@
 #include "Escapes.hpp"
 #include "Joined.hpp"
 #include "Keywords.hpp"
+#include "NumberList.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
 
@@ -57,7 +58,7 @@ void LookBehindKeyword(std::string_view line, std::string_view keyword, Explaine
     const std::size_t size = std::min(rest.find_first_of(" \t,=/"), rest.size());
     if (size > 0) {
         explained.findings.push_back(
-            {"longer-word", 1, keyword.size() + size,
+            {FindingKind::LongerWord, 1, keyword.size() + size,
              Joined(Quoted(line.substr(0, keyword.size() + size)), " counts as ", keyword,
                     ": only columns 1 to ", keyword.size(), " are compared"),
              ""});
@@ -69,7 +70,7 @@ void LookBehindKeyword(std::string_view line, std::string_view keyword, Explaine
     constexpr std::string_view offs[] = {"OFF", "NO", "FALSE", "0"};
     if (std::ranges::find(offs, word) != std::end(offs))
         explained.findings.push_back(
-            {"not-off", keyword.size() + at + 1, word.size(),
+            {FindingKind::NotOff, keyword.size() + at + 1, word.size(),
              Joined("what follows ", keyword, " is not looked at: the mode is set to 1"),
              "no card sets a mode back to 0; take the card out"});
 }
@@ -92,7 +93,7 @@ Explained ExplainOther(const Line& line) {
                 nullptr,
                 {},
                 {},
-                {{"two-byte-text", 1, 2,
+                {{FindingKind::TwoByteText, 1, 2,
                   "the file begins with the mark of a text in units of two bytes: no line of it is "
                   "a card",
                   "save it as plain ASCII text"}}};
@@ -103,11 +104,27 @@ Explained ExplainOther(const Line& line) {
 
 Explained Explain(const Line& line, FileContent& content) {
     const std::string_view columns = std::string_view(line.text).substr(0, kColumns);
-    if (columns.starts_with('*')) return {LineKind::Comment};
+    if (columns.starts_with('*')) {
+        Explained explained{LineKind::Comment};
+        ObeyComment(columns, content.silence, explained.findings);
+        return explained;
+    }
     if (StrFunctions::IsBlankOrNull(columns) == 1) return {LineKind::Blank};
     const Card* const card = CardOf(columns);
     if (card == nullptr) return ExplainOther(line);
     return card->mode ? ExplainMode(columns, *card, content) : ExplainMoic(line, *card, content);
+}
+
+void Count(const Explained& explained, FileContent& content) {
+    ++content.lines;
+    content.comments += explained.kind == LineKind::Comment ? 1 : 0;
+    content.cards += explained.kind == LineKind::Card ? 1 : 0;
+    content.findings += explained.findings.size();
+    for (const Finding& finding : explained.findings)
+        content.problems += RowOf(finding.kind).severity == Severity::Note ? 0 : 1;
+    const bool isPassedOver =
+        explained.kind == LineKind::Comment || explained.kind == LineKind::Blank;
+    if (!isPassedOver) content.silence.next.reset();
 }
 
 }  // namespace
@@ -119,11 +136,13 @@ Explained ExplainLine(const Line& line, FileContent& content) {
     if (bytes.hasReturn)
         if (auto hidden = CardAfterReturn(line.text))
             explained.findings.push_back(std::move(*hidden));
-    ++content.lines;
-    content.comments += explained.kind == LineKind::Comment ? 1 : 0;
-    content.cards += explained.kind == LineKind::Card ? 1 : 0;
-    content.findings += explained.findings.size();
+    if (!explained.findings.empty()) TakeOutSilenced(content.silence, explained.findings);
+    Count(explained, content);
     return explained;
+}
+
+const Card* CardOfFinding(const Explained& explained, const Finding& finding) {
+    return finding.card != nullptr ? finding.card : explained.card;
 }
 
 std::string EffectText(const Explained& explained) {

@@ -2,10 +2,9 @@
 // about a line that is none suggests that it was meant to be one.
 #pragma once
 
+#include "Findings.hpp"
 #include "Input.hpp"
-#include "NumberList.hpp"
 
-#include <array>
 #include <bitset>
 #include <cstdint>
 #include <string>
@@ -26,6 +25,10 @@ struct Explained {
     std::vector<Finding> findings = {};
 };
 
+/// The card that a finding is about: the one that its line is, or seems meant to be; may be null.
+[[nodiscard]] const internal::Card* CardOfFinding(const Explained& explained,
+                                                  const Finding& finding);
+
 /// Of a card: "QZ_DMA_ON sets the element-set key mode to 1".
 [[nodiscard]] std::string EffectText(const Explained& explained);
 
@@ -35,8 +38,11 @@ struct FileContent {
     std::bitset<internal::kKeyModes.size()> setsMode;  ///< to 1
     ElementValues values;
     Elements isSet;
+    Silence silence;
 
-    std::uint64_t lines = 0, comments = 0, cards = 0, findings = 0;
+    std::uint64_t lines = 0, comments = 0, cards = 0;
+    std::uint64_t findings = 0;      ///< that are not silenced
+    std::uint64_t problems = 0;      ///< of these, those that are no notes
     std::uint64_t withReturn = 0;    ///< lines that end with CR LF
     std::uint64_t innerReturns = 0;  ///< lines with a CR elsewhere
     std::uint64_t withTabs = 0, withNuls = 0, withHighBytes = 0;

@@ -1,56 +1,125 @@
 #include "CardLines.hpp"
 #include "CheckReport.hpp"
 #include "Commands.hpp"
+#include "Escapes.hpp"
+#include "Folders.hpp"
 #include "Input.hpp"
+#include "Joined.hpp"
 #include "Terminal.hpp"
 
 #include <algorithm>
 #include <iostream>
+#include <utility>
 
 namespace corvale::tool {
 
 namespace {
 
-CheckStyle StyleOf(const CheckOptions& options) {
-    if (options.isQuiet) return CheckStyle::Quiet;
-    if (options.asJson) return CheckStyle::Json;
-    return options.showsAll ? CheckStyle::AllLines : CheckStyle::Text;
+CheckFormat FormatOf(const CheckOptions& options) {
+    constexpr std::pair<std::string_view, CheckFormat> formats[] = {
+        {"short", CheckFormat::Short},     {"json", CheckFormat::Json},
+        {"jsonl", CheckFormat::JsonLines}, {"sarif", CheckFormat::Sarif},
+        {"github", CheckFormat::Github},
+    };
+    if (options.asJson) return CheckFormat::Json;
+    for (const auto& [name, format] : formats)
+        if (name == options.format) return format;
+    return CheckFormat::Text;
 }
 
-int CheckFile(const std::string& name, const CheckOptions& options, CheckReport& report) {
-    report.BeginFile(name == "-" ? "standard input" : name);
-    InputFile input(name);
-    ProgressBar bar(name, input.Size().value_or(0),
-                    ShowProgress(options.isQuiet, options.showsProgress));
-    FileContent content;
-    Line line;
-    while (std::cout && input.ReadLine(line, kLineKept)) {
-        const Explained explained = ExplainLine(line, content);
-        if (report.Wants(explained)) {
-            bar.MakeWay();
-            report.TakeLine(line, explained);
-        }
-        bar.Update(input.BytesRead());
-    }
-    bar.Clear();
-    if (input.Failure()) {
-        report.Unreadable(*input.Failure());
-        return kExitFailed;
-    }
-    report.EndFile(content);
-    return content.findings > 0 ? kExitFindings : kExitOk;
+KindSet KindsOf(const std::vector<std::string>& codes) {
+    KindSet kinds;
+    for (const std::string& code : codes)
+        if (const auto kind = KindOf(code)) kinds.set(static_cast<std::size_t>(*kind));
+    return kinds;
 }
+
+// The kinds that the command line asks not to be told of.
+KindSet UnwantedKinds(const CheckOptions& options) {
+    KindSet unwanted = KindsOf(options.ignored);
+    if (!options.selected.empty()) unwanted |= ~KindsOf(options.selected);
+    return unwanted;
+}
+
+// The files of one command line, one after the other.
+class Checking {
+  public:
+    explicit Checking(const CheckOptions& options)
+        : options_(options),
+          unwanted_(UnwantedKinds(options)),
+          report_(MakeCheckReport(
+              {FormatOf(options), options.isQuiet, options.showsAll, options.isFindingsOnly})) {}
+
+    int Run() {
+        for (const std::string& name : options_.files) {
+            if (!options_.globs.empty() && IsFolder(name))
+                CheckFolder(name);
+            else
+                CheckFile(name);
+        }
+        report_->Finish();
+        return status_;
+    }
+
+  private:
+    void CheckFolder(const std::string& folder) {
+        bool hasFiles = false;
+        WalkFolder(folder, options_.globs,
+                   {[&](const std::string& file) {
+                        hasFiles = true;
+                        CheckFile(file);
+                    },
+                    [&](const std::string& unreadable, const std::string& why) {
+                        hasFiles = true;
+                        report_->BeginFile(unreadable);
+                        Fail(why);
+                    }});
+        if (hasFiles) return;
+        std::cout.flush();
+        std::cerr << "corvale: no file in " << QuotedName(folder) << " matches --glob\n";
+        status_ = kExitFailed;
+    }
+
+    void CheckFile(const std::string& name) {
+        report_->BeginFile(name == "-" ? "standard input" : name);
+        InputFile input(name);
+        ProgressBar bar(name, input.Size().value_or(0),
+                        ShowProgress(options_.isQuiet, options_.showsProgress));
+        FileContent content;
+        content.silence.always = unwanted_;
+        Line line;
+        while (std::cout && input.ReadLine(line, kLineKept)) {
+            const Explained explained = ExplainLine(line, content);
+            if (report_->Wants(explained)) {
+                bar.MakeWay();
+                report_->TakeLine(line, explained);
+            }
+            bar.Update(input.BytesRead());
+        }
+        bar.Clear();
+        if (input.Failure())
+            return Fail(*input.Failure() +
+                        (IsFolder(name) ? " (its files are checked with --glob PATTERN)" : ""));
+        report_->EndFile(content);
+        status_ = std::max(status_, content.problems > 0 ? kExitFindings : kExitOk);
+    }
+
+    void Fail(const std::string& why) {
+        report_->Unreadable(why);
+        status_ = kExitFailed;
+    }
+
+    const CheckOptions& options_;
+    KindSet unwanted_;
+    std::unique_ptr<CheckReport> report_;
+    int status_ = kExitOk;
+};
 
 }  // namespace
 
 int Check(const CheckOptions& options) {
     UseColours(options.colour);
-    const auto report = MakeCheckReport(StyleOf(options));
-    int status = kExitOk;
-    for (const std::string& name : options.files)
-        status = std::max(status, CheckFile(name, options, *report));
-    report->Finish();
-    return status;
+    return Checking(options).Run();
 }
 
 }  // namespace corvale::tool

@@ -96,7 +96,8 @@ void PrintBytes(const FileContent& content) {
 
 class TextReport : public CheckReport {
   public:
-    explicit TextReport(bool showsAll) : showsAll_(showsAll) {}
+    explicit TextReport(const CheckStyle& style)
+        : showsAll_(style.showsAll), isFindingsOnly_(style.isFindingsOnly) {}
 
     void BeginFile(const std::string& name) override {
         CheckReport::BeginFile(name);
@@ -104,11 +105,12 @@ class TextReport : public CheckReport {
     }
     void TakeLine(const Line& line, const Explained& explained) override {
         const std::string place = Joined(shownName_, ":", line.number, ":");
-        if (explained.kind == LineKind::Card)
+        if (explained.kind == LineKind::Card && !isFindingsOnly_)
             std::cout << Coloured(Colour::Place, place) << ' ' << Effect(explained) << '\n';
         for (const Finding& finding : explained.findings) {
             std::cout << Coloured(Colour::Place, Joined(place, finding.column, ":")) << ' '
-                      << Coloured(Colour::Warning, "warning:") << ' ' << finding.message << '\n';
+                      << Coloured(ColourOf(finding.kind), LabelOf(finding.kind)) << ' '
+                      << finding.message << '\n';
             PrintExcerpt(line, finding);
             if (!finding.help.empty()) std::cout << "     = " << finding.help << '\n';
         }
@@ -116,6 +118,7 @@ class TextReport : public CheckReport {
             std::cout << place << ' ' << KindText(explained.kind) << '\n';
     }
     void EndFile(const FileContent& content) override {
+        if (isFindingsOnly_) return;
         std::cout << Coloured(Colour::Place, shownName_ + ":") << ' '
                   << Count(content.lines, "line") << ", " << Count(content.cards, "card") << ", "
                   << Count(content.findings, "finding") << "; loading it "
@@ -125,7 +128,8 @@ class TextReport : public CheckReport {
         PrintBytes(content);
     }
     [[nodiscard]] bool Wants(const Explained& explained) const override {
-        return showsAll_ || explained.kind == LineKind::Card || !explained.findings.empty();
+        return showsAll_ || (explained.kind == LineKind::Card && !isFindingsOnly_) ||
+               !explained.findings.empty();
     }
 
   private:
@@ -145,7 +149,13 @@ class TextReport : public CheckReport {
         return effect_;
     }
 
-    bool showsAll_;
+    static Colour ColourOf(FindingKind kind) {
+        const Severity severity = RowOf(kind).severity;
+        if (severity == Severity::Note) return Colour::Note;
+        return severity == Severity::Error ? Colour::Error : Colour::Warning;
+    }
+
+    bool showsAll_, isFindingsOnly_;
     std::string shownName_;
     Explained last_;
     std::string effect_;  // of `last_`
@@ -158,18 +168,28 @@ void CheckReport::Unreadable(const std::string& why) {
     std::cerr << "corvale: " << QuotedName(name_) << " cannot be read: " << why << '\n';
 }
 
-std::unique_ptr<CheckReport> MakeCheckReport(CheckStyle style) {
-    switch (style) {
-        case CheckStyle::Quiet:
-            return std::make_unique<CheckReport>();
-        case CheckStyle::Json:
-            return MakeJsonReport();
-        case CheckStyle::AllLines:
-            return std::make_unique<TextReport>(true);
-        case CheckStyle::Text:
+std::string LabelOf(FindingKind kind) {
+    const FindingRow& row = RowOf(kind);
+    return Joined(SeverityName(row.severity), "[", row.code, "]:");
+}
+
+std::unique_ptr<CheckReport> MakeCheckReport(const CheckStyle& style) {
+    if (style.isQuiet) return std::make_unique<CheckReport>();
+    switch (style.format) {
+        case CheckFormat::Short:
+            return MakeShortReport();
+        case CheckFormat::Json:
+            return MakeJsonReport(style.isFindingsOnly);
+        case CheckFormat::JsonLines:
+            return MakeJsonLinesReport();
+        case CheckFormat::Sarif:
+            return MakeSarifReport();
+        case CheckFormat::Github:
+            return MakeGithubReport();
+        case CheckFormat::Text:
             break;
     }
-    return std::make_unique<TextReport>(false);
+    return std::make_unique<TextReport>(style);
 }
 
 }  // namespace corvale::tool

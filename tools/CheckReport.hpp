@@ -10,7 +10,15 @@
 
 namespace corvale::tool {
 
-enum class CheckStyle : std::uint8_t { Text, AllLines, Json, Quiet };
+enum class CheckFormat : std::uint8_t { Text, Short, Json, JsonLines, Sarif, Github };
+
+/// The format, and how much of it.
+struct CheckStyle {
+    CheckFormat format = CheckFormat::Text;
+    bool isQuiet = false;         ///< nothing but errors
+    bool showsAll = false;        ///< lines without interest, too
+    bool isFindingsOnly = false;  ///< neither cards nor what loading sets
+};
 
 /// Takes what is found out about the files, one file after the other. This one prints nothing but
 /// errors; each format is a class derived from it.
@@ -38,9 +46,30 @@ class CheckReport {
     std::string name_;
 };
 
-[[nodiscard]] std::unique_ptr<CheckReport> MakeCheckReport(CheckStyle style);
+/// For the formats that take findings one by one and leave all else out.
+class FindingsReport : public CheckReport {
+  public:
+    void TakeLine(const Line& line, const Explained& explained) final {
+        for (const Finding& finding : explained.findings) Print(line, explained, finding);
+    }
+    [[nodiscard]] bool Wants(const Explained& explained) const final {
+        return !explained.findings.empty();
+    }
 
-/// One JSON object for all files.
-[[nodiscard]] std::unique_ptr<CheckReport> MakeJsonReport();
+  private:
+    virtual void Print(const Line& line, const Explained& explained, const Finding& finding) = 0;
+};
+
+/// "warning[not-a-number]:"
+[[nodiscard]] std::string LabelOf(FindingKind kind);
+
+[[nodiscard]] std::unique_ptr<CheckReport> MakeCheckReport(const CheckStyle& style);
+
+// Each format in a file of its own; the first is one JSON object for all files.
+[[nodiscard]] std::unique_ptr<CheckReport> MakeJsonReport(bool isFindingsOnly);
+[[nodiscard]] std::unique_ptr<CheckReport> MakeShortReport();
+[[nodiscard]] std::unique_ptr<CheckReport> MakeJsonLinesReport();
+[[nodiscard]] std::unique_ptr<CheckReport> MakeGithubReport();
+[[nodiscard]] std::unique_ptr<CheckReport> MakeSarifReport();
 
 }  // namespace corvale::tool

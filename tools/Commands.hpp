@@ -27,10 +27,13 @@ struct DiffOptions {
 };
 
 struct CheckOptions {
-    std::vector<std::string> files;
-    bool asJson = false;
+    std::vector<std::string> files, globs;
+    std::string format = "text";
+    std::vector<std::string> selected, ignored;  // codes of findings
+    bool asJson = false;                         // the same as the format "json"
     bool isQuiet = false;
     bool showsAll = false;
+    bool isFindingsOnly = false;
     bool showsProgress = false;
     std::string colour = "auto";
 };

@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "FindingKinds.hpp"
 #include "Joined.hpp"
 #include "Pages.hpp"
 
@@ -39,10 +40,18 @@ std::string ShellQuoted(std::string_view text) {
     return quoted + "'";
 }
 
+std::string AllCodes() {
+    std::string codes;
+    for (const FindingRow& row : kFindingRows)
+        codes.append(codes.empty() ? "" : " ").append(row.code);
+    return codes;
+}
+
 // The values of an option that takes one of several, "auto|always" in --help: "auto always". Empty
 // for a file's name.
 std::string ValueWords(const CLI::Option& option) {
     std::string words = TakesValue(option) ? option.get_option_text() : "";
+    if (words == "CODE,...") return AllCodes();
     if (words.find('|') == std::string::npos) return "";
     std::ranges::replace(words, '|', ' ');
     return words;

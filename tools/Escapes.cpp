@@ -58,6 +58,10 @@ std::string QuotedName(std::string_view name) {
     return Joined("\"", Escaped(name), "\"");
 }
 
+std::string PercentOf(char c) {
+    return Joined("%", Hex(c));
+}
+
 std::string ByteName(char c) {
     for (const auto& [byte, name] : kByteNames)
         if (c == byte) return std::string(name);

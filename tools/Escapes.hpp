@@ -21,6 +21,9 @@ namespace corvale::tool {
 /// All of a file's name between quotation marks.
 [[nodiscard]] std::string QuotedName(std::string_view name);
 
+/// %XX, as addresses on the web and some commands write a character.
+[[nodiscard]] std::string PercentOf(char c);
+
 /// "a tab", "a NUL", "the byte 0xA0", or the character between apostrophes.
 [[nodiscard]] std::string ByteName(char c);
 

@@ -2,6 +2,8 @@
 // an array of their own, are kept until then in a file without a name, so that memory does not grow
 // with their number.
 #include "CheckReport.hpp"
+#include "Joined.hpp"
+#include "JsonFindings.hpp"
 #include "JsonTexts.hpp"
 
 #include <cstdio>
@@ -66,15 +68,6 @@ class Spool {
     bool isEmpty_ = true;
 };
 
-ordered_json JsonFinding(std::uint64_t line, const Finding& finding) {
-    return {{"line", line},         {"column", finding.column},   {"length", finding.length},
-            {"code", finding.code}, {"message", finding.message}, {"help", finding.help}};
-}
-
-ordered_json JsonCard(std::uint64_t line, const Explained& explained) {
-    return {{"line", line}, {"effect", EffectText(explained)}};
-}
-
 constexpr bool IsSetByCards(std::size_t mode) {
     return std::ranges::any_of(internal::kCards,
                                [&](const auto& card) { return card.mode == mode; });
@@ -105,6 +98,8 @@ ordered_json JsonBytes(const FileContent& content) {
 
 class JsonReport : public CheckReport {
   public:
+    explicit JsonReport(bool isFindingsOnly) : isFindingsOnly_(isFindingsOnly) {}
+
     void BeginFile(const std::string& name) override {
         CheckReport::BeginFile(name);
         std::cout << (isFirstFile_ ? "{\"files\": [\n" : ",\n") << "{\"file\": " << JsonName(name);
@@ -112,21 +107,22 @@ class JsonReport : public CheckReport {
         hasFindings_ = false;
     }
     void TakeLine(const Line& line, const Explained& explained) override {
-        if (explained.kind == LineKind::Card) {
+        if (explained.kind == LineKind::Card && !isFindingsOnly_) {
             cards_.Add(cards_.IsEmpty() ? "\n  " : ",\n  ");
-            cards_.Add(JsonCard(line.number, explained).dump());
+            cards_.Add(Joined("{\"line\":", line.number, ","));
+            cards_.Add(std::string_view(JsonCard(explained).dump()).substr(1));
         }
         for (const Finding& finding : explained.findings) {
             std::cout << (hasFindings_ ? ",\n  " : ",\n \"findings\": [\n  ")
-                      << JsonFinding(line.number, finding);
+                      << JsonFinding(line.number, explained, finding);
             hasFindings_ = true;
         }
     }
     void EndFile(const FileContent& content) override {
         EndArrays();
         Put("lines", content.lines);
-        Put("sets", JsonSets(content));
-        Put("bytes", JsonBytes(content));
+        if (!isFindingsOnly_) Put("sets", JsonSets(content));
+        if (!isFindingsOnly_) Put("bytes", JsonBytes(content));
         std::cout << '}';
     }
     void Unreadable(const std::string& why) override {
@@ -137,7 +133,8 @@ class JsonReport : public CheckReport {
     }
     void Finish() override { std::cout << "\n]}\n"; }
     [[nodiscard]] bool Wants(const Explained& explained) const override {
-        return explained.kind == LineKind::Card || !explained.findings.empty();
+        return (explained.kind == LineKind::Card && !isFindingsOnly_) ||
+               !explained.findings.empty();
     }
 
   private:
@@ -145,11 +142,14 @@ class JsonReport : public CheckReport {
         std::cout << ",\n \"" << key << "\": " << value;
     }
     void EndArrays() {
-        std::cout << (hasFindings_ ? "]" : ",\n \"findings\": []") << ",\n \"cards\": [";
+        std::cout << (hasFindings_ ? "]" : ",\n \"findings\": []");
+        if (isFindingsOnly_) return;
+        std::cout << ",\n \"cards\": [";
         cards_.Print();
         std::cout << ']';
     }
 
+    bool isFindingsOnly_;
     bool isFirstFile_ = true;
     bool hasFindings_ = false;
     Spool cards_;
@@ -157,8 +157,8 @@ class JsonReport : public CheckReport {
 
 }  // namespace
 
-std::unique_ptr<CheckReport> MakeJsonReport() {
-    return std::make_unique<JsonReport>();
+std::unique_ptr<CheckReport> MakeJsonReport(bool isFindingsOnly) {
+    return std::make_unique<JsonReport>(isFindingsOnly);
 }
 
 }  // namespace corvale::tool

@@ -7,6 +7,7 @@
 #include <corvale/text/StrFunctions.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace corvale::tool {
 
@@ -65,13 +66,15 @@ const Card* Beginning(std::string_view text) {
     return card == kCards.end() ? nullptr : card;
 }
 
-// Whether `word` is the name of a card that sets a mode, with OFF for ON.
-bool SwitchesOff(std::string_view word) {
-    return std::ranges::any_of(kCards, [&](const Card& card) {
+// The card that sets a mode and whose name, with OFF for ON, is `word`.
+const Card* SwitchedOff(std::string_view word) {
+    for (const Card& card : kCards) {
         const std::string_view name = NameOf(card);
-        return card.mode && name.ends_with("_ON") &&
-               word == Joined(name.substr(0, name.size() - 2), "OFF");
-    });
+        if (card.mode && name.ends_with("_ON") &&
+            word == Joined(name.substr(0, name.size() - 2), "OFF"))
+            return &card;
+    }
+    return nullptr;
 }
 
 // The blanks, control characters and bytes above 127 that `line` begins with.
@@ -88,19 +91,25 @@ std::string WhatStandsBefore(std::string_view before) {
 }
 
 Finding NotInFirstColumn(std::string_view before, const Card& card) {
-    return {"not-in-column-1", before.size() + 1, NameOf(card).size(),
+    return {FindingKind::NotInColumn1,
+            before.size() + 1,
+            NameOf(card).size(),
             Joined(NameOf(card), " is not read as a card: it begins in column ", before.size() + 1,
                    ", behind ", WhatStandsBefore(before)),
-            "keywords begin in column 1; a comment begins with *"};
+            "keywords begin in column 1; a comment begins with *",
+            &card};
 }
 
 // Of a line that begins with the name of `card` and is no card.
 Finding NoBlankBehind(std::string_view line, const Card& card) {
     const std::size_t size = NameOf(card).size();
-    return {Joined("no-blank-in-column-", size + 1), size + 1, 1,
+    return {FindingKind::NoBlankInColumn8,
+            size + 1,
+            1,
             Joined(NameOf(card), " is not read as a card: column ", size + 1, " holds ",
                    ByteName(line[size]), " where a blank is needed"),
-            ""};
+            "",
+            &card};
 }
 
 }  // namespace
@@ -128,13 +137,16 @@ std::optional<Finding> NearCard(std::string_view line) {
     constexpr std::size_t tooLong = kLongestKeyword + 3;
     if (word.size() >= tooLong) return std::nullopt;
     const std::string upper = UpperCase(word);
-    if (SwitchesOff(upper))
-        return Finding{"unknown-keyword", first + 1, word.size(),
-                       Joined("there is no card ", upper, ": no card sets a mode back to 0"), ""};
-    if (const Card* const nearest = Nearest(upper); nearest != nullptr)
-        return Finding{
-            "unknown-keyword", first + 1, word.size(),
-            Joined(Quoted(word), " is no keyword of a card; it looks like ", NameOf(*nearest)), ""};
+    const auto unknown = [&](const Card& card, std::string message) {
+        return Finding{FindingKind::UnknownKeyword, first + 1, word.size(),
+                       std::move(message),          "",        &card};
+    };
+    if (const Card* const card = SwitchedOff(upper); card != nullptr)
+        return unknown(*card,
+                       Joined("there is no card ", upper, ": no card sets a mode back to 0"));
+    if (const Card* const card = Nearest(upper); card != nullptr)
+        return unknown(
+            *card, Joined(Quoted(word), " is no keyword of a card; it looks like ", NameOf(*card)));
     return std::nullopt;
 }
 
@@ -143,9 +155,12 @@ std::optional<Finding> CardAfterReturn(std::string_view line) {
         const Card* const card = Beginning(line.substr(at + 1));
         if (card == nullptr) continue;
         return Finding{
-            "carriage-return", at + 2, NameOf(*card).size(),
+            FindingKind::CarriageReturn,
+            at + 2,
+            NameOf(*card).size(),
             Joined(NameOf(*card), " is not read as a card: a carriage return alone begins no line"),
-            "lines end with LF, or with CR LF"};
+            "lines end with LF, or with CR LF",
+            card};
     }
     return std::nullopt;
 }

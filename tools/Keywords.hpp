@@ -1,7 +1,7 @@
 // The keywords of the cards, and words that were probably meant to be one.
 #pragma once
 
-#include "NumberList.hpp"
+#include "Findings.hpp"
 
 #include <corvale/core/CardTable.hpp>
 

@@ -23,7 +23,7 @@ std::string Plural(std::size_t count, std::string_view noun) {
     return Joined(count, " ", noun, count == 1 ? "" : "s");
 }
 
-std::string Elements(std::size_t first) {
+std::string Kept(std::size_t first) {
     if (first >= kElements) return "value 128 keeps what it held";
     return Joined("values ", first, " to 128 keep what they held");
 }
@@ -84,8 +84,9 @@ class Reading {
         const std::string_view word = WordAt(at_);
         const bool isCut = at_ + word.size() == kColumns && whole_.size() > kColumns &&
                            !IsItemEnd(whole_[kColumns]);
+        const std::size_t first = element_;
         if (!Item(word)) return Unusable(word);
-        if (isCut) CutNumber(word);
+        if (isCut) CutNumber(word, ~Elements() << first & ~(~Elements() << element_));
         return EndItem(at_ + word.size());
     }
 
@@ -134,7 +135,7 @@ class Reading {
 
     void Set(std::size_t count, std::string_view word) {
         const double value = CardReal(word);
-        LookAtSize(word, value);
+        LookAtSize(word, value, Next(count));
         const std::size_t end = std::min(element_ + count, kElements);
         for (; element_ < end; ++element_) {
             values_.Set(element_, value, at_ + 1);
@@ -142,22 +143,27 @@ class Reading {
         }
     }
 
-    void Say(std::string code, std::size_t at, std::size_t length, std::string message,
-             std::string help = "") {
-        list_.findings.push_back({std::move(code), at + 1, std::max<std::size_t>(length, 1),
-                                  std::move(message), std::move(help)});
+    void Say(FindingKind kind, std::size_t at, std::size_t length, Elements elements,
+             std::string message, std::string help = "") {
+        list_.findings.push_back({kind, at + 1, std::max<std::size_t>(length, 1),
+                                  std::move(message), std::move(help), nullptr, elements});
+    }
+
+    // As many elements from the next one on, as far as there are any.
+    [[nodiscard]] Elements Next(std::size_t count) const {
+        return count >= kElements ? ~Elements() << element_ : ~(~Elements() << count) << element_;
     }
 
     // `digits` are within `record_`.
-    void LookAtSize(std::string_view digits, double value) {
+    void LookAtSize(std::string_view digits, double value, const Elements& elements) {
         if (value != 0.0 && !std::isinf(value)) return;
         const auto at = static_cast<std::size_t>(digits.data() - record_.data());
         if (std::isinf(value))
-            Say("too-large", at, digits.size(),
+            Say(FindingKind::TooLarge, at, digits.size(), elements,
                 ValueName(digits) + ", is too large for a real and sets an infinity");
         const std::string_view mantissa = digits.substr(0, digits.find_first_of("EeDdQq+-", 1));
         if (value == 0.0 && mantissa.find_first_of("123456789") != std::string_view::npos)
-            Say("too-small", at, digits.size(),
+            Say(FindingKind::TooSmall, at, digits.size(), elements,
                 ValueName(digits) + ", is too small for a real and sets 0");
     }
 
@@ -170,9 +176,9 @@ class Reading {
         std::string message = ValueName(word) + ", is not a number";
         if (const std::string why = WhyUnusable(word); !why.empty())
             message += Joined(" (", why, ")");
-        message += Joined("; ", Elements(element_ + 1));
+        message += Joined("; ", Kept(element_ + 1));
         if (more.count > 0) message += Joined(", and ", MoreWords(more));
-        Say("not-a-number", at_, word.size(), message, AdviceBefore(at_));
+        Say(FindingKind::NotANumber, at_, word.size(), Next(1), message, AdviceBefore(at_));
         return false;
     }
 
@@ -198,9 +204,10 @@ class Reading {
 
     bool EndOfRecord() {
         const Words lost = WordsFrom(std::min(kColumns, whole_.size()));
-        const bool goesOn = list_.findings.empty() || list_.findings.back().code != "cut-number";
+        const bool goesOn =
+            list_.findings.empty() || list_.findings.back().kind != FindingKind::CutNumber;
         if (lost.count > 0 && goesOn)
-            Say("cut", lost.first, 1,
+            Say(FindingKind::Cut, lost.first, 1, {},
                 CountOf(lost, "word", "stands beyond column 512 and is not read",
                         "stand beyond column 512 and are not read"),
                 "a second card can set further elements: it begins with a repeat count, as in "
@@ -208,9 +215,9 @@ class Reading {
         return false;
     }
 
-    void CutNumber(std::string_view word) {
+    void CutNumber(std::string_view word, const Elements& cut) {
         const Words more = WordsFrom(whole_.find_first_of(kItemEnds, kColumns));
-        Say("cut-number", at_, word.size(),
+        Say(FindingKind::CutNumber, at_, word.size(), cut,
             Joined("the line is cut at column 512, within a number: ", Quoted(word), " is read",
                    more.count > 0 ? Joined(", and ", MoreWords(more)) : ""));
     }
@@ -220,8 +227,8 @@ class Reading {
         const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
         if (record_[at_ - 1] != ' ' && at_ + 1 < record_.size() && isDigit(record_[at_ - 1]) &&
             isDigit(record_[at_ + 1]))
-            Say("slash", at_, 1,
-                Joined("the slash ends the list: it does not divide; ", Elements(element_ + 1)));
+            Say(FindingKind::Slash, at_, 1, Next(1),
+                Joined("the slash ends the list: it does not divide; ", Kept(element_ + 1)));
         return false;
     }
 
@@ -230,7 +237,7 @@ class Reading {
         const bool isRepeated = extra.count == 0;  // by the count of the last item
         extra.count += overshoot_;
         if (extra.count > 0)
-            Say("beyond-last", isRepeated ? lastWord_ : extra.first, 1,
+            Say(FindingKind::BeyondLast, isRepeated ? lastWord_ : extra.first, 1, {},
                 CountOf(extra, "value", "after the 128th is not used",
                         "after the 128th are not used"),
                 isRepeated ? "" : AdviceBefore(extra.first));
@@ -238,7 +245,7 @@ class Reading {
 
     void LookForNothing() {
         if (list_.isSet.none() && list_.findings.empty())
-            Say("sets-nothing", 0, kNumbersStart - 1, "the card sets no value");
+            Say(FindingKind::SetsNothing, 0, kNumbersStart - 1, {}, "the card sets no value");
     }
 
     [[nodiscard]] Words WordsFrom(std::size_t at) const {

@@ -2,29 +2,14 @@
 // a word, told with columns and reasons. Tests compare the two on random cards.
 #pragma once
 
-#include "ElementValues.hpp"
+#include "Findings.hpp"
 
-#include <bitset>
-#include <cstdint>
-#include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace corvale::tool {
 
 inline constexpr std::size_t kColumns = internal::kCardColumns;  ///< of a line that count
-
-/// Something worth saying of a line, and where it stands.
-struct Finding {
-    std::string code;        ///< names the kind of finding, for programs
-    std::size_t column = 1;  ///< counted from 1
-    std::size_t length = 1;
-    std::string message;
-    std::string help = {};  ///< what to do about it; may be empty
-};
-
-using Elements = std::bitset<kElements>;
 
 /// Which elements the numbers of one card set, and what of them was not used.
 struct NumberList {

@@ -1,6 +1,7 @@
 #include "Program.hpp"
 
 #include "Commands.hpp"
+#include "FindingKinds.hpp"
 #include "Pages.hpp"
 #include "Usage.hpp"
 #include "Why.hpp"
@@ -74,19 +75,31 @@ constexpr const char* kCheckFooter =
     "returns, byte order marks and other characters where they matter. Cards and suspicious lines\n"
     "are listed, then what loading the file sets in the end. Each file is checked by itself.\n"
     "\n"
+    "Each finding has a code, as in warning[not-a-number]; the guide's page on findings lists "
+    "all.\n"
+    "A comment in the file silences them, for the next line or from there to the end:\n"
+    "  * corvale-ignore: unknown-keyword\n"
+    "  * corvale-ignore-file: slash, cut\n"
+    "\n"
     "Exit status:\n"
-    "  0  no findings\n"
+    "  0  no findings, or notes only\n"
     "  1  findings\n"
     "  2  a file cannot be read\n"
     "\n"
     "Examples:\n"
     "  corvale check orbit.inp\n"
     "  corvale check --quiet *.inp && run-all\n"
+    "  corvale check --format short --glob '*.inp' runs\n"
+    "  corvale check --format sarif --ignore cut,slash orbit.inp >findings.sarif\n"
     "  corvale check --json orbit.inp | jq '.files[].findings[].message'";
 
 constexpr const char* kSelfTestFooter =
     "Example:\n"
     "  corvale selftest";
+
+std::string CodeOfFinding(const std::string& code) {
+    return KindOf(code) ? "" : "\"" + code + "\" is no code of a finding";
+}
 
 // `--log ""` is a blank name like any other, not the absence of one.
 std::string NotBlank(const std::string& name) {
@@ -144,6 +157,37 @@ void AddDiff(CLI::App& app, int& status) {
     diff->callback([options, &status] { status = Diff(*options); });
 }
 
+void AddCheckFormat(CLI::App& check, CheckOptions& options) {
+    check.add_flag("--all", options.showsAll, "List every line, those without interest too");
+    check.add_option("--format", options.format, "What to print (default: text)")
+        ->option_text("text|short|json|jsonl|sarif|github")
+        ->check(CLI::IsMember({"text", "short", "json", "jsonl", "sarif", "github"}));
+    check.add_flag("--json", options.asJson, "Print one JSON object: --format json");
+    check.add_flag("--findings-only", options.isFindingsOnly,
+                   "Print neither cards nor what loading sets");
+}
+
+// An option that may be given several times, each time with one value.
+CLI::Option* Repeatable(CLI::Option* option, const std::string& value) {
+    return option->option_text(value)->expected(1)->allow_extra_args(false)->take_all();
+}
+
+void AddCheckChoice(CLI::App& check, CheckOptions& options) {
+    const CLI::Validator isCode(CodeOfFinding, "");
+    Repeatable(check.add_option("--select", options.selected, "Tell of these findings only"),
+               "CODE,...")
+        ->delimiter(',')
+        ->check(isCode);
+    Repeatable(check.add_option("--ignore", options.ignored, "Do not tell of these findings"),
+               "CODE,...")
+        ->delimiter(',')
+        ->check(isCode);
+    Repeatable(
+        check.add_option("--glob", options.globs,
+                         "Check the files of folders, and of folders in them, whose names match"),
+        "PATTERN");
+}
+
 void AddCheck(CLI::App& app, int& status) {
     auto options = std::make_shared<CheckOptions>();
     CLI::App* check = app.add_subcommand(
@@ -152,8 +196,8 @@ void AddCheck(CLI::App& app, int& status) {
     check->add_option("FILE", options->files, "Input files; - is standard input")
         ->required()
         ->option_text("...");
-    check->add_flag("--all", options->showsAll, "List every line, those without interest too");
-    check->add_flag("--json", options->asJson, "Print one JSON object");
+    AddCheckFormat(*check, *options);
+    AddCheckChoice(*check, *options);
     check->add_option("--color", options->colour, "Whether to colour the output (default: auto)")
         ->option_text("auto|always|never")
         ->check(CLI::IsMember({"auto", "always", "never"}));

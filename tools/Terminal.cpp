@@ -84,7 +84,8 @@ void UseColours(std::string_view when) {
 }
 
 std::string Coloured(Colour colour, std::string_view text) {
-    constexpr std::array<std::string_view, 4> codes = {"", "\033[1m", "\033[1;35m", "\033[1;32m"};
+    constexpr std::array<std::string_view, 6> codes = {"",           "\033[1m",    "\033[1;35m",
+                                                       "\033[1;32m", "\033[1;31m", "\033[1;36m"};
     const std::string_view code = codes[static_cast<std::size_t>(colour)];
     if (code.empty() || !hasColours) return std::string(text);
     return std::string(code).append(text).append("\033[0m");

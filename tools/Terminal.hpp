@@ -10,7 +10,7 @@
 
 namespace corvale::tool {
 
-enum class Colour : std::uint8_t { Plain, Place, Warning, Mark };
+enum class Colour : std::uint8_t { Plain, Place, Warning, Mark, Error, Note };
 
 /// Whether standard output shows colours. "auto", as at first: on a terminal that is not dumb, and
 /// without NO_COLOR; "always" and "never" whatever it is.

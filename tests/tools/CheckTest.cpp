@@ -1,9 +1,11 @@
 #include <corvale/core/CardTable.hpp>
 
 #include "ProgramRuns.hpp"
+#include "tools/FindingKinds.hpp"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 
 namespace corvale {
@@ -22,7 +24,11 @@ class Check : public ProgramRuns {
         WriteFile("in", content);
         const Outcome outcome = Corvale("check --json in");
         const json file = json::parse(outcome.out).at("files").at(0);
-        EXPECT_EQ(outcome.exitCode, file.at("findings").empty() ? 0 : 1) << content;
+        const json& findings = file.at("findings");
+        const bool hasProblems =
+            std::any_of(findings.begin(), findings.end(),
+                        [](const json& each) { return each.at("severity") != "note"; });
+        EXPECT_EQ(outcome.exitCode, hasProblems ? 1 : 0) << content;
         EXPECT_EQ(outcome.err, "");
         return file;
     }
@@ -102,9 +108,15 @@ const FindingCase kFindings[] = {
     {"QZ_DMA_ON 0\n", "not-off", 1, 11, "set to 1"},
     {"x\rQZ_DMA_ON\r", "carriage-return", 1, 3, ""},
     {"\xff\xfeQ\n", "two-byte-text", 1, 1, ""},
+    {"QZ_MOIC 1 1e400\n", "too-large", 1, 11, "value 2, \"1e400\""},
+    {"QZ_MOIC 1 -1e-400\n", "too-small", 1, 11, "sets 0"},
+    {"*corvale-ignore-file: slash,cutt\nQZ_MOIC 1/2\n", "unknown-code", 1, 29, "\"cutt\""},
+    {"* corvale-ignore: slash not-off\n\nQZ_MOIC 1/2\n", "", 0, 0, ""},
+    {"* corvale-ignore: slash\nSTEP\nQZ_MOIC 1/2\n", "slash", 3, 10, ""},
 };
 
 TEST_F(Check, FindsWhatIsWrong) {
+    std::set<std::string> codes;
     for (const auto& [content, code, line, column, message] : kFindings) {
         const json file = FileOf(content);
         const json& findings = file.at("findings");
@@ -115,7 +127,22 @@ TEST_F(Check, FindsWhatIsWrong) {
         EXPECT_EQ(findings[0].at("column"), column) << content;
         EXPECT_NE(findings[0].at("message").get<std::string>().find(message), std::string::npos)
             << findings;
+        codes.insert(code);
     }
+    for (const tool::FindingRow& row : tool::kFindingRows)
+        EXPECT_EQ(codes.count(std::string(row.code)), 1U) << row.code << " is never found";
+}
+
+TEST_F(Check, ThePageOfFindingsShowsTheTable) {
+    const std::string page = ReadFile(CORVALE_PAGE_OF_FINDINGS);
+    std::string rows = "|---|---|---|\n";
+    for (const auto& [kind, code, severity, summary] : tool::kFindingRows) {
+        rows += "| `" + std::string(code) + "` | " + std::string(tool::SeverityName(severity)) +
+                " | " + std::string(summary) + " |\n";
+        EXPECT_NE(page.find("\n## " + std::string(code) + " {#finding_"), std::string::npos)
+            << code;
+    }
+    EXPECT_NE(page.find(rows + "\n"), std::string::npos) << rows;
 }
 
 // Some 3 KB a finding if they were kept, and the cards, which come after them, 60 bytes each.
@@ -128,6 +155,11 @@ TEST_F(Check, NeedsNoMemoryForMoreFindings) {
     EXPECT_EQ(file.at("findings").size(), 200000U);
     EXPECT_EQ(file.at("cards").size(), 200000U);
     EXPECT_EQ(file.at("cards").back().at("line"), 200000);
+    for (const char* format : {"text", "short", "jsonl", "sarif", "github"}) {
+        const Outcome streamed = Run("ulimit -v 100000; " + Quoted(CORVALE_PROGRAM) +
+                                     " check many --format " + format + " | grep -c not-off");
+        EXPECT_EQ(streamed.out.substr(0, 5), "20000") << format << streamed.err;
+    }
 }
 
 // A file's name could steer the terminal, and a program that reads the output.

@@ -25,7 +25,7 @@ class Surroundings : public ProgramRuns {
 TEST_F(Surroundings, ColoursAreForTerminals) {
     const std::string escape = "\033[";
     EXPECT_TRUE(
-        Has(OnTerminal("TERM=xterm; unset NO_COLOR; corvale check bad"), escape + "1;35mwarning:"));
+        Has(OnTerminal("TERM=xterm; unset NO_COLOR; corvale check bad"), escape + "1;35mwarning["));
     EXPECT_FALSE(Has(OnTerminal("export TERM=xterm NO_COLOR=1; corvale check bad"), escape));
     EXPECT_FALSE(Has(OnTerminal("export TERM=dumb; corvale check bad"), escape));
     EXPECT_FALSE(Has(OnTerminal("export TERM=xterm; corvale check bad | cat"), escape));

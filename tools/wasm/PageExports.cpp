@@ -61,10 +61,12 @@ void Put(const Line& line, const Explained& explained) {
     PutLine(static_cast<double>(line.number), static_cast<std::int32_t>(explained.kind),
             line.text.data(), line.text.size(), static_cast<double>(line.length), effect.data(),
             effect.size());
-    for (const Finding& finding : explained.findings)
+    for (const Finding& finding : explained.findings) {
+        const std::string_view code = RowOf(finding.kind).code;
         PutFinding(static_cast<double>(finding.column), static_cast<double>(finding.length),
-                   finding.code.data(), finding.code.size(), finding.message.data(),
-                   finding.message.size(), finding.help.data(), finding.help.size());
+                   code.data(), code.size(), finding.message.data(), finding.message.size(),
+                   finding.help.data(), finding.help.size());
+    }
 }
 
 bool IsWanted(const Explained& explained, Wanted wanted) {

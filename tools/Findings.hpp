@@ -1,0 +1,42 @@
+// Something worth saying of a line, and comments that keep it from being said.
+#pragma once
+
+#include "ElementValues.hpp"
+#include "FindingKinds.hpp"
+
+#include <bitset>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvale::tool {
+
+using Elements = std::bitset<kElements>;
+
+/// What was found, and where it stands.
+struct Finding {
+    FindingKind kind;
+    std::size_t column = 1;  ///< in bytes, counted from 1
+    std::size_t length = 1;
+    std::string message;
+    std::string help = {};                 ///< what to do about it; may be empty
+    const internal::Card* card = nullptr;  ///< that the line is, or seems meant to be
+    Elements elements = {};                ///< to which it matters
+};
+
+/// The kinds that are not told of.
+struct Silence {
+    KindSet always;
+    KindSet next;  ///< of the next line that is neither blank nor a comment
+};
+
+/// Does what a comment asks for, if it is one of
+///     * corvale-ignore: CODE, ...        for the next line that is neither blank nor a comment
+///     * corvale-ignore-file: CODE, ...   from here to the end of the file
+/// and tells of words in it that are no codes.
+void ObeyComment(std::string_view comment, Silence& silence, std::vector<Finding>& findings);
+
+/// Takes the findings out that are silenced in this line.
+void TakeOutSilenced(const Silence& silence, std::vector<Finding>& findings);
+
+}  // namespace corvale::tool
