@@ -14,6 +14,8 @@ namespace corvale::tool {
 
 namespace {
 
+using internal::kKeyModes;
+
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 constexpr std::string_view kWideMarks[] = {"\xff\xfe", "\xfe\xff"};
 
@@ -44,11 +46,67 @@ void CountBytes(const Line& line, const UnusualBytes& bytes, FileContent& conten
     if (line.number == 1) content.hasByteOrderMark = line.text.starts_with(kByteOrderMark);
 }
 
+Finding NoteOnCard(FindingKind kind, const Card& card, std::string message,
+                   const Elements& elements = {}) {
+    return {kind, 1, NameOf(card).size(), std::move(message), "", &card, elements};
+}
+
+std::string ValuesText(const Elements& set) {
+    return Joined(set.count() == 1 ? "value " : "values ", Ranges(set));
+}
+
+// "line 3", "lines 3 to 7"
+std::string LinesOf(const Elements& set, const History& history) {
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    for (std::size_t i = 0; i < kElements; ++i) {
+        if (!set[i]) continue;
+        first = first == 0 ? history.setIn[i] : std::min(first, history.setIn[i]);
+        last = std::max(last, history.setIn[i]);
+    }
+    return first == last ? Joined("line ", first) : Joined("lines ", first, " to ", last);
+}
+
+// Puts a card into the history. `setsAllToOne` it and others to overwrite a part of it: a default.
+void Record(const Explained& card, bool setsAllToOne, std::uint64_t line, History& history) {
+    const Elements fresh = card.sets & (~card.setBefore | history.isDefault);
+    for (std::size_t i = 0; fresh.any() && i < kElements; ++i)
+        if (fresh[i]) history.setIn[i] = line;
+    history.isDefault &= ~card.sets;
+    if (setsAllToOne) history.isDefault.set();
+}
+
+// Whether a card is of use after those before it.
+void CompareWithHistory(bool setsAllToOne, std::uint64_t line, FileContent& content,
+                        Explained& explained) {
+    History& history = content.history;
+    if (explained.sets.any() && explained.setBefore == explained.sets && !content.values.AreNew()) {
+        explained.findings.push_back(
+            NoteOnCard(FindingKind::ChangesNothing, *explained.card,
+                       Joined("the card sets what ", ValuesText(explained.sets),
+                              explained.sets.count() == 1 ? " holds already" : " hold already"),
+                       explained.sets));
+        return;
+    }
+    const Elements overwritten = explained.setBefore & ~history.isDefault & ~history.isTold;
+    if (overwritten.any())
+        explained.findings.push_back(
+            NoteOnCard(FindingKind::Overwritten, *explained.card,
+                       Joined("the card overwrites ", ValuesText(overwritten), ", set in ",
+                              LinesOf(overwritten, history)),
+                       overwritten));
+    history.isTold |= overwritten;
+    Record(explained, setsAllToOne, line, history);
+}
+
 Explained ExplainMoic(const Line& line, const Card& card, FileContent& content) {
+    content.values.BeginCard();
     NumberList list = ReadNumbers(line.text, line.length, content.values);
-    const Elements setBefore = list.isSet & content.isSet;
+    Explained explained{LineKind::Card, &card, list.isSet, list.isSet & content.isSet,
+                        std::move(list.findings)};
     content.isSet |= list.isSet;
-    return {LineKind::Card, &card, list.isSet, setBefore, std::move(list.findings)};
+    CompareWithHistory(list.setsAllToOne, line.number, content, explained);
+    return explained;
 }
 
 // Nothing that follows the keyword is looked at; some of it shows that this was not known.
@@ -75,10 +133,19 @@ void LookBehindKeyword(std::string_view line, std::string_view keyword, Explaine
              "no card sets a mode back to 0; take the card out"});
 }
 
-Explained ExplainMode(std::string_view line, const Card& card, FileContent& content) {
-    content.setsMode.set(*card.mode);
+Explained ExplainMode(const Line& line, std::string_view columns, const Card& card,
+                      FileContent& content) {
+    const std::size_t mode = *card.mode;
     Explained explained{LineKind::Card, &card};
-    LookBehindKeyword(line, NameOf(card), explained);
+    LookBehindKeyword(columns, NameOf(card), explained);
+    std::uint64_t& setIn = content.history.modeSetIn[mode];
+    if (content.setsMode[mode])
+        explained.findings.push_back(
+            NoteOnCard(FindingKind::ChangesNothing, card,
+                       Joined("the ", kKeyModes[mode].name, " is 1 already, set in line ", setIn)));
+    else
+        setIn = line.number;
+    content.setsMode.set(mode);
     return explained;
 }
 
@@ -112,7 +179,8 @@ Explained Explain(const Line& line, FileContent& content) {
     if (StrFunctions::IsBlankOrNull(columns) == 1) return {LineKind::Blank};
     const Card* const card = CardOf(columns);
     if (card == nullptr) return ExplainOther(line);
-    return card->mode ? ExplainMode(columns, *card, content) : ExplainMoic(line, *card, content);
+    return card->mode ? ExplainMode(line, columns, *card, content)
+                      : ExplainMoic(line, *card, content);
 }
 
 void Count(const Explained& explained, FileContent& content) {

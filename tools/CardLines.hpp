@@ -5,6 +5,7 @@
 #include "Findings.hpp"
 #include "Input.hpp"
 
+#include <array>
 #include <bitset>
 #include <cstdint>
 #include <string>
@@ -32,12 +33,21 @@ struct Explained {
 /// Of a card: "QZ_DMA_ON sets the element-set key mode to 1".
 [[nodiscard]] std::string EffectText(const Explained& explained);
 
+/// Where a file has set what, as far as its next cards may overwrite it.
+struct History {
+    std::array<std::uint64_t, internal::kKeyModes.size()> modeSetIn{};  ///< the line; 0: none
+    std::array<std::uint64_t, kElements> setIn{};
+    Elements isDefault;  ///< set by a card that sets all to one value, for others to overwrite
+    Elements isTold;     ///< that it has been overwritten: once is enough
+};
+
 /// What the lines of a file so far hold and set. Modes and values are those that loading the file
 /// sets; what it leaves as it was is not set.
 struct FileContent {
     std::bitset<internal::kKeyModes.size()> setsMode;  ///< to 1
     ElementValues values;
     Elements isSet;
+    History history;
     Silence silence;
 
     std::uint64_t lines = 0, comments = 0, cards = 0;

@@ -34,9 +34,12 @@ KindSet KindsOf(const std::vector<std::string>& codes) {
     return kinds;
 }
 
-// The kinds that the command line asks not to be told of.
+// The kinds that the command line asks not to be told of. Where nothing is printed notes make no
+// difference.
 KindSet UnwantedKinds(const CheckOptions& options) {
     KindSet unwanted = KindsOf(options.ignored);
+    for (std::size_t i = 0; options.isQuiet && i < kFindingKinds; ++i)
+        unwanted[i] = unwanted[i] || kFindingRows[i].severity == Severity::Note;
     if (!options.selected.empty()) unwanted |= ~KindsOf(options.selected);
     return unwanted;
 }

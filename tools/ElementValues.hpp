@@ -4,6 +4,7 @@
 #include <corvale/core/CardTable.hpp>
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -21,12 +22,16 @@ class ElementValues {
 
     /// `column` is where the item begins that sets the value.
     void Set(std::size_t element, double value, std::size_t column) {
+        areNew_ =
+            areNew_ || sizes_[element] != 0 ||
+            std::bit_cast<std::uint64_t>(values_[element]) != std::bit_cast<std::uint64_t>(value);
         values_[element] = value;
         sizes_[element] = 0;
         columns_[element] = static_cast<std::uint16_t>(column);
     }
     /// A real without an exponent, of at most `kTextWidth` characters.
     void SetDecimal(std::size_t element, std::string_view decimal, std::size_t column) {
+        areNew_ = areNew_ || decimal != std::string_view(texts_[element].data(), sizes_[element]);
         decimal.copy(texts_[element].data(), kTextWidth);
         sizes_[element] = static_cast<std::uint8_t>(decimal.size());
         columns_[element] = static_cast<std::uint16_t>(column);
@@ -35,9 +40,14 @@ class ElementValues {
     /// Where on its line the item begins that set the value, counted from 1.
     [[nodiscard]] std::size_t Column(std::size_t element) const { return columns_[element]; }
 
+    /// Whether anything was set since `BeginCard` that is not written as what it replaces.
+    [[nodiscard]] bool AreNew() const { return areNew_; }
+    void BeginCard() { areNew_ = false; }
+
   private:
     std::array<double, kElements> values_{};
     std::array<std::array<char, kTextWidth>, kElements> texts_{};
+    bool areNew_ = false;
     std::array<std::uint8_t, kElements> sizes_{};  // 0: the value is in `values_`
     std::array<std::uint16_t, kElements> columns_{};
 };

@@ -54,10 +54,8 @@ void ObeyComment(std::string_view comment, Silence& silence, std::vector<Finding
 }
 
 void TakeOutSilenced(const Silence& silence, std::vector<Finding>& findings) {
-    const KindSet kinds = silence.always | silence.next;
-    if (kinds.none()) return;
     const auto isSilenced = [&](const Finding& finding) {
-        return kinds[static_cast<std::size_t>(finding.kind)];
+        return IsSilenced(finding.kind, silence);
     };
     findings.erase(std::remove_if(findings.begin(), findings.end(), isSilenced), findings.end());
 }

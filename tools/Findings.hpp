@@ -30,6 +30,12 @@ struct Silence {
     KindSet next;  ///< of the next line that is neither blank nor a comment
 };
 
+/// Whether findings of a kind are silenced in this line.
+[[nodiscard]] inline bool IsSilenced(FindingKind kind, const Silence& silence) {
+    const auto i = static_cast<std::size_t>(kind);
+    return silence.always[i] || silence.next[i];
+}
+
 /// Does what a comment asks for, if it is one of
 ///     * corvale-ignore: CODE, ...        for the next line that is neither blank nor a comment
 ///     * corvale-ignore-file: CODE, ...   from here to the end of the file

@@ -44,18 +44,34 @@ bool MayBeNear(std::string_view word) {
             word.find('_') != std::string_view::npos);
 }
 
+// A card, and in how many places its name differs from a word.
+struct Near {
+    const Card* card = nullptr;
+    std::size_t distance = 3;
+};
+
 // The card whose name differs from `word` in one or two places.
-const Card* Nearest(std::string_view word) {
-    constexpr std::size_t most = 2;
-    if (!MayBeNear(word)) return nullptr;
-    const Card* nearest = nullptr;
-    std::size_t least = most + 1;
+Near Nearest(std::string_view word) {
+    Near nearest;
+    if (!MayBeNear(word)) return nearest;
     for (const Card& card : kCards) {
         const std::size_t distance = WordDistance(word, NameOf(card));
-        if (distance < least) nearest = &card;
-        least = std::min(least, distance);
+        if (distance < nearest.distance) nearest = {&card, distance};
     }
     return nearest;
+}
+
+// The names of the cards that begin with `word`, with " and " between them, and the last such card.
+// Two letters that all names begin with, and the underscore, are too little.
+std::pair<std::string, const Card*> BegunBy(std::string_view word) {
+    std::pair<std::string, const Card*> begun = {"", nullptr};
+    if (word.size() < kCardLetters.size() + 2) return begun;
+    for (const Card& card : kCards) {
+        if (!NameOf(card).starts_with(word)) continue;
+        begun.first.append(begun.first.empty() ? "" : " and ").append(NameOf(card));
+        begun.second = &card;
+    }
+    return begun;
 }
 
 // The card whose name begins `text`, whatever follows.
@@ -112,6 +128,26 @@ Finding NoBlankBehind(std::string_view line, const Card& card) {
             &card};
 }
 
+// What a word in that column was probably meant to be.
+std::optional<Finding> MisspeltKeyword(std::string_view word, std::size_t column) {
+    const std::string upper = UpperCase(word);
+    const auto found = [&](FindingKind kind, const Card* card, std::string message) {
+        return Finding{kind, column, word.size(), std::move(message), "", card};
+    };
+    if (const Card* const card = SwitchedOff(upper); card != nullptr)
+        return found(FindingKind::UnknownKeyword, card,
+                     Joined("there is no card ", upper, ": no card sets a mode back to 0"));
+    const Near near = Nearest(upper);
+    if (const auto [names, card] = BegunBy(upper); card != nullptr && near.distance > 1)
+        return found(FindingKind::UnfinishedKeyword, card,
+                     Joined(Quoted(word), " is no keyword of a card; ", names,
+                            names == NameOf(*card) ? " begins with it" : " begin with it"));
+    if (near.card == nullptr) return std::nullopt;
+    return found(
+        FindingKind::UnknownKeyword, near.card,
+        Joined(Quoted(word), " is no keyword of a card; it looks like ", NameOf(*near.card)));
+}
+
 }  // namespace
 
 std::string UpperCase(std::string_view text) {
@@ -136,18 +172,7 @@ std::optional<Finding> NearCard(std::string_view line) {
     const std::string_view word = visible.substr(0, visible.find_first_of(" \t,;:=/"));
     constexpr std::size_t tooLong = kLongestKeyword + 3;
     if (word.size() >= tooLong) return std::nullopt;
-    const std::string upper = UpperCase(word);
-    const auto unknown = [&](const Card& card, std::string message) {
-        return Finding{FindingKind::UnknownKeyword, first + 1, word.size(),
-                       std::move(message),          "",        &card};
-    };
-    if (const Card* const card = SwitchedOff(upper); card != nullptr)
-        return unknown(*card,
-                       Joined("there is no card ", upper, ": no card sets a mode back to 0"));
-    if (const Card* const card = Nearest(upper); card != nullptr)
-        return unknown(
-            *card, Joined(Quoted(word), " is no keyword of a card; it looks like ", NameOf(*card)));
-    return std::nullopt;
+    return MisspeltKeyword(word, first + 1);
 }
 
 std::optional<Finding> CardAfterReturn(std::string_view line) {

@@ -19,6 +19,10 @@ bool IsItemEnd(char c) {
     return c == ' ' || c == '\t' || c == ',' || c == '/';
 }
 
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 std::string Plural(std::size_t count, std::string_view noun) {
     return Joined(count, " ", noun, count == 1 ? "" : "s");
 }
@@ -61,6 +65,7 @@ class Reading {
         while (element_ < kElements && Step()) {}
         if (element_ >= kElements) LookBeyondLast();
         LookForNothing();
+        LookForDecimalCommas();
         return std::move(list_);
     }
 
@@ -71,11 +76,13 @@ class Reading {
         if (at_ >= record_.size()) return EndOfRecord();
         if (record_[at_] == '/') return Slash();
         if (record_[at_] == ',') {
+            mayBeDecimal_ = false;
             ++at_;
             ++element_;
             return true;
         }
         lastWord_ = at_;
+        lastElement_ = element_;
         if (const std::size_t end = at_ + DecimalLength(record_.substr(at_)); IsShortItem(end)) {
             values_.SetDecimal(element_, record_.substr(at_, end - at_), at_ + 1);
             list_.isSet.set(element_++);
@@ -99,8 +106,56 @@ class Reading {
     // An item ends at `end`; one comma may follow it. True: more items may follow.
     bool EndItem(std::size_t end) {
         at_ = AfterBlanks(end);
-        if (at_ < record_.size() && record_[at_] == ',') ++at_;
+        if (at_ < record_.size() && record_[at_] == ',') {
+            if (mayBeDecimal_) NoteComma(end);
+            ++at_;
+        }
         return true;
+    }
+
+    // Behind the item that ends at `end` there is a comma. Commas may stand for decimal points as
+    // long as each has a digit on either side, and no word has two.
+    void NoteComma(std::size_t end) {
+        const bool isBetweenDigits = at_ == end && IsDigit(record_[end - 1]) &&
+                                     end + 1 < record_.size() && IsDigit(record_[end + 1]);
+        const bool isSecond = !commas_.empty() && commas_.back().at + 1 == lastWord_;
+        mayBeDecimal_ = isBetweenDigits && !isSecond;
+        if (mayBeDecimal_) commas_.push_back({end, lastWord_, lastElement_, element_});
+    }
+
+    // The word in which a comma stands, if it is a number with a decimal comma.
+    struct Comma {
+        std::size_t at, word, firstElement, lastElement;
+    };
+    [[nodiscard]] std::string_view DecimalWord(const Comma& comma) const {
+        const std::size_t end =
+            std::min(record_.find_first_of(kItemEnds, comma.at + 1), record_.size());
+        const std::string_view whole = record_.substr(comma.word, comma.at - comma.word);
+        const std::size_t digits = whole.find('*') + 1;  // 0 where nothing is repeated
+        const std::string_view fraction = record_.substr(comma.at + 1, end - comma.at - 1);
+        const bool isNumber =
+            whole.find_first_not_of("0123456789", IsDigit(whole[digits]) ? digits : digits + 1) ==
+                std::string_view::npos &&
+            RealLength(fraction, kCardExponents) == fraction.size();
+        return isNumber ? record_.substr(comma.word, end - comma.word) : std::string_view();
+    }
+
+    void LookForDecimalCommas() {
+        if (!mayBeDecimal_ || commas_.empty()) return;
+        const std::string_view read = record_.substr(0, at_);
+        if (read.find('.') != std::string_view::npos) return;
+        for (const Comma& comma : commas_)
+            if (DecimalWord(comma).empty()) return;
+        for (const Comma& comma : commas_) {
+            const std::string_view word = DecimalWord(comma);
+            std::string point(word);
+            point[comma.at - comma.word] = '.';
+            element_ = comma.firstElement;
+            Say(FindingKind::DecimalComma, comma.word, word.size(),
+                Next(comma.lastElement - comma.firstElement + 1),
+                Quoted(word) + " is read as two values: a comma separates",
+                Joined("as one value it is ", point, "; two have a blank behind the comma"));
+        }
     }
 
     // A value, n*value or n*. False where it is none of them.
@@ -135,6 +190,7 @@ class Reading {
 
     void Set(std::size_t count, std::string_view word) {
         const double value = CardReal(word);
+        list_.setsAllToOne = element_ == 0 && count >= kElements;
         LookAtSize(word, value, Next(count));
         const std::size_t end = std::min(element_ + count, kElements);
         for (; element_ < end; ++element_) {
@@ -224,9 +280,8 @@ class Reading {
 
     // A slash between two digits is more likely a slip than the end of a list.
     bool Slash() {
-        const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-        if (record_[at_ - 1] != ' ' && at_ + 1 < record_.size() && isDigit(record_[at_ - 1]) &&
-            isDigit(record_[at_ + 1]))
+        if (record_[at_ - 1] != ' ' && at_ + 1 < record_.size() && IsDigit(record_[at_ - 1]) &&
+            IsDigit(record_[at_ + 1]))
             Say(FindingKind::Slash, at_, 1, Next(1),
                 Joined("the slash ends the list: it does not divide; ", Kept(element_ + 1)));
         return false;
@@ -272,9 +327,12 @@ class Reading {
     bool isWhole_;  // `whole_` is: else only as much as is kept of a line
     std::size_t at_;
     ElementValues& values_;
-    std::size_t element_ = 0;    // counted from 0
-    std::size_t lastWord_ = 0;   // where the last item begins
-    std::size_t overshoot_ = 0;  // how many of its values are beyond the 128th
+    std::size_t element_ = 0;      // counted from 0
+    std::size_t lastWord_ = 0;     // where the last item begins
+    std::size_t lastElement_ = 0;  // and the first element that it sets
+    std::size_t overshoot_ = 0;    // how many of its values are beyond the 128th
+    bool mayBeDecimal_ = true;     // all commas so far may stand for points
+    std::vector<Comma> commas_;
     NumberList list_;
 };
 

@@ -14,6 +14,7 @@ inline constexpr std::size_t kColumns = internal::kCardColumns;  ///< of a line 
 /// Which elements the numbers of one card set, and what of them was not used.
 struct NumberList {
     Elements isSet;
+    bool setsAllToOne = false;  ///< by one repeat count, as in 128*0
     std::vector<Finding> findings;
 };
 

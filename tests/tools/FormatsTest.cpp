@@ -41,7 +41,8 @@ TEST_F(Formats, JsonNamesTheCardAndItsElements) {
     const json wanted = json::parse(R"([
         {"line": 1, "code": "too-large", "card": "QZ_MOIC", "elements": [3]},
         {"line": 1, "code": "not-a-number", "card": "QZ_MOIC", "elements": [4]},
-        {"line": 2, "code": "not-in-column-1", "card": "QZ_DMA_ON", "elements": []}])");
+        {"line": 2, "code": "not-in-column-1", "card": "QZ_DMA_ON", "elements": []},
+        {"line": 4, "code": "overwritten", "severity": "note", "elements": [2]}])");
     ASSERT_EQ(file.at("findings").size(), wanted.size()) << file;
     for (std::size_t i = 0; i < wanted.size(); ++i)
         for (const auto& [key, value] : wanted[i].items())
