@@ -10,7 +10,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 echo "test.sh: builds Corvale with every preset and runs its tests"
 need "${build_packages[@]}" libgtest-dev libmpfr-dev libgmp-dev clang clang-format clang-tidy libclang-rt-dev python3 \
-    pkg-config locales
+    pkg-config locales patch
 
 # What goes beyond the tests of one build, each a script that can be run alone.
 checks=("prove --quick" check-wasm check-packaging check-program docs check-try test-bindings test-python)

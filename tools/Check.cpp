@@ -2,6 +2,7 @@
 #include "CheckReport.hpp"
 #include "Commands.hpp"
 #include "Escapes.hpp"
+#include "FileFixer.hpp"
 #include "Folders.hpp"
 #include "Input.hpp"
 #include "Joined.hpp"
@@ -56,21 +57,21 @@ class Checking {
     int Run() {
         for (const std::string& name : options_.files) {
             if (!options_.globs.empty() && IsFolder(name))
-                CheckFolder(name);
+                TakeFolder(name);
             else
-                CheckFile(name);
+                TakeFile(name);
         }
         report_->Finish();
         return status_;
     }
 
   private:
-    void CheckFolder(const std::string& folder) {
+    void TakeFolder(const std::string& folder) {
         bool hasFiles = false;
         WalkFolder(folder, options_.globs,
                    {[&](const std::string& file) {
                         hasFiles = true;
-                        CheckFile(file);
+                        TakeFile(file);
                     },
                     [&](const std::string& unreadable, const std::string& why) {
                         hasFiles = true;
@@ -83,8 +84,33 @@ class Checking {
         status_ = kExitFailed;
     }
 
-    void CheckFile(const std::string& name) {
+    void TakeFile(const std::string& name) {
         report_->BeginFile(name == "-" ? "standard input" : name);
+        if (options_.printsDiff) return Compare(name);
+        if (!options_.fixes || Fix(name)) CheckFile(name);
+    }
+
+    void Compare(const std::string& name) {
+        const DiffOutcome outcome = PrintDiff(name, {unwanted_, options_.fixesCommas, {}});
+        if (outcome.failure) return FailToFix(*outcome.failure);
+        status_ = std::max(status_, outcome.isDifferent ? kExitFindings : kExitOk);
+    }
+
+    bool Fix(const std::string& name) {
+        const auto tell = [&](const Line& line, const FixedLine& fixed) {
+            report_->TakeFix(line, fixed);
+        };
+        const auto failure = FixFile(name, {unwanted_, options_.fixesCommas, tell});
+        if (failure) FailToFix(*failure);
+        return !failure;
+    }
+
+    void FailToFix(const std::string& why) {
+        report_->Unfixable(why);
+        status_ = kExitFailed;
+    }
+
+    void CheckFile(const std::string& name) {
         InputFile input(name);
         ProgressBar bar(name, input.Size().value_or(0),
                         ShowProgress(options_.isQuiet, options_.showsProgress));

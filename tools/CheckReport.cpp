@@ -103,6 +103,14 @@ class TextReport : public CheckReport {
         CheckReport::BeginFile(name);
         shownName_ = Escaped(name);
     }
+    void TakeFix(const Line& line, const FixedLine& fixed) override {
+        std::string codes;
+        for (const FindingKind kind : fixed.mended)
+            codes.append(codes.empty() ? "" : ", ").append(RowOf(kind).code);
+        std::cout << Coloured(Colour::Place, Joined(shownName_, ":", line.number, ":")) << ' '
+                  << Coloured(Colour::Note, Joined("fixed[", codes, "]:")) << ' '
+                  << Quoted(fixed.text) << '\n';
+    }
     void TakeLine(const Line& line, const Explained& explained) override {
         const std::string place = Joined(shownName_, ":", line.number, ":");
         if (explained.kind == LineKind::Card && !isFindingsOnly_)
@@ -163,9 +171,19 @@ class TextReport : public CheckReport {
 
 }  // namespace
 
+std::string CheckReport::Refusal(const std::string& why) const {
+    return Joined("cannot be ", verb_, ": ", why);
+}
+
 void CheckReport::Unreadable(const std::string& why) {
     std::cout.flush();
-    std::cerr << "corvale: " << QuotedName(name_) << " cannot be read: " << why << '\n';
+    std::cerr << "corvale: " << QuotedName(name_) << ' ' << Refusal(why) << '\n';
+}
+
+void CheckReport::Unfixable(const std::string& why) {
+    verb_ = "fixed";
+    Unreadable(why);
+    verb_ = "read";
 }
 
 std::string LabelOf(FindingKind kind) {

@@ -4,6 +4,7 @@
 
 #include "CardLines.hpp"
 #include "Input.hpp"
+#include "LineFixer.hpp"
 
 #include <memory>
 #include <string>
@@ -30,10 +31,14 @@ class CheckReport {
     CheckReport& operator=(const CheckReport&) = delete;
 
     virtual void BeginFile(const std::string& name) { name_ = name; }
+    /// Before the lines of a file: what was mended in it, in its old form.
+    virtual void TakeFix(const Line& /*line*/, const FixedLine& /*fixed*/) {}
     virtual void TakeLine(const Line& /*line*/, const Explained& /*explained*/) {}
     virtual void EndFile(const FileContent& /*content*/) {}
     /// Instead of EndFile: the file cannot be read, or not to its end.
     virtual void Unreadable(const std::string& why);
+    /// Instead of all lines: the file cannot be mended.
+    void Unfixable(const std::string& why);
     /// After the last file.
     virtual void Finish() {}
     /// Whether `TakeLine` would print something.
@@ -41,9 +46,12 @@ class CheckReport {
 
   protected:
     [[nodiscard]] const std::string& FileName() const { return name_; }
+    /// "cannot be read: " and why.
+    [[nodiscard]] std::string Refusal(const std::string& why) const;
 
   private:
     std::string name_;
+    std::string_view verb_ = "read";  // what cannot be done
 };
 
 /// For the formats that take findings one by one and leave all else out.

@@ -34,6 +34,9 @@ struct CheckOptions {
     bool isQuiet = false;
     bool showsAll = false;
     bool isFindingsOnly = false;
+    bool fixes = false;        // in the files
+    bool printsDiff = false;   // and nothing else
+    bool fixesCommas = false;  // decimal commas, too
     bool showsProgress = false;
     std::string colour = "auto";
 };

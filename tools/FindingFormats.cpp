@@ -58,8 +58,7 @@ class GithubReport : public FindingsReport {
     }
     void Unreadable(const std::string& why) override {
         CheckReport::Unreadable(why);
-        std::cout << "::error" << start_ << "1::" << Masked(Joined("cannot be read: ", why), kEnds)
-                  << '\n';
+        std::cout << "::error" << start_ << "1::" << Masked(Refusal(why), kEnds) << '\n';
     }
 
   private:

@@ -47,21 +47,24 @@ struct FindingRow {
     std::string_view code;  ///< for programs, and for people to look up
     Severity severity;
     std::string_view summary;
+    std::string_view fix = {};  ///< what mends it, for people; empty: nothing that is certain
 };
 
 inline constexpr std::array kFindingRows = {
     FindingRow{FindingKind::TwoByteText, "two-byte-text", Severity::Error,
                "the file is a text in units of two bytes"},
     FindingRow{FindingKind::NotInColumn1, "not-in-column-1", Severity::Warning,
-               "a keyword stands behind blanks or other characters"},
+               "a keyword stands behind blanks or other characters",
+               "move the keyword to column 1"},
     FindingRow{FindingKind::NoBlankInColumn8, "no-blank-in-column-8", Severity::Warning,
-               "QZ_MOIC is followed by something other than a blank"},
+               "QZ_MOIC is followed by something other than a blank", "write a blank in column 8"},
     FindingRow{FindingKind::UnknownKeyword, "unknown-keyword", Severity::Warning,
-               "a word is one or two letters off a keyword"},
+               "a word is one or two letters off a keyword", "write the keyword"},
     FindingRow{FindingKind::UnfinishedKeyword, "unfinished-keyword", Severity::Warning,
                "a word is the beginning of a keyword"},
     FindingRow{FindingKind::CarriageReturn, "carriage-return", Severity::Warning,
-               "a card follows a carriage return that ends no line"},
+               "a card follows a carriage return that ends no line",
+               "end lines at carriage returns"},
     FindingRow{FindingKind::LongerWord, "longer-word", Severity::Warning,
                "a longer word counts as the keyword that it begins with"},
     FindingRow{FindingKind::NotOff, "not-off", Severity::Error,
@@ -69,9 +72,10 @@ inline constexpr std::array kFindingRows = {
     FindingRow{FindingKind::SetsNothing, "sets-nothing", Severity::Warning,
                "a QZ_MOIC card sets no value"},
     FindingRow{FindingKind::NotANumber, "not-a-number", Severity::Warning,
-               "a word among the values is no number and ends the list"},
+               "a word among the values is no number and ends the list",
+               "write a slash before the remark"},
     FindingRow{FindingKind::DecimalComma, "decimal-comma", Severity::Warning,
-               "a comma makes two values of what looks like one number"},
+               "a comma makes two values of what looks like one number", "write a decimal point"},
     FindingRow{FindingKind::TooLarge, "too-large", Severity::Error,
                "a number is too large for a real and sets an infinity"},
     FindingRow{FindingKind::TooSmall, "too-small", Severity::Warning,
@@ -82,7 +86,7 @@ inline constexpr std::array kFindingRows = {
                "column 512 cuts a number in two"},
     FindingRow{FindingKind::Cut, "cut", Severity::Warning, "words stand beyond column 512"},
     FindingRow{FindingKind::BeyondLast, "beyond-last", Severity::Warning,
-               "there are values after the 128th"},
+               "there are values after the 128th", "write a slash before the remark"},
     FindingRow{FindingKind::Overwritten, "overwritten", Severity::Note,
                "a card overwrites values that the file has set before"},
     FindingRow{FindingKind::ChangesNothing, "changes-nothing", Severity::Note,

@@ -13,6 +13,12 @@ namespace corvale::tool {
 
 using Elements = std::bitset<kElements>;
 
+/// A change of a line: `length` bytes from `column` on become `text`, which may end lines.
+struct Edit {
+    std::size_t column, length;
+    std::string text;
+};
+
 /// What was found, and where it stands.
 struct Finding {
     FindingKind kind;
@@ -22,6 +28,7 @@ struct Finding {
     std::string help = {};                 ///< what to do about it; may be empty
     const internal::Card* card = nullptr;  ///< that the line is, or seems meant to be
     Elements elements = {};                ///< to which it matters
+    std::vector<Edit> fix = {};            ///< what mends it; empty where that is not certain
 };
 
 /// The kinds that are not told of.

@@ -36,6 +36,8 @@ class InputFile {
     /// The size of a regular file; nothing for a pipe.
     [[nodiscard]] std::optional<std::uint64_t> Size() const { return size_; }
     [[nodiscard]] std::uint64_t BytesRead() const { return bytesRead_; }
+    /// Where in the file the next line begins.
+    [[nodiscard]] std::uint64_t Position() const { return bytesRead_ - (end_ - begin_); }
 
     /// Reads the next line, of which `line` keeps `most` bytes. False at the end and on failure.
     [[nodiscard]] bool ReadLine(Line& line, std::size_t most);

@@ -5,11 +5,11 @@
 #include "Joined.hpp"
 #include "JsonFindings.hpp"
 #include "JsonTexts.hpp"
+#include "Spool.hpp"
 
-#include <cstdio>
 #include <iostream>
-#include <stdexcept>
 #include <string_view>
+#include <utility>
 
 namespace corvale::tool {
 
@@ -17,56 +17,6 @@ namespace {
 
 using internal::kKeyModes;
 using nlohmann::ordered_json;
-
-// Text that is printed later. Small texts stay in memory, a file takes the rest.
-class Spool {
-  public:
-    Spool() = default;
-    ~Spool() {
-        if (file_ != nullptr) std::fclose(file_);
-    }
-    Spool(const Spool&) = delete;
-    Spool& operator=(const Spool&) = delete;
-
-    [[nodiscard]] bool IsEmpty() const { return isEmpty_; }
-    void Add(std::string_view text) {
-        isEmpty_ = false;
-        waiting_.append(text);
-        if (waiting_.size() >= kBlock) MoveToFile();
-    }
-    // Prints what was added, and begins anew.
-    void Print() {
-        if (file_ != nullptr) PrintFile();
-        std::cout << waiting_;
-        waiting_.clear();
-        isEmpty_ = true;
-    }
-
-  private:
-    static constexpr std::size_t kBlock = 0x40000;
-
-    void MoveToFile() {
-        if (file_ == nullptr) file_ = std::tmpfile();
-        if (file_ == nullptr ||
-            std::fwrite(waiting_.data(), 1, waiting_.size(), file_) != waiting_.size())
-            throw std::runtime_error("there is no space for a temporary file");
-        waiting_.clear();
-    }
-    void PrintFile() {
-        std::rewind(file_);
-        std::string block(kBlock, ' ');
-        while (const std::size_t count = std::fread(block.data(), 1, kBlock, file_))
-            std::cout.write(block.data(), static_cast<std::streamsize>(count));
-        if (std::ferror(file_) != 0)
-            throw std::runtime_error("the temporary file cannot be read back");
-        std::fclose(file_);
-        file_ = nullptr;
-    }
-
-    std::FILE* file_ = nullptr;
-    std::string waiting_;
-    bool isEmpty_ = true;
-};
 
 constexpr bool IsSetByCards(std::size_t mode) {
     return std::ranges::any_of(internal::kCards,
@@ -104,7 +54,16 @@ class JsonReport : public CheckReport {
         CheckReport::BeginFile(name);
         std::cout << (isFirstFile_ ? "{\"files\": [\n" : ",\n") << "{\"file\": " << JsonName(name);
         isFirstFile_ = false;
-        hasFindings_ = false;
+        hasFixes_ = hasFindings_ = false;
+    }
+    void TakeFix(const Line& line, const FixedLine& fixed) override {
+        ordered_json codes = ordered_json::array();
+        for (const FindingKind kind : fixed.mended) codes.push_back(RowOf(kind).code);
+        std::cout << (hasFixes_ ? ",\n  " : ",\n \"fixed\": [\n  ")
+                  << ordered_json({{"line", line.number},
+                                   {"codes", std::move(codes)},
+                                   {"text", ordered_json::parse(JsonName(fixed.text))}});
+        hasFixes_ = true;
     }
     void TakeLine(const Line& line, const Explained& explained) override {
         if (explained.kind == LineKind::Card && !isFindingsOnly_) {
@@ -112,6 +71,7 @@ class JsonReport : public CheckReport {
             cards_.Add(Joined("{\"line\":", line.number, ","));
             cards_.Add(std::string_view(JsonCard(explained).dump()).substr(1));
         }
+        EndFixes();
         for (const Finding& finding : explained.findings) {
             std::cout << (hasFindings_ ? ",\n  " : ",\n \"findings\": [\n  ")
                       << JsonFinding(line.number, explained, finding);
@@ -127,6 +87,7 @@ class JsonReport : public CheckReport {
     }
     void Unreadable(const std::string& why) override {
         CheckReport::Unreadable(why);
+        EndFixes();
         if (hasFindings_ || !cards_.IsEmpty()) EndArrays();
         Put("error", why);
         std::cout << '}';
@@ -141,7 +102,11 @@ class JsonReport : public CheckReport {
     static void Put(std::string_view key, const ordered_json& value) {
         std::cout << ",\n \"" << key << "\": " << value;
     }
+    void EndFixes() {
+        if (std::exchange(hasFixes_, false)) std::cout << ']';
+    }
     void EndArrays() {
+        EndFixes();
         std::cout << (hasFindings_ ? "]" : ",\n \"findings\": []");
         if (isFindingsOnly_) return;
         std::cout << ",\n \"cards\": [";
@@ -151,7 +116,7 @@ class JsonReport : public CheckReport {
 
     bool isFindingsOnly_;
     bool isFirstFile_ = true;
-    bool hasFindings_ = false;
+    bool hasFixes_ = false, hasFindings_ = false;
     Spool cards_;
 };
 

@@ -17,6 +17,7 @@ using internal::kCardLetters;
 using internal::kCards;
 using internal::kLongestKeyword;
 
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 constexpr char kCaseBit = 0x20;  // set in small ASCII letters, clear in capitals
 
 // Whether `text` can begin with a keyword, or with a word near one. Saves the time of most lines: it
@@ -100,36 +101,62 @@ std::size_t InvisibleSize(std::string_view line) {
 }
 
 std::string WhatStandsBefore(std::string_view before) {
-    if (before.starts_with("\xef\xbb\xbf")) return "a byte order mark (0xEF 0xBB 0xBF)";
+    if (before.starts_with(kByteOrderMark)) return "a byte order mark (0xEF 0xBB 0xBF)";
     if (before.find_first_not_of(' ') == std::string_view::npos)
         return before.size() == 1 ? std::string("a blank") : Joined(before.size(), " blanks");
     return ByteName(before[before.find_first_not_of(' ')]);
 }
 
-Finding NotInFirstColumn(std::string_view before, const Card& card) {
-    return {FindingKind::NotInColumn1,
-            before.size() + 1,
-            NameOf(card).size(),
-            Joined(NameOf(card), " is not read as a card: it begins in column ", before.size() + 1,
-                   ", behind ", WhatStandsBefore(before)),
-            "keywords begin in column 1; a comment begins with *",
-            &card};
+// Whether a word ends before `rest`, so that it is certain which one it is.
+bool IsWholeWordBefore(std::string_view rest) {
+    return rest.empty() || rest.front() == ' ' || rest.front() == '\t';
+}
+
+// Of a line that holds the name of `card` behind `size` bytes that are none of it.
+Finding NotInFirstColumn(std::string_view line, std::size_t size, const Card& card) {
+    const std::string_view before = line.substr(0, size);
+    Finding finding{FindingKind::NotInColumn1,
+                    size + 1,
+                    NameOf(card).size(),
+                    Joined(NameOf(card), " is not read as a card: it begins in column ", size + 1,
+                           ", behind ", WhatStandsBefore(before)),
+                    "keywords begin in column 1; a comment begins with *",
+                    &card};
+    const std::size_t mark = before.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+    if (before.find_first_not_of(" \t", mark) == std::string_view::npos &&
+        IsWholeWordBefore(line.substr(size + NameOf(card).size())))
+        finding.fix = {{1, size, ""}};
+    return finding;
 }
 
 // Of a line that begins with the name of `card` and is no card.
 Finding NoBlankBehind(std::string_view line, const Card& card) {
     const std::size_t size = NameOf(card).size();
-    return {FindingKind::NoBlankInColumn8,
-            size + 1,
-            1,
-            Joined(NameOf(card), " is not read as a card: column ", size + 1, " holds ",
-                   ByteName(line[size]), " where a blank is needed"),
-            "",
-            &card};
+    Finding finding{FindingKind::NoBlankInColumn8,
+                    size + 1,
+                    1,
+                    Joined(NameOf(card), " is not read as a card: column ", size + 1, " holds ",
+                           ByteName(line[size]), " where a blank is needed"),
+                    "",
+                    &card};
+    if (line[size] == '\t') finding.fix = {{size + 1, 1, " "}};
+    return finding;
 }
 
-// What a word in that column was probably meant to be.
-std::optional<Finding> MisspeltKeyword(std::string_view word, std::size_t column) {
+// The name of a card in capitals, or in small letters if `word` has no others.
+std::string NameLike(std::string_view word, const Card& card) {
+    std::string name(NameOf(card));
+    const bool isSmall =
+        UpperCase(word) != word &&
+        std::none_of(word.begin(), word.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+    for (char& c : name)
+        if (isSmall && c != '_') c = static_cast<char>(c | kCaseBit);
+    return name;
+}
+
+// What a word in that column was probably meant to be. `rest` follows it.
+std::optional<Finding> MisspeltKeyword(std::string_view word, std::size_t column,
+                                       std::string_view rest) {
     const std::string upper = UpperCase(word);
     const auto found = [&](FindingKind kind, const Card* card, std::string message) {
         return Finding{kind, column, word.size(), std::move(message), "", card};
@@ -143,9 +170,21 @@ std::optional<Finding> MisspeltKeyword(std::string_view word, std::size_t column
                      Joined(Quoted(word), " is no keyword of a card; ", names,
                             names == NameOf(*card) ? " begins with it" : " begin with it"));
     if (near.card == nullptr) return std::nullopt;
-    return found(
-        FindingKind::UnknownKeyword, near.card,
-        Joined(Quoted(word), " is no keyword of a card; it looks like ", NameOf(*near.card)));
+    Finding unknown =
+        found(FindingKind::UnknownKeyword, near.card,
+              Joined(Quoted(word), " is no keyword of a card; it looks like ", NameOf(*near.card)));
+    if (near.distance == 1 && IsWholeWordBefore(rest))
+        unknown.fix = {{column, word.size(), NameLike(word, *near.card)}};
+    return unknown;
+}
+
+// Each carriage return becomes a line end; those at the end of the line go.
+std::vector<Edit> LineEndsAtReturns(std::string_view line) {
+    std::vector<Edit> edits;
+    const std::size_t last = line.find_last_not_of('\r');
+    for (std::size_t at = line.find('\r'); at < line.size(); at = line.find('\r', at + 1))
+        edits.push_back({at + 1, 1, at > last ? "" : "\n"});
+    return edits;
 }
 
 }  // namespace
@@ -166,13 +205,12 @@ std::optional<Finding> NearCard(std::string_view line) {
     const std::string_view visible = line.substr(first);
     if (!MayBeMeant(visible)) return std::nullopt;
     if (const Card* const card = Beginning(visible); card != nullptr)
-        return first > 0 ? NotInFirstColumn(line.substr(0, first), *card)
-                         : NoBlankBehind(line, *card);
+        return first > 0 ? NotInFirstColumn(line, first, *card) : NoBlankBehind(line, *card);
 
     const std::string_view word = visible.substr(0, visible.find_first_of(" \t,;:=/"));
     constexpr std::size_t tooLong = kLongestKeyword + 3;
     if (word.size() >= tooLong) return std::nullopt;
-    return MisspeltKeyword(word, first + 1);
+    return MisspeltKeyword(word, first + 1, visible.substr(word.size()));
 }
 
 std::optional<Finding> CardAfterReturn(std::string_view line) {
@@ -185,7 +223,9 @@ std::optional<Finding> CardAfterReturn(std::string_view line) {
             NameOf(*card).size(),
             Joined(NameOf(*card), " is not read as a card: a carriage return alone begins no line"),
             "lines end with LF, or with CR LF",
-            card};
+            card,
+            {},
+            LineEndsAtReturns(line)};
     }
     return std::nullopt;
 }

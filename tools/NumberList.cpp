@@ -23,6 +23,11 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+bool IsLetter(char c) {
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'z';
+}
+
 std::string Plural(std::size_t count, std::string_view noun) {
     return Joined(count, " ", noun, count == 1 ? "" : "s");
 }
@@ -155,6 +160,7 @@ class Reading {
                 Next(comma.lastElement - comma.firstElement + 1),
                 Quoted(word) + " is read as two values: a comma separates",
                 Joined("as one value it is ", point, "; two have a blank behind the comma"));
+            list_.findings.back().fix = {{comma.at + 1, 1, "."}};
         }
     }
 
@@ -235,14 +241,34 @@ class Reading {
         message += Joined("; ", Kept(element_ + 1));
         if (more.count > 0) message += Joined(", and ", MoreWords(more));
         Say(FindingKind::NotANumber, at_, word.size(), Next(1), message, AdviceBefore(at_));
+        if (const std::size_t end = whole_.find_last_not_of('\r') + 1; end < at_ + word.size())
+            list_.findings.back().fix = {{end + 1, whole_.size() - end, ""}};
+        else if (list_.isSet.any() && IsRemark(at_))
+            list_.findings.back().fix = {{at_ + 1, 0, "/ "}};
         return false;
+    }
+
+    // Whether all words from `at` on are words: no numbers, no exponents apart from theirs, no
+    // infinities.
+    [[nodiscard]] bool IsRemark(std::size_t at) const {
+        const std::string_view line = whole_.substr(0, whole_.find_last_not_of('\r') + 1);
+        if (!isWhole_) return false;
+        while ((at = line.find_first_not_of(" \t,", at)) < line.size() && line[at] != '/') {
+            const std::string_view word = line.substr(at, line.find_first_of(kItemEnds, at) - at);
+            const bool isExponent = kCardExponents.find(word.front()) != std::string_view::npos &&
+                                    word.size() > 1 &&
+                                    RealLength(word.substr(1), "") == word.size() - 1;
+            if (!IsLetter(word.front()) || isExponent ||
+                WhyNoReal(word, 0).starts_with("words for"))
+                return false;
+            at += word.size();
+        }
+        return true;
     }
 
     // A word that begins with a letter is more likely a remark than a number.
     [[nodiscard]] std::string AdviceBefore(std::size_t at) const {
-        const char lower = static_cast<char>(whole_[at] | 0x20);
-        const bool isRemark = lower >= 'a' && lower <= 'z';
-        return isRemark ? "to end the list before a remark, write a slash" : "";
+        return IsLetter(whole_[at]) ? "to end the list before a remark, write a slash" : "";
     }
 
     static std::string WhyUnusable(std::string_view word) {
@@ -296,6 +322,8 @@ class Reading {
                 CountOf(extra, "value", "after the 128th is not used",
                         "after the 128th are not used"),
                 isRepeated ? "" : AdviceBefore(extra.first));
+        if (extra.count > 0 && !isRepeated && overshoot_ == 0 && IsRemark(extra.first))
+            list_.findings.back().fix = {{extra.first + 1, 0, "/ "}};
     }
 
     void LookForNothing() {

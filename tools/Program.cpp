@@ -81,14 +81,21 @@ constexpr const char* kCheckFooter =
     "  * corvale-ignore: unknown-keyword\n"
     "  * corvale-ignore-file: slash, cut\n"
     "\n"
+    "--fix mends keywords that are indented or one letter off, a tab in column 8, a byte order "
+    "mark,\n"
+    "carriage returns and a missing slash before a remark. It replaces a file at once or not at "
+    "all,\n"
+    "and no symbolic links.\n"
+    "\n"
     "Exit status:\n"
-    "  0  no findings, or notes only\n"
-    "  1  findings\n"
-    "  2  a file cannot be read\n"
+    "  0  no findings, or notes only; --diff: nothing to mend\n"
+    "  1  findings; --diff: something to mend\n"
+    "  2  a file cannot be read or mended\n"
     "\n"
     "Examples:\n"
     "  corvale check orbit.inp\n"
     "  corvale check --quiet *.inp && run-all\n"
+    "  corvale check --diff orbit.inp\n"
     "  corvale check --format short --glob '*.inp' runs\n"
     "  corvale check --format sarif --ignore cut,slash orbit.inp >findings.sarif\n"
     "  corvale check --json orbit.inp | jq '.files[].findings[].message'";
@@ -188,6 +195,13 @@ void AddCheckChoice(CLI::App& check, CheckOptions& options) {
         "PATTERN");
 }
 
+void AddCheckFixes(CLI::App& check, CheckOptions& options) {
+    check.add_flag("--fix", options.fixes, "Mend what is certain in the files, then check them");
+    check.add_flag("--diff", options.printsDiff, "Print what --fix would change, and nothing else");
+    check.add_flag("--decimal-commas", options.fixesCommas,
+                   "With --fix or --diff: decimal commas become points, too");
+}
+
 void AddCheck(CLI::App& app, int& status) {
     auto options = std::make_shared<CheckOptions>();
     CLI::App* check = app.add_subcommand(
@@ -198,6 +212,7 @@ void AddCheck(CLI::App& app, int& status) {
         ->option_text("...");
     AddCheckFormat(*check, *options);
     AddCheckChoice(*check, *options);
+    AddCheckFixes(*check, *options);
     check->add_option("--color", options->colour, "Whether to colour the output (default: auto)")
         ->option_text("auto|always|never")
         ->check(CLI::IsMember({"auto", "always", "never"}));

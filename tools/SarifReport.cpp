@@ -57,9 +57,8 @@ class SarifReport : public FindingsReport {
     }
     void Unreadable(const std::string& why) override {
         CheckReport::Unreadable(why);
-        failures_.push_back(
-            {{"level", "error"},
-             {"message", {{"text", QuotedName(FileName()) + " cannot be read: " + why}}}});
+        failures_.push_back({{"level", "error"},
+                             {"message", {{"text", QuotedName(FileName()) + " " + Refusal(why)}}}});
     }
     void Finish() override {
         const bool isWhole = failures_.empty();

@@ -153,7 +153,7 @@ TEST_F(Check, FindsWhatIsWrong) {
 TEST_F(Check, ThePageOfFindingsShowsTheTable) {
     const std::string page = ReadFile(CORVALE_PAGE_OF_FINDINGS);
     std::string rows = "|---|---|---|\n";
-    for (const auto& [kind, code, severity, summary] : tool::kFindingRows) {
+    for (const auto& [kind, code, severity, summary, fix] : tool::kFindingRows) {
         rows += "| `" + std::string(code) + "` | " + std::string(tool::SeverityName(severity)) +
                 " | " + std::string(summary) + " |\n";
         EXPECT_NE(page.find("\n## " + std::string(code) + " {#finding_"), std::string::npos)
