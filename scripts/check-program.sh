@@ -5,8 +5,8 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-echo "check-program.sh: the man page, the completions and the SARIF of corvale"
-need "${build_packages[@]}" libgtest-dev man-db groff-base zsh fish python3-jsonschema
+echo "check-program.sh: the man page, the completions, the SARIF and the editors of corvale"
+need "${build_packages[@]}" libgtest-dev man-db groff-base zsh fish python3-jsonschema neovim vim
 command -v npm >/dev/null || need npm
 build release -DCORVALE_BUILD_TESTS=ON
 build=$top/build/release
@@ -20,7 +20,7 @@ bash_file=$scratch/share/bash-completion/completions/corvale
 zsh_file=$scratch/share/zsh/site-functions/_corvale
 fish_file=$scratch/share/fish/vendor_completions.d/corvale.fish
 commands=$("$build/tools/corvale" --help | sed -nE 's/^  ([a-z][a-z0-9]+) {5,}.*/\1/p')
-[ "$(wc -w <<<"$commands")" -eq 13 ] || fail "not 13 commands: $commands"
+[ "$(wc -w <<<"$commands")" -eq 14 ] || fail "not 14 commands: $commands"
 
 # --- the man page
 for device in utf8 ascii; do
@@ -99,4 +99,7 @@ for log in logs:
     jsonschema.Draft4Validator(schema).validate(log)
 assert [len(log["runs"][0]["results"]) > 20 for log in logs] == [True, False]
 PYTHON
+
+# --- the guide's lines for editors
+for editor in neovim makeprg; do bash "$top/tests/examples/editors.sh" $editor "$top" "$build/tools/corvale" >/dev/null; done
 echo "check-program.sh: all well"

@@ -53,6 +53,9 @@ int Diff(const DiffOptions& options);
 /// Explains the cards of input files, and what looks like one and is none.
 int Check(const CheckOptions& options);
 
+/// Serves an editor on standard input and output: the findings of `Check` as it types.
+int ServeEditor();
+
 /// Calls the three interface tests and prints the outcome of each argument.
 int SelfTest();
 

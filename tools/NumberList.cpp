@@ -59,12 +59,14 @@ std::string MoreWords(const Words& words) {
 // Walks along the items of the card and says what it meets.
 class Reading {
   public:
-    Reading(std::string_view line, std::size_t length, ElementValues& values)
+    Reading(std::string_view line, std::size_t length, ElementValues& values,
+            std::vector<NumberItem>* items = nullptr)
         : whole_(line),
           record_(line.substr(0, kColumns)),
           isWhole_(length == line.size()),
           at_(kNumbersStart),
-          values_(values) {}
+          values_(values),
+          items_(items) {}
 
     NumberList Read() {
         while (element_ < kElements && Step()) {}
@@ -110,6 +112,9 @@ class Reading {
 
     // An item ends at `end`; one comma may follow it. True: more items may follow.
     bool EndItem(std::size_t end) {
+        if (items_ != nullptr)
+            items_->push_back({lastWord_ + 1, end - lastWord_, lastElement_,
+                               std::min(element_, kElements) - lastElement_});
         at_ = AfterBlanks(end);
         if (at_ < record_.size() && record_[at_] == ',') {
             if (mayBeDecimal_) NoteComma(end);
@@ -355,11 +360,12 @@ class Reading {
     bool isWhole_;  // `whole_` is: else only as much as is kept of a line
     std::size_t at_;
     ElementValues& values_;
-    std::size_t element_ = 0;      // counted from 0
-    std::size_t lastWord_ = 0;     // where the last item begins
-    std::size_t lastElement_ = 0;  // and the first element that it sets
-    std::size_t overshoot_ = 0;    // how many of its values are beyond the 128th
-    bool mayBeDecimal_ = true;     // all commas so far may stand for points
+    std::vector<NumberItem>* items_;  // where they are listed; may be null
+    std::size_t element_ = 0;         // counted from 0
+    std::size_t lastWord_ = 0;        // where the last item begins
+    std::size_t lastElement_ = 0;     // and the first element that it sets
+    std::size_t overshoot_ = 0;       // how many of its values are beyond the 128th
+    bool mayBeDecimal_ = true;        // all commas so far may stand for points
     std::vector<Comma> commas_;
     NumberList list_;
 };
@@ -369,6 +375,13 @@ class Reading {
 double ElementValues::operator[](std::size_t element) const {
     const std::size_t size = sizes_[element];
     return size == 0 ? values_[element] : CardReal({texts_[element].data(), size});
+}
+
+std::vector<NumberItem> ItemsOf(std::string_view line, std::size_t length) {
+    std::vector<NumberItem> items;
+    ElementValues values;
+    static_cast<void>(Reading(line, length, values, &items).Read());
+    return items;
 }
 
 NumberList ReadNumbers(std::string_view line, std::size_t length, ElementValues& values) {

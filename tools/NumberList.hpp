@@ -23,4 +23,13 @@ struct NumberList {
 [[nodiscard]] NumberList ReadNumbers(std::string_view line, std::size_t length,
                                      ElementValues& values);
 
+/// A value, n*value or n* of a card: where it stands, and which elements it is for.
+struct NumberItem {
+    std::size_t column, length;
+    std::size_t first, count;  ///< elements, counted from 0
+};
+
+/// The items of a card that are read. The arguments are those of `ReadNumbers`.
+[[nodiscard]] std::vector<NumberItem> ItemsOf(std::string_view line, std::size_t length);
+
 }  // namespace corvale::tool

@@ -100,6 +100,16 @@ constexpr const char* kCheckFooter =
     "  corvale check --format sarif --ignore cut,slash orbit.inp >findings.sarif\n"
     "  corvale check --json orbit.inp | jq '.files[].findings[].message'";
 
+constexpr const char* kLspFooter =
+    "Speaks the Language Server Protocol on standard input and output: findings of `corvale "
+    "check`,\n"
+    "what a card sets and which element the cursor is on, and what mends a finding. The guide's "
+    "page\n"
+    "on editors has the lines for some of them.\n"
+    "\n"
+    "Example, in Neovim:\n"
+    "  :lua vim.lsp.start({ name = 'corvale', cmd = { 'corvale', 'lsp' } })";
+
 constexpr const char* kSelfTestFooter =
     "Example:\n"
     "  corvale selftest";
@@ -223,6 +233,12 @@ void AddCheck(CLI::App& app, int& status) {
     check->callback([options, &status] { status = Check(*options); });
 }
 
+void AddLsp(CLI::App& app, int& status) {
+    CLI::App* lsp = app.add_subcommand("lsp", "Serve an editor: findings, hints and quick fixes");
+    lsp->footer(kLspFooter);
+    lsp->callback([&status] { status = ServeEditor(); });
+}
+
 void AddSelfTest(CLI::App& app, int& status) {
     CLI::App* selfTest = app.add_subcommand("selftest", "Check how each kind of argument arrives");
     selfTest->footer(kSelfTestFooter);
@@ -264,6 +280,7 @@ void AddCommands(CLI::App& app, int& status) {
     AddLoad(app, status);
     AddDiff(app, status);
     AddCheck(app, status);
+    AddLsp(app, status);
     AddSelfTest(app, status);
     AddFilters(app, status);
     AddHelp(app, status);
