@@ -3,6 +3,7 @@
 #include "Escapes.hpp"
 #include "Input.hpp"
 #include "Joined.hpp"
+#include "NumberList.hpp"
 
 #include <algorithm>
 #include <string_view>

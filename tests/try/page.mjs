@@ -54,9 +54,9 @@ export async function shown(page) {
       if (item.querySelector('.effect')) effects[line] = textOf(item.querySelector('.effect'));
       for (const finding of item.querySelectorAll('.finding')) {
         const [column, last] = textOf(finding.querySelector('.place')).match(/\d+/g).map(Number);
-        const [message] = [...finding.querySelector('p').childNodes].filter((node) => node.nodeType === Node.TEXT_NODE);
-        findings.push({ line, column, length: (last ?? column) - column + 1, code: textOf(finding.querySelector('.code')),
-          message: message.textContent.slice(2, -1), help: textOf(finding.querySelector('.help')) });
+        const message = textOf(finding.querySelector('.place').nextSibling).slice(2, -1);
+        findings.push({ line, column, length: (last ?? column) - column + 1, severity: textOf(finding.querySelector('.severity')),
+          code: textOf(finding.querySelector('.code')), message, help: textOf(finding.querySelector('.help')) });
       }
     }
     return { listed: lines.length, findings, effects, status: textOf(document.getElementById('status')),

@@ -21,7 +21,8 @@ export function programCheck(program, file) {
     .map(([, name, value]) => [name.trimEnd(), value]);
   return {
     counts: { lines: json.lines, cards: Number(cards), findings: Number(findings) },
-    findings: json.findings.map(({ line, column, length, code, message, help }) => ({ line, column, length, code, message, help })),
+    findings: json.findings.map(({ line, column, length, severity, code, message, help }) =>
+      ({ line, column, length, severity, code, message, help })),
     effects,
     sets,
     bytes: json.bytes,

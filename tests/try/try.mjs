@@ -42,6 +42,17 @@ async function filesAgree(page) {
   return `${files.length} files, ${findings} findings: as the program says`;
 }
 
+/** The code of a finding leads to the page that tells of it. */
+async function codesLead(page) {
+  await drop(page, 'faulty.inp', fs.readFileSync(path.join(examples, 'faulty.inp')));
+  const links = new Set(await page.locator('#lines a.code').evaluateAll((codes) => codes.map((code) => code.getAttribute('href'))));
+  for (const link of links) {
+    const [name, place] = link.split('#');
+    assert.ok(fs.readFileSync(path.join(site, name), 'utf8').includes(`id="${place}"`), link);
+  }
+  return `${links.size} codes of findings: each leads to what is said of it`;
+}
+
 /** What is typed is explained; the marks are on the columns that are named; a finding leads into the text. */
 async function typing(page) {
   await andChecked(page, () => page.fill('#text', '* \u00e9\nQZ_MOIC 1.5 eleven\n QZ_DMA_ON\n'));
@@ -170,7 +181,7 @@ try {
   console.log(`first result after ${first.toFixed(0)} ms; ${loaded.length} files, ${Math.round(loaded.reduce((sum, { bytes }) => sum + bytes, 0) / 1000)} kB`);
   const requests = [];
   context.on('request', (request) => requests.push(request.url()));
-  for (const part of [filesAgree, typing, converters, largeFile]) console.log(await part(page));
+  for (const part of [filesAgree, codesLead, typing, converters, largeFile]) console.log(await part(page));
   assert.deepEqual(requests.filter((url) => !url.startsWith('blob:')), [], 'something is sent');
   assert.deepEqual(faults, []);
   console.log(await appearance());

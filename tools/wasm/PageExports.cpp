@@ -23,9 +23,9 @@ IMPORTED(line)
 void PutLine(double number, std::int32_t kind, const char* text, std::size_t size, double length,
              const char* effect, std::size_t effectSize);
 IMPORTED(finding)
-void PutFinding(double column, double length, const char* code, std::size_t codeSize,
-                const char* message, std::size_t messageSize, const char* help,
-                std::size_t helpSize);
+void PutFinding(double column, double length, const char* severity, std::size_t severitySize,
+                const char* code, std::size_t codeSize, const char* message,
+                std::size_t messageSize, const char* help, std::size_t helpSize);
 /// A number that is known of the whole file, by its name.
 IMPORTED(count) void PutCount(const char* name, std::size_t size, double count);
 /// A mode that loading the file sets to 1: its name for people and for programs.
@@ -62,10 +62,12 @@ void Put(const Line& line, const Explained& explained) {
             line.text.data(), line.text.size(), static_cast<double>(line.length), effect.data(),
             effect.size());
     for (const Finding& finding : explained.findings) {
+        const std::string_view severity = SeverityName(RowOf(finding.kind).severity);
         const std::string_view code = RowOf(finding.kind).code;
         PutFinding(static_cast<double>(finding.column), static_cast<double>(finding.length),
-                   code.data(), code.size(), finding.message.data(), finding.message.size(),
-                   finding.help.data(), finding.help.size());
+                   severity.data(), severity.size(), code.data(), code.size(),
+                   finding.message.data(), finding.message.size(), finding.help.data(),
+                   finding.help.size());
     }
 }
 

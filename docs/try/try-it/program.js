@@ -58,9 +58,9 @@ class Program {
           const bytes = new Uint8Array(memory().buffer, address, Math.min(size, MOST_TEXT)).slice();
           this.#found.lines.push({ number, kind: KINDS[kind], bytes, length, effect: text(effect, effectSize), findings: [] });
         },
-        finding: (column, length, code, codeSize, message, messageSize, help, helpSize) => {
-          this.#found.lines.at(-1).findings.push({
-            column, length, code: text(code, codeSize), message: text(message, messageSize), help: text(help, helpSize) });
+        finding: (column, length, severity, severitySize, code, codeSize, message, messageSize, help, helpSize) => {
+          this.#found.lines.at(-1).findings.push({ column, length, severity: text(severity, severitySize),
+            code: text(code, codeSize), message: text(message, messageSize), help: text(help, helpSize) });
         },
         count: (name, size, count) => { this.#found.counts[text(name, size)] = count; },
         mode: (name, nameSize, id, idSize) => { this.#found.modes.push({ name: text(name, nameSize), id: text(id, idSize) }); },

@@ -56,9 +56,12 @@ const columnsOf = ({ column, length }) =>
 function findingElement(line, finding, goTo) {
   const place = element('button', 'place', columnsOf(finding));
   place.type = 'button';
-  place.setAttribute('aria-label', `Line ${line.number}, ${columnsOf(finding)}: ${finding.message}. Go to the text`);
+  place.setAttribute('aria-label', `Line ${line.number}, ${finding.severity} in ${columnsOf(finding)}: ${finding.message}. Go to the text`);
   place.onclick = () => goTo(line, finding);
-  const made = element('div', 'finding', element('p', '', place, `: ${finding.message} `, element('span', 'code', finding.code)));
+  const code = element('a', 'code', finding.code);
+  code.href = `guide_findings.html#finding_${finding.code.replaceAll('-', '_')}`;
+  const severity = element('span', 'severity', finding.severity);
+  const made = element('div', `finding ${finding.severity}`, element('p', '', severity, ' in ', place, `: ${finding.message} `, code));
   if (finding.help) made.append(element('p', 'help', finding.help));
   return made;
 }
