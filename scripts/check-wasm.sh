@@ -34,8 +34,10 @@ mkdir package
 cd package
 echo '{ "private": true, "type": "module" }' >package.json
 npm install --silent --no-audit --no-fund "$top"/build/npm/corvale-*.tgz
-cp "$top"/bindings/javascript/test/{wasm.mjs,parts.js} .
-CORVALE_INPUT="$top/examples/orbit.inp" CORVALE_INTERFACE="$top/bindings/interface.txt" node wasm.mjs
+cp "$top"/bindings/javascript/test/*.mjs .
+export CORVALE_INPUT="$top/examples/orbit.inp"
+python3 -B "$top/bindings/tests/check.py" wasm node wasm_cases.mjs
+node wasm.mjs
 
 # Its types, and that they name every member of the class and no other.
 npm install --silent --no-audit --no-fund typescript@5.9.3

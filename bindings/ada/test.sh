@@ -10,6 +10,6 @@ build() {
         -I. "$1.adb" -largs -ldl
 }
 build load_file
-build tests/api_test
+build tests/run_cases
 "$out/load_file" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-"$out/api_test"
+python3 -B ../tests/check.py ada "$out/run_cases"

@@ -12,6 +12,7 @@ namespace Corvale
 
         public Loader(string path)
         {
+            dlerror(); // Mono finds it at its first call, which would forget the reason
             library = dlopen(path, Now);
             if (library == IntPtr.Zero) throw new DllNotFoundException(Reason());
         }

@@ -8,11 +8,10 @@ mkdir -p "$build"
 strict=(gfortran -std=f2018 -Wall -Wextra -Werror -fcheck=all -O1 -J "$build")
 "${strict[@]}" -fopenmp -c src/corvale_api.f90 -o "$build/corvale_api.o"
 "${strict[@]}" -fopenmp -c src/corvale.f90 -o "$build/corvale.o"
-for program in examples/load_file tests/test_corvale; do
+for program in examples/load_file tests/run_cases; do
     "${strict[@]}" "$program.f90" "$build/corvale.o" "$build/corvale_api.o" -fopenmp \
         -o "$build/$(basename "$program")"
 done
 
 "$build/load_file" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-arguments=$(python3 tests/check_api.py src/corvale_api.f90 "$CORVALE_INTERFACE")
-"$build/test_corvale" "$build" "$arguments"
+python3 -B ../tests/check.py fortran "$build/run_cases"

@@ -9,5 +9,5 @@ mkdir -p "$out"
 go build -o "$out/load_file" ./example
 "$out/load_file" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
 go vet ./...
-go test -c -o "$out/corvale.test"
-"$out/corvale.test"
+go build -o "$out/run_cases" ./tests
+python3 -B ../tests/check.py go "$out/run_cases"

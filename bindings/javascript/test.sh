@@ -13,10 +13,11 @@ fi
 out=../../build/bindings/javascript
 mkdir -p "$out"
 cp -r package.json package-lock.json .npmrc ./*.js ./*.d.ts test "$out"
+checks=$PWD/../tests
 cd "$out"
 if ! cmp -s package-lock.json installed.json; then
     npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >/dev/null
     cp package-lock.json installed.json
 fi
 node load_file.js "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-node test/api.js
+python3 -B "$checks/check.py" javascript node test/koffi.mjs

@@ -2,7 +2,6 @@
 //
 //     [id, message, out] = corvale_mex(NAME, in...)   the C function NAME; a cell with what comes out
 //     [id, message] = corvale_mex('load', LIBRARY)    loads the library of that path, once
-//     [id, message, out] = corvale_mex('interface')   all declarations, as bindings/interface.txt
 //
 // After a failure `id` is the identifier for error() and `message` its text, else both are empty.
 #include <corvale/Corvale.h>
@@ -30,21 +29,14 @@ struct Failure {
 
 enum class Kind { Char, Int32, Int64, Real64 };
 
-// An argument as the C header declares it.
-struct CType {
-    Kind kind;
-    bool isPointer;
-    bool isConst;
-};
-
 // An argument as a row of the table below describes it.
 struct Argument {
     std::string name;
     std::string width;  // a number, or the name of an argument
     std::string way;
-    CType type;
+    Kind kind;
 
-    [[nodiscard]] bool IsText() const { return type.kind == Kind::Char && width != "1"; }
+    [[nodiscard]] bool IsText() const { return kind == Kind::Char && width != "1"; }
     [[nodiscard]] bool GoesIn() const { return way != "out"; }
     [[nodiscard]] bool ComesOut() const { return way != "in"; }
 };
@@ -52,16 +44,16 @@ struct Argument {
 // The bytes of one argument, exactly as many as the library reads or writes.
 using Buffer = std::vector<unsigned char>;
 
+// What the C header declares an argument, or what it points to, as.
 template <class T>
-constexpr CType TypeOf() {
-    using Pointed = std::remove_pointer_t<T>;
-    using Element = std::remove_const_t<Pointed>;
+constexpr Kind KindOf() {
+    using Element = std::remove_const_t<std::remove_pointer_t<T>>;
     constexpr Kind kKind = std::is_same_v<Element, char>           ? Kind::Char
                            : std::is_same_v<Element, std::int32_t> ? Kind::Int32
                            : std::is_same_v<Element, std::int64_t> ? Kind::Int64
                                                                    : Kind::Real64;
     static_assert(kKind != Kind::Real64 || std::is_same_v<Element, double>);
-    return {kKind, std::is_pointer_v<T>, std::is_const_v<Pointed>};
+    return kKind;
 }
 
 template <class T>
@@ -77,7 +69,7 @@ template <class>
 struct Signature;
 template <class Result, class... Arguments>
 struct Signature<Result(Arguments...) noexcept> {
-    static std::vector<CType> Types() { return {TypeOf<Arguments>()...}; }
+    static std::vector<Kind> Kinds() { return {KindOf<Arguments>()...}; }
 
     static std::int32_t Call(void* address, std::vector<Buffer>& buffers) {
         return Call(address, buffers, std::index_sequence_for<Arguments...>());
@@ -108,8 +100,8 @@ template <class Declared>
 Function Row(const char* name, Returns returns, const char* rows = "") {
     Function function{name, returns, {}, &Signature<Declared>::Call};
     std::istringstream words(rows);
-    for (const CType type : Signature<Declared>::Types()) {
-        Argument argument{{}, {}, {}, type};
+    for (const Kind kind : Signature<Declared>::Kinds()) {
+        Argument argument{{}, {}, {}, kind};
         words >> argument.name >> argument.width >> argument.way;
         function.arguments.push_back(argument);
     }
@@ -148,19 +140,16 @@ std::vector<Function> api = {
 };
 
 struct KindFacts {
-    const char* name;
     std::size_t size;
     mxClassID classId;
 };
 
 // In the order of Kind.
-constexpr KindFacts kKinds[] = {{"char", 1, mxCHAR_CLASS},
-                                {"int32", 4, mxINT32_CLASS},
-                                {"int64", 8, mxINT64_CLASS},
-                                {"real64", 8, mxDOUBLE_CLASS}};
+constexpr KindFacts kKinds[] = {
+    {1, mxCHAR_CLASS}, {4, mxINT32_CLASS}, {8, mxINT64_CLASS}, {8, mxDOUBLE_CLASS}};
 
 const KindFacts& Facts(const Argument& argument) {
-    return kKinds[static_cast<std::size_t>(argument.type.kind)];
+    return kKinds[static_cast<std::size_t>(argument.kind)];
 }
 
 [[noreturn]] void Refuse(const Argument& argument, const std::string& why) {
@@ -184,22 +173,6 @@ Function& Find(const std::string& name) {
         if (function.name == name) return function;
     }
     throw Failure{"corvale:refused", "no function " + name};
-}
-
-std::string Interface() {
-    std::ostringstream text;
-    for (const Function& function : api) {
-        const bool hasResult = function.returns != Returns::Nothing;
-        text << "function " << function.name << (hasResult ? " int32\n" : " void\n");
-        for (const Argument& argument : function.arguments) {
-            const bool onlyIn = argument.type.isConst || !argument.type.isPointer;
-            if (onlyIn != !argument.ComesOut()) text << "against the header: ";
-            text << "argument " << argument.name << ' '
-                 << (argument.IsText() ? "text" : Facts(argument).name) << ' ' << argument.width
-                 << ' ' << argument.way << '\n';
-        }
-    }
-    return text.str();
 }
 
 // The characters of a text, blank-filled; refused when the library would not see all of them.
@@ -256,7 +229,7 @@ void FillElement(const Argument& argument, const mxArray* value, std::size_t pla
     const auto store = [&](const auto& element) {
         std::memcpy(&buffer[place * sizeof element], &element, sizeof element);
     };
-    switch (argument.type.kind) {
+    switch (argument.kind) {
         case Kind::Char:
             return store(ReadChar(argument, value));
         case Kind::Int32:
@@ -356,7 +329,6 @@ void LoadUsual() {
 std::vector<mxArray*> Run(int count, const mxArray* given[]) {
     if (count == 0) throw Failure{"corvale:refused", "corvale_mex: no name of a function"};
     const std::string name = Text(given[0]);
-    if (name == "interface") return {mxCreateString(Interface().c_str())};
     if (name == "load" && count == 2) return Load(Text(given[1]).c_str()), std::vector<mxArray*>();
     const Function& function = Find(name);
     LoadUsual();

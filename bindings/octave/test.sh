@@ -12,7 +12,7 @@ mkdir -p "$build"
         mkoctfile --mex -I../../.. ../../../bindings/octave/corvale_mex.cpp -o corvale_mex.mex
 )
 
-octave() { octave-cli --norc --no-history --path "$PWD:$build:$PWD/examples:$PWD/tests" "$@"; }
-octave --eval 'load_file(getenv("CORVALE_INPUT"))' |
+octave=(octave-cli --norc --no-history --path "$PWD:$build:$PWD/examples:$PWD/tests")
+"${octave[@]}" --eval 'load_file(getenv("CORVALE_INPUT"))' |
     grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-octave --eval 'test_corvale()'
+python3 -B ../tests/check.py octave "${octave[@]}" --eval 'run_cases()'

@@ -12,7 +12,8 @@ cp corvale/capi.py "$alone/corvale"
 export PYTHONPATH=$alone MYPYPATH=$alone PYTHONDONTWRITEBYTECODE=1
 
 (cd "$alone" && mypy --no-site-packages --strict --cache-dir mypy --explicit-package-bases --namespace-packages \
-    corvale/capi.py "$here/examples/load_file.py" "$here/tests/test_capi.py")
+    corvale/capi.py "$here/examples/load_file.py" "$here/tests/"{run_cases,test_files}.py)
 python3 examples/load_file.py "$CORVALE_INPUT" |
     grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 tests/test_capi.py
+python3 tests/test_files.py
+python3 -B ../tests/check.py python python3 tests/run_cases.py

@@ -25,16 +25,6 @@ macro_rules! api {
                 })
             }
         }
-
-        /// What this binding declares, for the test that compares it with the table of the C API:
-        /// name, (argument, type) in the order of the call, result.
-        #[doc(hidden)]
-        #[allow(clippy::type_complexity)]
-        pub const DECLARATIONS: &[(&str, &[(&str, &str)], &str)] = &[
-            $((stringify!($name),
-               &[$((stringify!($argument), stringify!($kind))),*],
-               concat!($(stringify!($result))?)),)*
-        ];
     };
 }
 

@@ -20,8 +20,6 @@ use std::sync::{Mutex, MutexGuard, PoisonError};
 use std::{env, fmt};
 
 use api::Api;
-#[doc(hidden)]
-pub use api::DECLARATIONS;
 use text::{filled, filled_unindented, trimmed};
 
 /// Why a call had no effect.
