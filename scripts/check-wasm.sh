@@ -36,7 +36,7 @@ echo '{ "private": true, "type": "module" }' >package.json
 npm install --silent --no-audit --no-fund "$top"/build/npm/corvale-*.tgz
 cp "$top"/bindings/javascript/test/*.mjs .
 export CORVALE_INPUT="$top/examples/orbit.inp"
-python3 -B "$top/bindings/tests/check.py" wasm node wasm_cases.mjs
+python3 -B "$top/tests/bindings/check.py" wasm node wasm_cases.mjs
 node wasm.mjs
 
 # Its types, and that they name every member of the class and no other.

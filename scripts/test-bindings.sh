@@ -24,7 +24,7 @@ mkdir -p "$top/build/bindings"
     { cat "$top/build/bindings/library.log" >&2; exit 1; }
 
 logs=$top/build/bindings
-python3 -B "$top/bindings/tests/recorder.py" "$top/build/release/corvale/libCorvale.so" >"$logs/recorder.c"
+python3 -B "$top/tests/bindings/recorder.py" "$top/build/release/corvale/libCorvale.so" >"$logs/recorder.c"
 cc -shared -fPIC -O1 -Wall -Wextra -Werror -o "$logs/libCorvale.so" "$logs/recorder.c" -ldl
 export CORVALE_LIBRARY="$logs/libCorvale.so"
 export CORVALE_INPUT="$top/examples/orbit.inp"

@@ -12,4 +12,4 @@ build() {
 build load_file
 build tests/run_cases
 "$out/load_file" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 -B ../tests/check.py ada "$out/run_cases"
+python3 -B ../../tests/bindings/check.py ada "$out/run_cases"

@@ -12,4 +12,4 @@ compile -r:"$out/Corvale.dll" -out:"$out/LoadFile.exe" LoadFile.cs
 compile -r:"$out/Corvale.dll" -out:"$out/RunCases.exe" tests/RunCases.cs
 
 mono "$out/LoadFile.exe" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 -B ../tests/check.py csharp mono "$out/RunCases.exe"
+python3 -B ../../tests/bindings/check.py csharp mono "$out/RunCases.exe"

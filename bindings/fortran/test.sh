@@ -14,4 +14,4 @@ for program in examples/load_file tests/run_cases; do
 done
 
 "$build/load_file" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 -B ../tests/check.py fortran "$build/run_cases"
+python3 -B ../../tests/bindings/check.py fortran "$build/run_cases"

@@ -10,4 +10,4 @@ go build -o "$out/load_file" ./example
 "$out/load_file" "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
 go vet ./...
 go build -o "$out/run_cases" ./tests
-python3 -B ../tests/check.py go "$out/run_cases"
+python3 -B ../../tests/bindings/check.py go "$out/run_cases"

@@ -9,4 +9,4 @@ mkdir -p "$out"
 javac -Xlint:all -Werror -cp "$jna" -d "$out" corvale/*.java LoadFile.java tests/RunCases.java
 run=(java -XX:TieredStopAtLevel=1 -cp "$out:$jna")
 "${run[@]}" LoadFile "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 -B ../tests/check.py java "${run[@]}" corvale.RunCases
+python3 -B ../../tests/bindings/check.py java "${run[@]}" corvale.RunCases

@@ -13,7 +13,7 @@ fi
 out=../../build/bindings/javascript
 mkdir -p "$out"
 cp -r package.json package-lock.json .npmrc ./*.js ./*.d.ts test "$out"
-checks=$PWD/../tests
+checks=$PWD/../../tests/bindings
 cd "$out"
 if ! cmp -s package-lock.json installed.json; then
     npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >/dev/null

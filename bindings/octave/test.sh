@@ -15,4 +15,4 @@ mkdir -p "$build"
 octave=(octave-cli --norc --no-history --path "$PWD:$build:$PWD/examples:$PWD/tests")
 "${octave[@]}" --eval 'load_file(getenv("CORVALE_INPUT"))' |
     grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 -B ../tests/check.py octave "${octave[@]}" --eval 'run_cases()'
+python3 -B ../../tests/bindings/check.py octave "${octave[@]}" --eval 'run_cases()'

@@ -5,4 +5,4 @@ cd "$(dirname "$0")"
 
 perl -Ilib load_file.pl "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
 podchecker -warnings lib/Corvale.pm 2>/dev/null
-python3 -B ../tests/check.py perl perl -Ilib tests/run_cases.pl
+python3 -B ../../tests/bindings/check.py perl perl -Ilib tests/run_cases.pl

@@ -16,4 +16,4 @@ export PYTHONPATH=$alone MYPYPATH=$alone PYTHONDONTWRITEBYTECODE=1
 python3 examples/load_file.py "$CORVALE_INPUT" |
     grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
 python3 tests/test_files.py
-python3 -B ../tests/check.py python python3 tests/run_cases.py
+python3 -B ../../tests/bindings/check.py python python3 tests/run_cases.py

@@ -11,4 +11,4 @@ R CMD INSTALL --no-docs --no-test-load --library="$out/library" "$out/source" >"
     { cat "$out/install.log" >&2; exit 1; }
 export R_LIBS="$out/library"
 Rscript --vanilla load_file.R "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 -B ../tests/check.py r Rscript --vanilla tests/run_cases.R
+python3 -B ../../tests/bindings/check.py r Rscript --vanilla tests/run_cases.R

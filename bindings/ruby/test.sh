@@ -4,4 +4,4 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 ruby -w load_file.rb "$CORVALE_INPUT" | grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 -B ../tests/check.py ruby ruby -w tests/run_cases.rb
+python3 -B ../../tests/bindings/check.py ruby ruby -w tests/run_cases.rb

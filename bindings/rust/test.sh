@@ -6,4 +6,4 @@ cd "$(dirname "$0")"
 export CARGO_TARGET_DIR=../../build/bindings/rust
 cargo run --quiet --offline --example load_file -- "$CORVALE_INPUT" |
     grep -x 'element-set key mode 1, all-key mode 1' >/dev/null
-python3 -B ../tests/check.py rust cargo test --quiet --offline --test run_cases
+python3 -B ../../tests/bindings/check.py rust cargo test --quiet --offline --test run_cases

@@ -1,4 +1,4 @@
-// Answers the cases of bindings/tests/check.py with this binding.
+// Answers the cases of tests/bindings/check.py with this binding.
 using System;
 using System.Collections.Generic;
 using System.Linq;

@@ -1,4 +1,4 @@
-! Answers the cases of bindings/tests/check.py with this binding.
+! Answers the cases of tests/bindings/check.py with this binding.
 program run_cases
   use, intrinsic :: iso_fortran_env, only: int32, int64, real64
   use corvale

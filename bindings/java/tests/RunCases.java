@@ -8,7 +8,7 @@ import java.util.function.Consumer;
 import java.util.function.Function;
 import java.util.stream.Collectors;
 
-/** Answers the cases of bindings/tests/check.py with this binding. */
+/** Answers the cases of tests/bindings/check.py with this binding. */
 final class RunCases {
     private static Corvale corvale;
 

@@ -1,4 +1,4 @@
-// Answers the cases of bindings/tests/check.py with a JavaScript binding.
+// Answers the cases of tests/bindings/check.py with a JavaScript binding.
 
 import fs from 'node:fs';
 

@@ -1,4 +1,4 @@
--- Answers the cases of bindings/tests/check.py with this binding.
+-- Answers the cases of tests/bindings/check.py with this binding.
 
 local ffi = require('ffi')
 local module = require('corvale')

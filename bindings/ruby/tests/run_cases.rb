@@ -1,6 +1,6 @@
 # frozen_string_literal: true
 
-# Answers the cases of bindings/tests/check.py with this binding.
+# Answers the cases of tests/bindings/check.py with this binding.
 
 require_relative '../lib/corvale'
 

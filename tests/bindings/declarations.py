@@ -1,10 +1,13 @@
-"""What each binding has to declare, written from the table, beside what its source declares."""
+"""What each binding has to declare, written from the table, beside what its source declares.
+
+    declarations.py    compares those of all bindings; prints a difference and ends with 1
+"""
 import difflib
 import pathlib
 import re
 import sys
 
-BINDINGS = pathlib.Path(__file__).resolve().parent.parent
+BINDINGS = pathlib.Path(__file__).resolve().parents[2] / "bindings"
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(BINDINGS))
 import interface  # noqa: E402
@@ -174,4 +177,4 @@ def check(language):
 
 if __name__ == "__main__":
     for each in SOURCES:
-        print(each, check(each))
+        check(each)
