@@ -1,4 +1,4 @@
-// Eigen's vectors behind the library's signatures, in a shared library of their own.
+// Eigen's vectors with the library's signatures, in a shared library of their own.
 #pragma once
 
 #include <corvale/numeric/Vectors.hpp>

@@ -179,10 +179,10 @@ void Finish(std::string_view digits, const Form& form, std::span<char> out) {
     if (isNegative) digits.remove_prefix(1);
     if (digits.front() == '0') digits.remove_prefix(1);
     if (isNegative || form.hasSign) *target++ = isNegative ? '-' : '+';
-    const auto room = static_cast<std::size_t>(out.data() + out.size() - target);
-    const std::size_t count = std::min(room, digits.size());
+    const auto left = static_cast<std::size_t>(out.data() + out.size() - target);
+    const std::size_t count = std::min(left, digits.size());
     std::memcpy(target, digits.data(), count);
-    std::memset(target + count, ' ', room - count);
+    std::memset(target + count, ' ', left - count);
 }
 
 void FixedWithCorvale(double value, const Form& form, std::span<char> out) {

@@ -190,8 +190,8 @@ void Search(benchmark::State& state) {
     std::mt19937_64 random(6);
     std::vector<double> values(4096);
     for (double& value : values) {
-        const std::size_t place = random() % (table.size() - 1);
-        value = table[place] + (table[place + 1] - table[place]) * 0.4;
+        const std::size_t index = random() % (table.size() - 1);
+        value = table[index] + (table[index + 1] - table[index]) * 0.4;
     }
     for (auto _ : state)
         for (const double value : values)

@@ -261,11 +261,11 @@ std::vector<double> Table(Spacing spacing) {
     std::mt19937_64 random(5);
     std::vector<double> table(100'000);
     for (std::size_t i = 0; i < table.size(); ++i) {
-        const auto place = static_cast<double>(i);
-        table[i] = spacing == Spacing::Exponential ? std::exp(place * 6e-3)
-                   : spacing == Spacing::Quadratic ? place * place * 1e-3
-                   : spacing == Spacing::Even      ? place * 0.25
-                                              : place + static_cast<double>(random() % 1000) / 1001;
+        const auto index = static_cast<double>(i);
+        table[i] = spacing == Spacing::Exponential ? std::exp(index * 6e-3)
+                   : spacing == Spacing::Quadratic ? index * index * 1e-3
+                   : spacing == Spacing::Even      ? index * 0.25
+                                              : index + static_cast<double>(random() % 1000) / 1001;
     }
     return table;
 }
@@ -294,8 +294,8 @@ void Search(benchmark::State& state, Spacing spacing, Find find) {
     std::mt19937_64 random(6);
     std::vector<double> values(kMany);
     for (double& value : values) {
-        const std::size_t place = random() % (table.size() - 1);
-        value = table[place] + (table[place + 1] - table[place]) * 0.4;
+        const std::size_t index = random() % (table.size() - 1);
+        value = table[index] + (table[index + 1] - table[index]) * 0.4;
     }
     const auto n = static_cast<std::int32_t>(table.size());
     for (const double value : values)

@@ -50,7 +50,7 @@ def topics(count: int) -> list[Topic]:
     squares = m @ m.transpose(0, 2, 1) + np.eye(6)
     packed = np.ascontiguousarray(squares[:, np.tril_indices(6)[0], np.tril_indices(6)[1]])
     keys = np.char.ljust(random.integers(0, 10**12, count).astype("S32"), 32)
-    places = np.arange(count)
+    indices = np.arange(count)
     return [
         Topic("num_to_alpha5", (numbers,), lambda x: np.char.zfill(x.astype("S6"), 5)),
         Topic("alpha5_to_num", (corvale.num_to_alpha5(numbers % 100000),), lambda x: x.astype(np.int32)),
@@ -67,7 +67,7 @@ def topics(count: int) -> list[Topic]:
         Topic("mtx_inv", (m,), np.linalg.inv),
         Topic("lta_to_sqr_mtx", (packed,)),
         Topic("isort", (random.permutation(count).astype(np.int32) + 1,), np.unique),
-        Topic("quick_sort", (keys, places), lambda k, c: (np.argsort(k), k)),
+        Topic("quick_sort", (keys, indices), lambda k, c: (np.argsort(k), k)),
     ]
 
 

@@ -118,21 +118,21 @@ void CompareExplained(const char* path, const reference::CardOutcome& wanted) {
 }
 
 void CompareArray(const std::array<double, 128>& wanted, std::int32_t count) {
-    static thread_local Room<8 * 200> room;
+    static thread_local GuardedMemory<8 * 200> guarded;
     const auto size = static_cast<std::size_t>(std::max(count, 0));
-    auto* const values = room.Of<double>(size);
+    auto* const values = guarded.Of<double>(size);
     GetMOICData(count, values);
     for (std::size_t i = 0; i < size; ++i)
         ExpectSame(values[i], count > 128 ? 0.0 : wanted[i], "GetMOICData");
-    auto* const copies = room.Of<double>(std::min<std::size_t>(size, 128));
+    auto* const copies = guarded.Of<double>(std::min<std::size_t>(size, 128));
     RetrieveMocData(copies, count);
     for (std::size_t i = 0; i < std::min<std::size_t>(size, 128); ++i)
         ExpectSame(copies[i], wanted[i], "RetrieveMocData");
 }
 
 void CompareType(std::string_view content) {
-    static thread_local Room<64> room;
-    const std::string_view card = room.HoldView(content.substr(0, content.size() % 32));
+    static thread_local GuardedMemory<64> guarded;
+    const std::string_view card = guarded.HoldView(content.substr(0, content.size() % 32));
     std::string line(card);
     line.resize(13, ' ');
     const std::int32_t wanted = line.starts_with("QZ_MOIC ")        ? 1
@@ -147,10 +147,10 @@ void CompareType(std::string_view content) {
 void Cards(Choices in) {
     using namespace cards;
     static const MemoryFile file;
-    static std::array<char, 8192> room;
+    static std::array<char, 8192> buffer;
     const std::size_t api = in.Below(4);
     const auto count = static_cast<std::int32_t>(in.Below(200)) - 20;
-    const std::string_view content = in.Text(kPieces, room);
+    const std::string_view content = in.Text(kPieces, buffer);
     reference::CardOutcome wanted;
     wanted.moic.fill(kOld);
     reference::ReadCards(content, wanted);

@@ -40,9 +40,9 @@ constexpr std::string_view kPieces[] = {" 1.500000000000000E+003",
 
 void Csv(Choices in) {
     using namespace csv;
-    static thread_local Room<2048> room;
+    static thread_local GuardedMemory<2048> guarded;
     std::array<char, 1500> built;
-    const std::span<char> line = room.Hold(in.Text(kPieces, built));
+    const std::span<char> line = guarded.Hold(in.Text(kPieces, built));
     std::string wanted(line.data(), line.size());
     reference::CompressCsvLine(wanted);
     StrFunctions::CompressCsvLine(line);

@@ -16,10 +16,10 @@ constexpr std::string_view kPieces[] = {"=",   " = ", "1",   "-2.5", "1.5E+2", "
 
 void FreeForm(Choices in) {
     using namespace free_form;
-    static thread_local Room<512> lineRoom, wordRoom;
+    static thread_local GuardedMemory<512> lineMemory, wordMemory;
     std::array<char, 400> built;
-    const std::span<char> word = wordRoom.Text(in.Below(20));
-    const std::string_view line = lineRoom.HoldView(in.Text(kPieces, built));
+    const std::span<char> word = wordMemory.Text(in.Below(20));
+    const std::string_view line = lineMemory.HoldView(in.Text(kPieces, built));
     double number = -1.0;
     StrFunctions::InputStrToNumStr(line, number, word);
 

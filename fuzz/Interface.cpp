@@ -32,32 +32,32 @@ std::string LeftAdjusted(const std::string& text) {
     return text.substr(first) + std::string(first, ' ');
 }
 
-thread_local Room<512> gInRoom, gOutRoom;
+thread_local GuardedMemory<512> gInMemory, gOutMemory;
 
-// The arguments of a self-test one behind the other, at addresses that fit none of them: char,
+// The arguments of a self-test one after the other, at addresses that fit none of them: char,
 // int32, int64, real, then 3 and 6 of each.
 using Block = std::array<char, 201>;
 constexpr std::size_t kI = 1, kL = 5, kD = 13, kI3 = 21, kL3 = 33, kD3 = 57, kI6 = 81, kL6 = 105,
                       kD6 = 153;
 
 template <class Element>
-Element* At(Block& block, std::size_t place) {
-    return reinterpret_cast<Element*>(block.data() + place);
+Element* At(Block& block, std::size_t offset) {
+    return reinterpret_cast<Element*>(block.data() + offset);
 }
 
 template <class Element>
-Element ValueAt(const Block& block, std::size_t place) {
+Element ValueAt(const Block& block, std::size_t offset) {
     Element value;
-    std::memcpy(&value, block.data() + place, sizeof value);
+    std::memcpy(&value, block.data() + offset, sizeof value);
     return value;
 }
 
 // Replaces `count` elements by what `change` makes of them.
 template <class Element, class Change>
-void ForEach(Block& block, std::size_t place, int count, Change change) {
-    for (; count > 0; --count, place += sizeof(Element)) {
-        const auto value = static_cast<Element>(change(ValueAt<Element>(block, place)));
-        std::memcpy(block.data() + place, &value, sizeof value);
+void ForEach(Block& block, std::size_t offset, int count, Change change) {
+    for (; count > 0; --count, offset += sizeof(Element)) {
+        const auto value = static_cast<Element>(change(ValueAt<Element>(block, offset)));
+        std::memcpy(block.data() + offset, &value, sizeof value);
     }
 }
 
@@ -85,11 +85,11 @@ void Copies(Choices in) {
     std::array<char, 512> built{};
     const std::string_view text = in.Text(kPieces, built);
     const std::size_t size = std::min<std::size_t>(text.size() + 1, 512);  // one zero follows
-    char* const out = gOutRoom.Of(512);
+    char* const out = gOutMemory.Of(512);
     TestInterface(
         given[0], results.data(), ValueAt<std::int32_t>(given, kI), At<std::int32_t>(results, kI),
         ValueAt<std::int64_t>(given, kL), At<std::int64_t>(results, kL), ValueAt<double>(given, kD),
-        At<double>(results, kD), gInRoom.Hold({built.data(), size}).data(), out,
+        At<double>(results, kD), gInMemory.Hold({built.data(), size}).data(), out,
         At<std::int32_t>(given, kI3), At<std::int32_t>(results, kI3), At<std::int64_t>(given, kL3),
         At<std::int64_t>(results, kL3), At<double>(given, kD3), At<double>(results, kD3),
         At<std::int32_t>(given, kI6), At<std::int32_t>(results, kI6), At<std::int64_t>(given, kL6),
@@ -101,7 +101,7 @@ void Copies(Choices in) {
 void Changes(Choices in) {
     auto got = in.Raw<Block>();
     Block wanted = got;
-    char* const text = gOutRoom.Of(512);
+    char* const text = gOutMemory.Of(512);
     TestInterface2(got.data(), At<std::int32_t>(got, kI), At<std::int64_t>(got, kL),
                    At<double>(got, kD), text, At<std::int32_t>(got, kI3),
                    At<std::int64_t>(got, kL3), At<double>(got, kD3), At<std::int32_t>(got, kI6),
@@ -134,16 +134,16 @@ void Multiplies(Choices in) {
 void Messages(Choices in) {
     std::array<char, 512> built{};
     const std::string_view text = in.Text(kPieces, built);
-    LogMessage(gInRoom.Hold({built.data(), std::min<std::size_t>(text.size() + 1, 128)}).data());
-    char* out = gOutRoom.Of(128);
+    LogMessage(gInMemory.Hold({built.data(), std::min<std::size_t>(text.size() + 1, 128)}).data());
+    char* out = gOutMemory.Of(128);
     GetLastInfoMsg(out);
     ExpectSame({out, 128}, LeftAdjusted(Taken(text, 128)), "GetLastInfoMsg");
     CloseLogFile();
     GetLastErrMsg(out);
     ExpectSame({out, 128}, std::string(128, ' '), "GetLastErrMsg");
-    CorvaleGetInfo(out = gOutRoom.Of(128));
+    CorvaleGetInfo(out = gOutMemory.Of(128));
     ExpectSame({out, 31}, "Arvenit Corvale - Version: v9.4", "CorvaleGetInfo");
-    GetInitDllNames(out = gOutRoom.Of(512));
+    GetInitDllNames(out = gOutMemory.Of(512));
     ExpectSame({out, 512}, std::string(512, ' '), "GetInitDllNames");
     ExpectSame(CorvaleInit(), 0, "CorvaleInit");
 }

@@ -105,8 +105,8 @@ void KeyModes(Choices& in) {
 }
 
 void InformationLine(std::string_view name, std::string_view version, bool hasVersion) {
-    static thread_local Room<128> room;
-    const std::span<char, 128> info(room.Of(128), 128);
+    static thread_local GuardedMemory<128> guarded;
+    const std::span<char, 128> info(guarded.Of(128), 128);
     if (hasVersion)
         GetSoftwareInfo(name, info, version);
     else
@@ -123,7 +123,7 @@ void InformationLine(std::string_view name, std::string_view version, bool hasVe
 
 void Keys(Choices in) {
     using namespace keys;
-    static thread_local Room<256> textRoom, otherRoom;
+    static thread_local GuardedMemory<256> textMemory, otherMemory;
     std::array<char, 160> built;
     const std::size_t kind = in.Below(6);
     if (kind == 0) {
@@ -133,11 +133,11 @@ void Keys(Choices in) {
     }
     if (kind == 1) return KeyModes(in);
     const std::int32_t number = in.Int32(), other = in.Int32();
-    const std::string_view text = textRoom.HoldView(in.Text(kPieces, built));
+    const std::string_view text = textMemory.HoldView(in.Text(kPieces, built));
     if (kind == 2) return SatelliteNumbers(other % 2 == 0 ? number : other % 500000, text);
     if (kind == 3) return CheckSum(text, number, other);
     if (kind == 4) return LogicalValues(number);
-    InformationLine(text, otherRoom.HoldView(text.substr(text.size() / 2)), number > 0);
+    InformationLine(text, otherMemory.HoldView(text.substr(text.size() / 2)), number > 0);
 }
 
 }  // namespace corvale::fuzz

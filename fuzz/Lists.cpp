@@ -31,14 +31,14 @@ class Values {
 };
 
 void IntegerList(Choices& in, std::size_t count) {
-    static thread_local Room<4 * kMost> room;
+    static thread_local GuardedMemory<4 * kMost> guarded;
     std::array<std::int32_t, kMost> plain{};
     const std::size_t order = in.Below(4);
     const int shift = in.Byte() % 31;  // how many different values there are
     const std::uint8_t kind = in.Byte();
     const int offset = kind % 4 == 0 ? 128 : 0;
     Values values(in);
-    auto* const list = room.Of<std::int32_t>(count);
+    auto* const list = guarded.Of<std::int32_t>(count);
     for (std::size_t i = 0; i < count; ++i)
         list[i] = plain[i] =
             static_cast<std::int32_t>(values.Next() % (std::uint64_t{1} << shift)) - offset;
@@ -59,7 +59,7 @@ void IntegerList(Choices& in, std::size_t count) {
 // A table with steps of one size or growing ones, with equal neighbours. Where an entry is out of
 // order or the value is NaN, any index of the table will do.
 void Search(Choices& in, std::size_t count) {
-    static thread_local Room<8 * kMost> room;
+    static thread_local GuardedMemory<8 * kMost> guarded;
     const bool isAscending = in.Byte() % 4 != 0;
     const std::uint8_t spread = in.Byte();
     const int range = 1 + spread;
@@ -67,7 +67,7 @@ void Search(Choices& in, std::size_t count) {
     const double any = in.Real();
     const std::size_t at = in.Below(kMost);
     Values values(in);
-    auto* const table = room.Of<double>(count);
+    auto* const table = guarded.Of<double>(count);
     for (std::size_t i = 0; i < count; ++i)
         table[i] = static_cast<double>(values.Next() % static_cast<unsigned>(range)) * scale;
     if (!isAscending && count > 0) table[at % count] = any;

@@ -90,7 +90,7 @@ class Model : public reference::Units {
     std::ptrdiff_t descriptors_;
 };
 
-thread_local Room<1024> gRoom, gOtherRoom;
+thread_local GuardedMemory<1024> gMemory, gOtherMemory;
 
 constexpr std::int32_t kUnits[] = {-1, 0, 3, 6, 7, INT32_MAX};
 
@@ -101,7 +101,7 @@ void OpenLog(Choices& in, Model& model) {
     const bool opens = model.Open(6, name.asLog, 0);
     if (!opens) model.Error("OpenLogFile: log file failed to open.");
     const std::string terminated(std::string(name.given) + '\0');
-    ExpectSame(OpenLogFile(gRoom.Hold(terminated).data()), opens ? 0 : 2, "OpenLogFile");
+    ExpectSame(OpenLogFile(gMemory.Hold(terminated).data()), opens ? 0 : 2, "OpenLogFile");
     ExpectSame(LogFileUnit.load(), 6, "LogFileUnit");
 }
 
@@ -117,7 +117,8 @@ void Trace(Choices& in, Model& model) {
     std::array<char, 300> built;
     const bool isError = in.Flip();
     Choices text = in;
-    const std::string_view message = gRoom.HoldView(text.Text(kPieces, built).substr(0, in.Byte()));
+    const std::string_view message =
+        gMemory.HoldView(text.Text(kPieces, built).substr(0, in.Byte()));
     (isError ? TraceLogError : TraceLogInfo)(message);
     isError ? model.Error(std::string(message)) : model.Info(std::string(message));
 }
@@ -139,7 +140,7 @@ void OpenUnit(Choices& in, Model& model) {
     const bool isMode = mode >= 0 && mode <= 2;
     const bool opens = model.Open(unit, isMode ? name.asFile : "", mode);
     if (!opens) model.Error(Complaint("FileOpen", name.given, mode));
-    ExpectSame(FileOpen(unit, gRoom.HoldView(name.given), mode, in.Below(2)), opens ? 0 : 2,
+    ExpectSame(FileOpen(unit, gMemory.HoldView(name.given), mode, in.Below(2)), opens ? 0 : 2,
                "FileOpen");
 }
 
@@ -147,7 +148,7 @@ void OpenFresh(Choices& in, Model& model) {
     const auto mode = static_cast<std::int32_t>(in.Below(4)) - 1;
     const Name& name = in.Pick(kNames);
     std::int32_t unit = -1;
-    const std::int32_t status = FileOpenMT(gRoom.HoldView(name.given), mode, unit);
+    const std::int32_t status = FileOpenMT(gMemory.HoldView(name.given), mode, unit);
     Expect(status != 0 ? unit == 0
                        : unit != 0 && unit != 3 && unit != 6 && model.Find(unit) == nullptr,
            "the number of a fresh unit");
@@ -161,14 +162,14 @@ void WriteUnit(Choices& in, Model& model) {
     std::array<char, 300> built;
     const std::int32_t unit = in.Pick(kUnits);
     Choices rest = in;
-    const std::string_view text = gRoom.HoldView(rest.Text(kPieces, built).substr(0, in.Byte()));
+    const std::string_view text = gMemory.HoldView(rest.Text(kPieces, built).substr(0, in.Byte()));
     Expect(TextUnits::WriteLine(unit, text) == model.Write(unit, std::string(text)), "WriteLine");
 }
 
 void ReadUnit(Choices& in, Model& model) {
     const std::int32_t unit = in.Pick(kUnits);
     if (in.Byte() % 4 == 0) Expect(TextUnits::Rewind(unit) == model.Rewind(unit), "Rewind");
-    const std::span<char> line = gRoom.Text(in.Below(40));
+    const std::span<char> line = gMemory.Text(in.Below(40));
     const bool isRead = TextUnits::ReadLine(unit, line);
     const bool isSteady = model.IsSteady(unit);
     std::optional<std::string> wanted = model.Read(unit);
@@ -191,18 +192,18 @@ void StoreAndLock(Choices& in, Model&) {
     std::array<char, 300> built;
     MessageStore store;
     const std::string name(1, static_cast<char>(in.Byte() % 64));
-    const std::string_view text = gRoom.HoldView(in.Text(kPieces, built));
+    const std::string_view text = gMemory.HoldView(in.Text(kPieces, built));
     store.Store(text);
-    const std::span<char, 128> message(gOtherRoom.Of(128), 128);
+    const std::span<char, 128> message(gOtherMemory.Of(128), 128);
     store.Load(message);
     ExpectSame({message.data(), 128}, reference::Stored(std::string(text)), "MessageStore");
     std::mutex& lock = NamedLocks::NamedLock(name);
-    Expect(&lock == &NamedLocks::NamedLock(gRoom.HoldView(name)) && lock.try_lock(), "NamedLock");
+    Expect(&lock == &NamedLocks::NamedLock(gMemory.HoldView(name)) && lock.try_lock(), "NamedLock");
     lock.unlock();
 }
 
 void CompareMessages(const Model& model) {
-    char* const message = gOtherRoom.Of(128);
+    char* const message = gOtherMemory.Of(128);
     GetLastErrMsg(message);
     if (model.error) ExpectSame({message, 128}, *model.error, "GetLastErrMsg");
     GetLastInfoMsg(message);

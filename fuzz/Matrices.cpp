@@ -25,18 +25,18 @@ void ExpectElements(const double* got, const Matrix& wanted, const char* what) {
 
 // Memory for the largest matrix with the widest strides.
 constexpr std::size_t kMost = 140;  // the largest order
-using MatrixRoom = Room<16 * (kMost + 3) * (kMost + 3) * 8>;
-thread_local MatrixRoom gFromRoom, gToRoom;
+using GuardedMatrix = GuardedMemory<16 * (kMost + 3) * (kMost + 3) * 8>;
+thread_local GuardedMatrix gFromMemory, gToMemory;
 
-// A matrix in a room with any strides, in a memory not one element larger than they need.
+// A matrix with any strides, in guarded memory not one element larger than they need.
 class Strided {
   public:
-    Strided(MatrixRoom& room, std::int32_t rows, std::int32_t columns, Choices& in) {
+    Strided(GuardedMatrix& guarded, std::int32_t rows, std::int32_t columns, Choices& in) {
         const std::ptrdiff_t gap = 1 + in.Byte() % 3;
         std::ptrdiff_t row = gap, column = gap * (rows + in.Byte() % 3);
         if (in.Flip()) column = gap, row = gap * (columns + in.Byte() % 3);
         size_ = static_cast<std::size_t>((rows - 1) * row + (columns - 1) * column + 1);
-        memory_ = room.Of<double>(size_);
+        memory_ = guarded.Of<double>(size_);
         std::fill_n(memory_, size_, kAround);
         double* first = memory_;
         if (in.Flip()) first += (rows - 1) * row, row = -row;
@@ -77,22 +77,22 @@ Matrix AnyMatrix(Choices& in, std::int32_t n, const Choices& changes) {
 }
 
 void Solve(Choices& in, std::int32_t n, bool hasRoots) {
-    static thread_local Room<8 * kMost * kMost> aRoom, inverseRoom;
-    static thread_local Room<8 * kMost> bRoom, xRoom;
+    static thread_local GuardedMemory<8 * kMost * kMost> aMemory, inverseMemory;
+    static thread_local GuardedMemory<8 * kMost> bMemory, xMemory;
     const bool isInPlace = in.Flip();
     const Matrix a = AnyMatrix(in, n, in), b = reference::RandomMatrix(n, 1, n);
     Matrix inverse(a.size()), x(b.size());
     (hasRoots ? reference::Cholesky : reference::Cholesky2)(a.data(), b.data(), n, inverse.data(),
                                                             x.data());
-    auto* const given = aRoom.Of<double>(a.size());
-    auto* const right = bRoom.Of<double>(b.size());
+    auto* const given = aMemory.Of<double>(a.size());
+    auto* const right = bMemory.Of<double>(b.size());
     std::copy(a.begin(), a.end(), given);
     std::copy(b.begin(), b.end(), right);
     const auto order = static_cast<std::size_t>(n);
     for (std::size_t j = 0; j < order; ++j)  // what lies below the diagonal has no influence
         std::fill(given + j * order + j + 1, given + (j + 1) * order, reference::kNaN);
-    double* const result = isInPlace ? given : inverseRoom.Of<double>(a.size());
-    double* const solution = isInPlace ? right : xRoom.Of<double>(b.size());
+    double* const result = isInPlace ? given : inverseMemory.Of<double>(a.size());
+    double* const solution = isInPlace ? right : xMemory.Of<double>(b.size());
     (hasRoots ? GenFunctions::Cholesky : GenFunctions::Cholesky2)(given, right, n, result,
                                                                   solution);
     ExpectElements(result, inverse, hasRoots ? "Cholesky, inverse" : "Cholesky2, inverse");
@@ -101,7 +101,7 @@ void Solve(Choices& in, std::int32_t n, bool hasRoots) {
 
 void Invert(Choices& in, std::int32_t n, bool pivots) {
     const bool isInPlace = in.Flip();
-    const Strided from(gFromRoom, n, n, in);
+    const Strided from(gFromMemory, n, n, in);
     const Matrix a = AnyMatrix(in, n, in);
     Matrix wanted(a.size());
     (pivots ? reference::MtxInv : reference::MInv)(a.data(), n, wanted.data());
@@ -111,7 +111,7 @@ void Invert(Choices& in, std::int32_t n, bool pivots) {
         invert(from.View(), from.View());
         return from.Expect(wanted, "an inverse in place");
     }
-    const Strided result(gToRoom, n, n, in);
+    const Strided result(gToMemory, n, n, in);
     invert(from.View(), result.View());
     result.Expect(wanted, pivots ? "MtxInv" : "MInv");
     from.Expect(a, "the matrix that was inverted");
@@ -120,7 +120,7 @@ void Invert(Choices& in, std::int32_t n, bool pivots) {
 void CopyOblong(Choices& in, std::int32_t rows, bool pivots) {
     const auto columns = static_cast<std::int32_t>(1 + in.Below(12));
     if (columns == rows) return;
-    const Strided from(gFromRoom, rows, columns, in), result(gToRoom, rows, columns, in);
+    const Strided from(gFromMemory, rows, columns, in), result(gToMemory, rows, columns, in);
     const Matrix a = reference::RandomMatrix(rows, columns, rows);
     from.Fill(a);
     (pivots ? GenFunctions::MtxInv : GenFunctions::MInv)(from.View(), result.View());
@@ -128,8 +128,8 @@ void CopyOblong(Choices& in, std::int32_t rows, bool pivots) {
 }
 
 void Pack(Choices& in, std::int32_t n) {
-    static thread_local Room<8 * 3 * kMost*(kMost + 1) / 2> room;
-    const Strided from(gFromRoom, n, n, in), back(gToRoom, n, n, in);
+    static thread_local GuardedMemory<8 * 3 * kMost*(kMost + 1) / 2> guarded;
+    const Strided from(gFromMemory, n, n, in), back(gToMemory, n, n, in);
     const std::ptrdiff_t stride = 1 + in.Byte() % 3;
     const Matrix a = AnyMatrix(in, n, in);
     from.Fill(a);
@@ -138,7 +138,7 @@ void Pack(Choices& in, std::int32_t n) {
     ExpectSame(length, n * (n + 1) / 2, "SizeOfLta");
     const bool isTurned = in.Flip();
     const auto last = static_cast<std::ptrdiff_t>(count - 1) * stride;
-    auto* const memory = room.Of<double>(static_cast<std::size_t>(last) + 1);
+    auto* const memory = guarded.Of<double>(static_cast<std::size_t>(last) + 1);
     const VectorView<double> packed(isTurned ? memory + last : memory, length,
                                     isTurned ? -stride : stride);
     Matrix wanted(count), square(a.size());

@@ -9,10 +9,10 @@
 namespace corvale::fuzz {
 
 void NumberText(Choices in) {
-    static thread_local Room<64> room;
+    static thread_local GuardedMemory<64> guarded;
     const int mode = test::kRoundingModes[std::max(0, in.Byte() % 8 - 4)];
     const bool hasSign = in.Flip();
-    const std::span<char> out = room.Text(in.Below(41));
+    const std::span<char> out = guarded.Text(in.Below(41));
     const std::int32_t n = in.Flip() ? in.Int32() : static_cast<std::int32_t>(in.Below(34)) - 1;
     const double value = in.Real();
     {

@@ -22,17 +22,17 @@ constexpr std::string_view kPieces[] = {
     "5e-1", "E+03",     "D-02", "\0"sv,     "1797693134", "86231570814", "2.4703282292062327"};
 
 // Pieces, or the decimals of a double, so many that they may end at the middle between two.
-std::string_view AnyField(Choices& in, std::span<char> room) {
-    if (in.Byte() % 4 != 0) return in.Text(kPieces, room);
+std::string_view AnyField(Choices& in, std::span<char> buffer) {
+    if (in.Byte() % 4 != 0) return in.Text(kPieces, buffer);
     const int blanks = in.Byte() % 8, decimals = in.Byte() % 90;
     double value = in.Flip() ? in.Real() : std::bit_cast<double>(in.Raw<std::uint64_t>());
     if (std::isnan(value)) value = 0.0;  // its sign in a sum is anyone's
     const auto middle = (static_cast<long double>(value) + std::nextafter(value, 1e308)) / 2;
     const int size =
         in.Flip()
-            ? std::snprintf(room.data(), room.size(), "%*s%.*e", blanks, "", decimals, value)
-            : std::snprintf(room.data(), room.size(), "%*s%.*Le", blanks, "", decimals, middle);
-    return {room.data(), static_cast<std::size_t>(size)};
+            ? std::snprintf(buffer.data(), buffer.size(), "%*s%.*e", blanks, "", decimals, value)
+            : std::snprintf(buffer.data(), buffer.size(), "%*s%.*Le", blanks, "", decimals, middle);
+    return {buffer.data(), static_cast<std::size_t>(size)};
 }
 
 void ExpectRead(double got, double wanted, const char* what) {
@@ -76,12 +76,12 @@ void OneReal(std::string_view text, int mode, bool isLine) {
 
 void Numbers(Choices in) {
     using namespace numbers;
-    static thread_local Room<1024> room;
+    static thread_local GuardedMemory<1024> guarded;
     std::array<char, 512> built;
     const std::size_t procedure = in.Below(16);
     const int mode = procedure < 8 ? FE_TONEAREST : kRoundingModes[procedure % 4];
     const std::size_t kind = in.Below(7);
-    const std::string_view text = room.HoldView(AnyField(in, built));
+    const std::string_view text = guarded.HoldView(AnyField(in, built));
     const bool hasValue = text.find('=') != std::string_view::npos;
     switch (kind) {
         case 0:

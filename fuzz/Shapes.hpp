@@ -3,7 +3,7 @@
 // a digest of what they saw.
 //
 // An input is never invalid: where its bytes end, zeros follow. No call here allocates, but for the
-// first use of a `Room`. Who draws from an input does so one statement at a time, or in braces:
+// first use of a `GuardedMemory`. Who draws from an input does so one statement at a time, or in braces:
 // compilers evaluate arguments and operands in different orders.
 #pragma once
 
@@ -84,12 +84,12 @@ void ExpectSame(Integer got, std::type_identity_t<Integer> wanted, const char* w
 /// Memory for one text or array: right before a page that cannot be touched or, for sizes that are
 /// 3 modulo 4, right after one. What it handed out is overwritten by the next call.
 template <std::size_t Most = 16384>
-class Room {
+class GuardedMemory {
   public:
     template <class Element = char>
     Element* Of(std::size_t count, char fill = '#') {
         const std::size_t size = count * sizeof(Element);
-        Expect(size <= Most, "a room is large enough");
+        Expect(size <= Most, "guarded memory is large enough");
         char* const memory = size % 4 == 3 ? start_.Data() : end_.Data() + Most - size;
         std::memset(memory, fill, size);
         return reinterpret_cast<Element*>(memory);

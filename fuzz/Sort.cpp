@@ -16,10 +16,10 @@ using reference::IsLess;
 constexpr std::size_t kMost = 4096;
 
 thread_local std::array<Key, kMost> gBefore;
-thread_local Room<kMost * sizeof(Key)> gKeyRoom;
-thread_local Room<kMost * 8> gCompanionRoom;
+thread_local GuardedMemory<kMost * sizeof(Key)> gKeyMemory;
+thread_local GuardedMemory<kMost * 8> gCompanionMemory;
 
-// Keys that share their beginnings: two places of each are taken from the input, or from the bytes
+// Keys that share their beginnings: two bytes of each are taken from the input, or from the bytes
 // before where it has ended.
 void MakeKeys(Choices& in, std::size_t n) {
     const std::size_t first = in.Below(32), second = in.Below(32);
@@ -70,8 +70,8 @@ void OneStep(Choices& in, std::size_t n, Key* keys, std::int64_t* companion) {
     std::copy_n(companion, n, plain.begin());
     const auto low = static_cast<std::int32_t>(1 + in.Below(n));
     const auto high = static_cast<std::int32_t>(1 + in.Below(n));
-    const std::int32_t place = Partition(low, high, keys, companion);
-    ExpectSame(place, reference::Partition(low, high, gBefore.data(), plain.data()), "Partition");
+    const std::int32_t pivot = Partition(low, high, keys, companion);
+    ExpectSame(pivot, reference::Partition(low, high, gBefore.data(), plain.data()), "Partition");
     Expect(std::equal(keys, keys + n, gBefore.begin()), "the keys of a partition");
     Expect(std::equal(companion, companion + n, plain.begin()), "the companions of a partition");
 }
@@ -95,14 +95,14 @@ void Swaps(Choices& in, Key a, Key b) {
 void Sort(Choices in) {
     using namespace sort;
     const std::size_t kind = in.Below(8);
-    Choices places(in);  // those of a step are read from the same bytes as the keys
+    Choices steps(in);  // those of a step are read from the same bytes as the keys
     const std::size_t n = AnyKeys(in);
-    auto* const keys = gKeyRoom.Of<Key>(n);
-    auto* const companion = gCompanionRoom.Of<std::int64_t>(n);
+    auto* const keys = gKeyMemory.Of<Key>(n);
+    auto* const companion = gCompanionMemory.Of<std::int64_t>(n);
     std::copy_n(gBefore.begin(), n, keys);
     for (std::size_t i = 0; i < n; ++i) companion[i] = static_cast<std::int64_t>(i);
-    if (kind == 0) return Swaps(places, gBefore[0], gBefore[1]);
-    if (kind == 1) return OneStep(places, n, keys, companion);
+    if (kind == 0) return Swaps(steps, gBefore[0], gBefore[1]);
+    if (kind == 1) return OneStep(steps, n, keys, companion);
     QuickSortIterative(static_cast<std::int32_t>(n), keys, companion);
     ExpectSorted(keys, companion, n);
 }

@@ -30,16 +30,16 @@ const Operation kOperations[] = {
     {GetInputFileName, reference::GetInputFileName},
     {RemSpaceSlashChars, reference::RemSpaceSlashChars}};
 
-thread_local Room<1024> gTextRoom, gPatternRoom, gReplacementRoom, gResultRoom;
+thread_local GuardedMemory<1024> gTextMemory, gPatternMemory, gReplacementMemory, gResultMemory;
 
 void InPlace(std::size_t kind, const std::string& given) {
-    const std::span<char> text = gTextRoom.Hold(given);
+    const std::span<char> text = gTextMemory.Hold(given);
     std::string wanted = given;
     for (char& c : wanted)
         if (c == (kind == 0 ? '\0' : ' ')) c = kind == 0 ? ' ' : '0';
     (kind == 0 ? NullToSpace : BlankToZeroChar)(text);
     ExpectSame({text.data(), text.size()}, wanted, "NullToSpace or BlankToZeroChar");
-    ExpectSame(IsBlankOrNull(gTextRoom.HoldView(given)),
+    ExpectSame(IsBlankOrNull(gTextMemory.HoldView(given)),
                given.find_first_not_of(' ') == std::string::npos ? 1 : 0, "IsBlankOrNull");
 }
 
@@ -55,14 +55,14 @@ void Buffers(Choices& in, const std::string& given) {
     }
     const bool stops = wanted.size() < std::min(count, given.size());
     const std::string_view held =  // nothing beyond the count or the character that stops is read
-        gTextRoom.HoldView(given.substr(0, stops ? wanted.size() + 1 : count));
+        gTextMemory.HoldView(given.substr(0, stops ? wanted.size() + 1 : count));
     const auto taken = stops ? n : std::min(n, static_cast<std::int32_t>(held.size()));
-    const std::span<char> text = gResultRoom.Text(in.Below(100));
+    const std::span<char> text = gResultMemory.Text(in.Below(100));
     CharArrToStr(held.data(), taken, text);
     ExpectSame({text.data(), text.size()}, Fit(wanted, text.size()), "CharArrToStr");
 
-    char* const chars = gResultRoom.Of(count);
-    StrToCharArr(gTextRoom.HoldView(given), n, chars);
+    char* const chars = gResultMemory.Of(count);
+    StrToCharArr(gTextMemory.HoldView(given), n, chars);
     ExpectSame({chars, count}, Fit(given, count), "StrToCharArr");
 }
 
@@ -72,16 +72,16 @@ void Replace(Choices& in, const std::string& text, const std::string& rest) {
     const bool isInPlace = in.Flip() && replacement.size() <= pattern.size();
     const std::string wanted =
         Fit(reference::ReplaceString(text, pattern, replacement), text.size());
-    const std::span<char> held = gTextRoom.Hold(text);
-    const std::span<char> result = isInPlace ? held : gResultRoom.Text(in.Below(100));
-    ReplaceString({held.data(), held.size()}, gPatternRoom.HoldView(pattern),
-                  gReplacementRoom.HoldView(replacement), result);
+    const std::span<char> held = gTextMemory.Hold(text);
+    const std::span<char> result = isInPlace ? held : gResultMemory.Text(in.Below(100));
+    ReplaceString({held.data(), held.size()}, gPatternMemory.HoldView(pattern),
+                  gReplacementMemory.HoldView(replacement), result);
     ExpectSame({result.data(), result.size()}, Fit(wanted, result.size()), "ReplaceString");
 }
 
 void OneOf(Choices& in, const Operation& operation, const std::string& text) {
-    const std::span<char> held = gTextRoom.Hold(text);
-    const std::span<char> result = in.Flip() ? held : gResultRoom.Text(in.Below(100));
+    const std::span<char> held = gTextMemory.Hold(text);
+    const std::span<char> result = in.Flip() ? held : gResultMemory.Text(in.Below(100));
     operation.run({held.data(), held.size()}, result);
     ExpectSame({result.data(), result.size()}, Fit(operation.plain(text), result.size()),
                "an operation on one text");

@@ -114,7 +114,7 @@ std::variant<KeyLine, Unusable> ReadKeyLine(std::string_view line, bool addsNumb
     return read;
 }
 
-// Room for a 64-bit integer behind the key, right-aligned.
+// Of the column after the key: any 64-bit integer, right-aligned.
 constexpr std::size_t kCompanionWidth = 21;
 
 void PrintKeys(const std::vector<Sorting::Key>& keys, const std::vector<std::int64_t>& companions) {

@@ -25,7 +25,7 @@ struct AngleOptions {
 
 struct NumberOptions {
     bool isInteger = false;
-    bool afterEquals = false;  ///< the number stands behind the first "=" of the line
+    bool afterEquals = false;  ///< the number follows the first "=" of the line
 };
 
 // Each returns the exit status: 1 if a line could not be used, 2 if nothing can be read or written.

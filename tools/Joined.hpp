@@ -14,7 +14,7 @@ void Append(std::string& text, std::integral auto number) {
     text.append(std::to_string(number));
 }
 
-/// Texts and whole numbers, one behind the other.
+/// Texts and whole numbers, one after the other.
 template <class... Pieces>
 [[nodiscard]] std::string Joined(const Pieces&... pieces) {
     std::string text;

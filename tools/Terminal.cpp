@@ -121,9 +121,9 @@ void ProgressBar::Draw(std::uint64_t done) {
 
     const std::size_t width = TerminalWidth() - 1;
     if (text.size() > width) text.resize(width);
-    const std::size_t room = width - text.size();
+    const std::size_t left = width - text.size();
     const std::string title =
-        title_.size() <= room ? title_ : title_.substr(title_.size() - room);  // its end tells more
+        title_.size() <= left ? title_ : title_.substr(title_.size() - left);  // its end tells more
     std::cout.flush();
     std::cerr << '\r' << title << text << "\033[K" << std::flush;
     isShown_ = true;

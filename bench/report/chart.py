@@ -29,8 +29,8 @@ def show_time(nanoseconds, digits=3):
 class Axis:
     """A logarithmic axis from pixel `start` on, `length` pixels long; a negative length goes up."""
 
-    def __init__(self, values, start, length, room=1.15):
-        self.low, self.high = min(values) / room, max(values) * room
+    def __init__(self, values, start, length, margin=1.15):
+        self.low, self.high = min(values) / margin, max(values) * margin
         self.start, self.length = start, length
 
     def place(self, value):

@@ -96,7 +96,7 @@ inline void StoreFirst(std::uint64_t word, char* first) noexcept {
     return word >> 4 * count >> 4 * count;
 }
 
-/// The little word behind `count` zero bytes, 0 to 8, which push as many last bytes out.
+/// The little word after `count` zero bytes, 0 to 8, which push as many last bytes out.
 [[nodiscard]] constexpr std::uint64_t PutZerosFirst(std::uint64_t word,
                                                     std::size_t count) noexcept {
     return word << 4 * count << 4 * count;

@@ -22,7 +22,7 @@ namespace corvale::internal {
 inline constexpr std::size_t kReadBefore = 32;
 
 /// Where, from `at` on, the first line begins that starts with the letters of the cards in any case;
-/// `end` if none does. A line begins behind '\n'; `at[-1]` and `*end` are read, too.
+/// `end` if none does. A line begins after '\n'; `at[-1]` and `*end` are read, too.
 [[nodiscard]] const char* NextCandidate(const char* at, const char* end) noexcept;
 
 /// An upper bound of the number of values that the numbers of a card supply; 128, all elements, if

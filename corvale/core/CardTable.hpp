@@ -20,7 +20,7 @@ namespace corvale::internal {
 struct Card {
     std::int32_t code;         ///< of `CorvaleCardType`
     std::string_view keyword;  ///< in capitals, as columns 1 to its width are compared with it
-    std::string_view effect;   ///< for people, behind the keyword: "sets the ..."
+    std::string_view effect;   ///< for people, after the keyword: "sets the ..."
     std::optional<KeyModeIndex> mode = std::nullopt;  ///< set to 1; none: numbers go to `MoicArr`
 };
 

@@ -19,7 +19,7 @@
 // Several threads  lines of all threads are whole
 // Other processes  may share a log: their lines are whole, in a file of any length, in a pipe up to
 //                  4,096 bytes with the line end, and none is written over; each process that opens
-//                  the log by OpenLogFile empties it. Behind a part of a line that another process
+//                  the log by OpenLogFile empties it. After a part of a line that another process
 //                  has left (killed, or out of space) a line begins on the same line
 // Full disk        or the limit of a file's size: loses lines, without an error; later lines are
 //                  written again once they can be, on lines of their own. A process that limits

@@ -93,7 +93,7 @@ class Inversion {
     [[gnu::noinline]] void Write(const MatrixView<double>& result) const noexcept {
         ForEachPanelColumn(
             [&](std::size_t row, std::size_t column, std::size_t count, const double* from) {
-                double* to = Place(result, row, column);
+                double* to = ElementAt(result, row, column);
                 for (std::size_t i = 0; i < count; ++i)
                     to[Offset(i) * result.RowStride()] = from[i];
             });
@@ -104,7 +104,7 @@ class Inversion {
     void WriteInOrder(const MatrixView<double>& result) const noexcept {
         const std::int32_t* step = record_.stepOfRow;
         for (std::size_t j = 0; j < order_; ++j) {
-            double* to = Place(result, 0, j);
+            double* to = ElementAt(result, 0, j);
             const std::ptrdiff_t column = Offset(step[j] - 1) * Offset(panel_);
             for (std::size_t row = 0; row < order_; row += panel_) {
                 const double* from = matrix_ + row * order_ + column;
@@ -123,7 +123,7 @@ class Inversion {
 
     /// The element of `view` in row `row` and column `column`, counted from 0.
     template <class T>
-    static T* Place(const MatrixView<T>& view, std::size_t row, std::size_t column) noexcept {
+    static T* ElementAt(const MatrixView<T>& view, std::size_t row, std::size_t column) noexcept {
         return view.Data() + Offset(row) * view.RowStride() + Offset(column) * view.ColumnStride();
     }
 
@@ -144,7 +144,7 @@ class Inversion {
 
     void Load(const MatrixView<const double>& a) noexcept {
         ForEachPanelColumn([&](std::size_t row, std::size_t column, std::size_t count, double* to) {
-            const double* from = Place(a, row, column);
+            const double* from = ElementAt(a, row, column);
             for (std::size_t i = 0; i < count; ++i) to[i] = from[Offset(i) * a.RowStride()];
             for (std::size_t i = count; i < panel_; ++i) to[i] = 0.0;
         });

@@ -10,7 +10,7 @@
 //     VectorView<double> back(m + 5, 6, -1);      // back(1) is m[5]
 //
 // Shape      strides count elements, not bytes, and may be negative or zero; an extent below 0
-//            counts as 0. Where elements of a view that is written share a place, it holds one of
+//            counts as 0. Where elements of a view that is written share an address, it holds one of
 //            their values
 // Bad input  nothing is checked: an index outside the extents reads outside the view
 // Threads    a view is a value: any number of threads at once

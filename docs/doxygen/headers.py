@@ -70,7 +70,7 @@ def start_or_extend(found, kind, line, extends):
 
 
 def head(text):
-    """The lines of a header's opening comment, and the text behind it."""
+    """The lines of a header's opening comment, and the text after it."""
     if text.startswith("/*"):
         comment, _, rest = text.partition("*/")
         return c_comment(comment + "*/"), rest.lstrip("\n")
@@ -90,7 +90,7 @@ COMMENTED = re.compile(r"^(?P<cxx>(?: *///(?!<)[^\n]*\n)+)|^(?P<c>/\* [^\n]*(?:\
 
 
 def split(text):
-    """What stands behind the head in turn: code as a str, each comment as a Declaration."""
+    """What follows the head, in turn: code as a str, each comment as a Declaration."""
     place = 0
     for match in COMMENTED.finditer(text):
         yield text[place:match.start()]

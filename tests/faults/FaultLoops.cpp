@@ -162,7 +162,7 @@ class FaultLoops {
             harm += " gives \"" + outcome + "\"";
         if (OpenDescriptors() != descriptors) harm += ", leaves a descriptor open";
         if (Counts().blocks < 0 || Counts().blocks > operation.keeps) harm += ", leaks memory";
-        if (!Works(folder_)) harm += ", spoils the library";
+        if (!Works(folder_)) harm += ", breaks the library";
         if (!harm.empty()) Complain(Describe(operation, fault) + harm);
     }
 

@@ -125,16 +125,16 @@ std::string CallTheCApi() {
 
 std::string ReadAndWriteNumbers() {
     using namespace StrFunctions;
-    std::array<char, 600> room{};
+    std::array<char, 600> buffer{};
     double first = 0, second = 0;
     std::int32_t one = 0, two = 0;
     Disturbed([&] {
         StrTo2Reals("1.5 2.5", first, second);
         StrTo2Ints("1 2", one, two);
-        InputStrToNumStr("KEY = 9007199254740993.000000000000001 'word'", first, room);
-        Fx0ToSignAx(1.5, 20, room);
-        for (const std::int32_t n : {6, 25}) Fx0ToAx(1.1, n, room);
-        CompressCsvLine(room);
+        InputStrToNumStr("KEY = 9007199254740993.000000000000001 'word'", first, buffer);
+        Fx0ToSignAx(1.5, 20, buffer);
+        for (const std::int32_t n : {6, 25}) Fx0ToAx(1.1, n, buffer);
+        CompressCsvLine(buffer);
         static_cast<void>(GenFunctions::DegToDDMMSSSSS_Str(12.5));
         return StrToReal("0.12345678901234567890123456789012345678901234567890e-310") +
                StrToInt("x 5") + InputStrToReal("a = 5") + InputStrToInt("a = on") +

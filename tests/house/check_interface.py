@@ -30,8 +30,8 @@ def check_header(functions):
 def says_width(comment, argument):
     """The width is said beside the argument, for all texts, or where the example declares the array."""
     own = re.search(rf"^{argument.name}  .*", comment, re.M)
-    room = rf"\b{argument.width} " + ("characters" if argument.kind == "text" else "values")
-    if own and re.search(room, own[0]):
+    width = rf"\b{argument.width} " + ("characters" if argument.kind == "text" else "values")
+    if own and re.search(width, own[0]):
         return True
     if argument.kind == "text":
         return f"texts have {argument.width} characters" in comment

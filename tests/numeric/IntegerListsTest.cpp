@@ -18,14 +18,14 @@ struct ListCase {
 };
 const ListCase kDupes[] = {
     {{5, 3, 5}, {3, 5, 0}, 2, "the last of equals stays"},
-    {{4, 0, 7}, {4, 7, 0}, 2, "an empty place closes"},
+    {{4, 0, 7}, {4, 7, 0}, 2, "an empty element closes"},
     {{0, 8, 9}, {8, 9, 0}, 2, "at the front"},
-    {{7, 8, 0}, {7, 8, 0}, 3, "the last place is not looked at"},
+    {{7, 8, 0}, {7, 8, 0}, 3, "the last element is not looked at"},
     {{-1, 5, 6}, {-1, 5, 6}, 3, "negative values stay while nothing is removed"},
     {{-1, 5, 5}, {5, 0, 0}, 1, "and go, moved over, with the first removal"},
-    {{6, 6, -1}, {6, 0, -1}, 1, "or stay behind"},
-    {{0, 0}, {0, 0}, 0, "nothing but empty places"},
-    {{0}, {0}, 1, "one place: nothing happens"},
+    {{6, 6, -1}, {6, 0, -1}, 1, "a negative value stays where no kept value is moved over it"},
+    {{0, 0}, {0, 0}, 0, "nothing but empty elements"},
+    {{0}, {0}, 1, "one element: nothing happens"},
 };
 
 TEST(IDupe, KeepsTheLastOfEquals) {

@@ -24,10 +24,10 @@ bool gNoMemory = false;
 void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
     const auto unit = static_cast<std::size_t>(alignment);
     if (gNoMemory) return nullptr;
-    const std::size_t room = (size + unit - 1) / unit * unit;
-    auto* words = static_cast<std::uint64_t*>(std::aligned_alloc(unit, room));
+    const std::size_t bytes = (size + unit - 1) / unit * unit;
+    auto* words = static_cast<std::uint64_t*>(std::aligned_alloc(unit, bytes));
     // Signalling NaNs: a read of what was never written raises a trap.
-    if (words != nullptr) std::fill_n(words, room / sizeof *words, 0x7ff0000000000001U);
+    if (words != nullptr) std::fill_n(words, bytes / sizeof *words, 0x7ff0000000000001U);
     return words;
 }
 void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept {

@@ -96,7 +96,7 @@ std::uint64_t CheckRead(float value, const Form& form) {
 
 // What a field of 20 shows, without a call where the magnitude says it: below 2^-28 all decimals are
 // 0, from 2^34 on there is no room.
-std::string_view Rendering(float value, Text& room) {
+std::string_view Rendering(float value, Text& buffer) {
     constexpr std::string_view kNoRoom = "********************";
     const bool isNegative = std::signbit(value);
     const float magnitude = std::fabs(value);
@@ -104,9 +104,9 @@ std::string_view Rendering(float value, Text& room) {
     if (std::isinf(value)) return isNegative ? "-Inf" : "+Inf";
     if (magnitude < 0x1p-28F) return isNegative ? "-.00000000" : "+.00000000";
     if (magnitude >= 0x1p34F) return kNoRoom;
-    auto size =
-        static_cast<std::size_t>(std::snprintf(room.data(), room.size(), "%+.8f", double{value}));
-    char* first = room.data();
+    auto size = static_cast<std::size_t>(
+        std::snprintf(buffer.data(), buffer.size(), "%+.8f", double{value}));
+    char* first = buffer.data();
     if (first[1] == '0') {  // the only digit before the point is not shown
         first[1] = first[0];
         ++first;
@@ -122,8 +122,8 @@ std::uint64_t CheckWritten(float value, std::uint64_t mixed) {
     std::array<char, 24> wanted, out;
     wanted.fill(' ');
     out.fill('?');
-    Text room;
-    const std::string_view rendering = Rendering(value, room).substr(0, n);
+    Text buffer;
+    const std::string_view rendering = Rendering(value, buffer).substr(0, n);
     std::memcpy(wanted.data(), rendering.data(), rendering.size());
     std::memset(wanted.data() + width, '?', wanted.size() - width);
     Fx0ToSignAx(double{value}, static_cast<std::int32_t>(n), {out.data(), width});

@@ -32,7 +32,7 @@ procedure Run_Cases is
    end Hex;
 
    Said : Unbounded_String;
-   --  What comes out of a case, each value behind a blank.
+   --  What comes out of a case, each value after a blank.
 
    procedure Say (Text : String) is
    begin

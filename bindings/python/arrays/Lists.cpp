@@ -97,7 +97,7 @@ py::object Companions(const py::object& companion, Count count, const py::object
     return Copied(values, Kind::kInt64, "companion", out);
 }
 
-/// NumPy's NULs behind a key become the blanks that the order of keys counts with.
+/// NumPy's NULs after a key become the blanks that the order of keys counts with.
 void FillKeys(Key* keys, std::int32_t n) noexcept {
     for (Key* key = keys; key != keys + n; ++key) {
         const std::size_t length = WithoutFill(key->data(), 32).size();
@@ -146,7 +146,7 @@ negative values are dropped too.
 
 C++     GenFunctions::IDupe
 Shapes  values int32 (n) -> int32 (m), m <= n; values stay as they are
-out     int32 (n), adjacent, may be values: holds the list, zeros behind; the result is its front
+out     int32 (n), adjacent, may be values: holds the list, then zeros; the result is its front
 Errors  TypeError for what holds no integers, OverflowError for one that does not fit 32 bits)";
 
 constexpr const char* kISort =
@@ -154,7 +154,7 @@ constexpr const char* kISort =
 
 C++     GenFunctions::ISort
 Shapes  values int32 (n) -> int32 (m), m <= n; values stay as they are
-out     int32 (n), adjacent, may be values: holds the list, zeros behind; the result is its front
+out     int32 (n), adjacent, may be values: holds the list, then zeros; the result is its front
 Errors  TypeError for what holds no integers, OverflowError for one that does not fit 32 bits)";
 
 constexpr const char* kQuickSort =

@@ -69,7 +69,7 @@ def signature(row: dict[str, Any], inputs: list[str], out: str, result: str) -> 
 
 
 def array_inputs(row: dict[str, Any], first: int) -> list[str]:
-    """Scalars before argument `first`, an array there, anything behind."""
+    """Scalars before argument `first`, an array there, anything after it."""
     types = []
     for place, (kind, inner) in enumerate(row["inputs"]):
         scalar, array = TYPES[kind][:2]

@@ -1,7 +1,7 @@
 // Internal to numeric/: not installed, may change in any commit.
 //
 // What the arc functions share: pi, the mirror for arguments left of the y axis, and the series
-// behind their leading terms.
+// after their leading terms.
 //
 // Source     the coefficients are Sollya's fpminimax; proofs/elementary proves their errors
 #pragma once

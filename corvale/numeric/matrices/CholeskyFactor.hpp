@@ -27,7 +27,7 @@ struct Factor {
                                             std::size_t end) noexcept {
         for (std::size_t step = 0; step < row; step += kChunk)
             for (std::size_t lane = row; lane < work.steps; lane += L::kPanel) {
-                double* panel = Place<L>(work.u, work.steps, lane, 0);
+                double* panel = PanelAt<L>(work.u, work.steps, lane, 0);
                 const Sum sum{panel,    panel,
                               work.v,   work.steps,
                               row,      std::min(end, lane + L::kPanel),
@@ -39,12 +39,12 @@ struct Factor {
 
     CORVALE_INLINE static void FinishPanel(const CholeskyWork& work, std::size_t row,
                                            std::size_t end, std::size_t lane) noexcept {
-        double* panel = Place<L>(work.u, work.steps, lane, 0);
+        double* panel = PanelAt<L>(work.u, work.steps, lane, 0);
         end = std::min(end, lane + L::kPanel);
         for (std::size_t k = row; k < end; k += kTileRows) {
             Tile<L> sums;
             row == 0 ? sums.Clear() : sums.Load(panel + k * L::kPanel);
-            sums.Add(panel + row * L::kPanel, Place<L>(work.v, work.steps, k, row), k - row);
+            sums.Add(panel + row * L::kPanel, PanelAt<L>(work.v, work.steps, k, row), k - row);
             alignas(64) double given[kTileRows * L::kPanel];
             GivenTile(work, k, lane, given);
             if (k >= lane) {
@@ -137,9 +137,9 @@ struct Factor {
     /// Stores one vector of row k of U, and what follows from it.
     CORVALE_INLINE static void Keep(const CholeskyWork& work, std::size_t k, std::size_t lane,
                                     const V& u) noexcept {
-        At<V>(Place<L>(work.u, work.steps, lane, k)) = u;
+        At<V>(PanelAt<L>(work.u, work.steps, lane, k)) = u;
         if constexpr (rootFree) {
-            At<V>(Place<L>(work.v, work.steps, lane, k)) = work.pivots[k] * u;
+            At<V>(PanelAt<L>(work.v, work.steps, lane, k)) = work.pivots[k] * u;
             At<V>(work.squares + lane) += work.pivots[k] * (u * u);
         }
     }
@@ -148,7 +148,7 @@ struct Factor {
     CORVALE_INLINE static void AddToRowsBelow(const CholeskyWork& work, std::size_t k,
                                               std::size_t r, std::size_t h, const V& u,
                                               Tile<L>& sums) noexcept {
-        const double* factors = Place<L>(work.v, work.steps, k, k + r);
+        const double* factors = PanelAt<L>(work.v, work.steps, k, k + r);
 #pragma GCC unroll 4
         for (std::size_t below = 0; below < kTileRows; ++below)
             if (below > r) sums.row[below][h] += u * factors[below];

@@ -27,7 +27,7 @@ struct InvertFactor {
                                                 std::size_t end) noexcept {
         for (std::size_t step = 0; step < column; step += kChunk)
             for (std::size_t lane = 0; lane < std::min(step + kChunk, column); lane += L::kPanel) {
-                double* panel = Place<L>(work.w, work.steps, lane, 0);
+                double* panel = PanelAt<L>(work.w, work.steps, lane, 0);
                 const Sum sum{panel,
                               panel,
                               work.u,
@@ -43,12 +43,12 @@ struct InvertFactor {
 
     CORVALE_INLINE static void FinishPanel(const CholeskyWork& work, std::size_t column,
                                            std::size_t end, std::size_t lane) noexcept {
-        double* panel = Place<L>(work.w, work.steps, lane, 0);
+        double* panel = PanelAt<L>(work.w, work.steps, lane, 0);
         const std::size_t from = std::max(column, lane);
         for (std::size_t j = from; j < end; j += kTileRows) {
             Tile<L> sums;
             lane >= column ? sums.Clear() : sums.Load(panel + j * L::kPanel);
-            sums.Add(panel + from * L::kPanel, Place<L>(work.u, work.steps, j, from), j - from);
+            sums.Add(panel + from * L::kPanel, PanelAt<L>(work.u, work.steps, j, from), j - from);
             Columns(work, j, lane, sums);
         }
     }
@@ -60,14 +60,14 @@ struct InvertFactor {
 #pragma GCC unroll 4
         for (std::size_t r = 0; r < kTileRows; ++r) {
             const double diagonal = rootFree ? 1.0 : work.reciprocals[j + r];
-            const double* factors = Place<L>(work.u, work.steps, j, j + r);
+            const double* factors = PanelAt<L>(work.u, work.steps, j, j + r);
 #pragma GCC unroll 2
             for (std::size_t h = 0; h < 2; ++h) {
                 V w = -(sums.row[r][h] * diagonal);
                 if (j < lane + L::kPanel) w = OnDiagonal(w, j + r - lane, h, diagonal);
-                At<V>(Place<L>(work.w, work.steps, lane + h * L::kLanes, j + r)) = w;
+                At<V>(PanelAt<L>(work.w, work.steps, lane + h * L::kLanes, j + r)) = w;
                 if constexpr (rootFree)
-                    At<V>(Place<L>(work.z, work.steps, lane + h * L::kLanes, j + r)) =
+                    At<V>(PanelAt<L>(work.z, work.steps, lane + h * L::kLanes, j + r)) =
                         w * work.reciprocals[j + r];
 #pragma GCC unroll 4
                 for (std::size_t later = 0; later < kTileRows; ++later)
@@ -95,10 +95,10 @@ struct InvertFactorPlainly {
                 const double diagonal = rootFree ? 1.0 : work->reciprocals[j];
                 double sum = 0.0;
                 for (std::size_t k = i; k < j; ++k)
-                    sum += *Place<L>(work->w, steps, i, k) * *Place<L>(work->u, steps, j, k);
+                    sum += *PanelAt<L>(work->w, steps, i, k) * *PanelAt<L>(work->u, steps, j, k);
                 const double w = i == j ? diagonal : -(sum * diagonal);
-                *Place<L>(work->w, steps, i, j) = w;
-                if (rootFree) *Place<L>(work->z, steps, i, j) = w * work->reciprocals[j];
+                *PanelAt<L>(work->w, steps, i, j) = w;
+                if (rootFree) *PanelAt<L>(work->z, steps, i, j) = w * work->reciprocals[j];
             }
     }
 };
@@ -109,8 +109,8 @@ struct FillZeros {
     CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         for (std::size_t i = 0; i < work->steps; ++i)
             for (std::size_t k = 0; k < std::min(i, work->n); ++k) {
-                *Place<L>(work->w, work->steps, i, k) = 0.0;
-                if (rootFree) *Place<L>(work->z, work->steps, i, k) = 0.0 * work->reciprocals[k];
+                *PanelAt<L>(work->w, work->steps, i, k) = 0.0;
+                if (rootFree) *PanelAt<L>(work->z, work->steps, i, k) = 0.0 * work->reciprocals[k];
             }
     }
 };
@@ -126,7 +126,7 @@ struct AllFinite {
         for (std::size_t lane = 0; lane < end; lane += L::kPanel) {
             const std::size_t first = isUpper ? 0 : lane;
             const std::size_t past = isUpper ? std::min(end, lane + L::kPanel) : end;
-            Add(Place<L>(panels, steps, lane, first), past - first, sum);
+            Add(PanelAt<L>(panels, steps, lane, first), past - first, sum);
         }
         return IsZero(sum);
     }
@@ -142,7 +142,7 @@ struct AllFinite {
     }
 };
 
-/// The product of W with its transpose, or of W D^-1, in the place of U. `wholeRows` takes the
+/// The product of W with its transpose, or of W D^-1, written over U. `wholeRows` takes the
 /// zeros in too.
 template <class L>
 struct Product {
@@ -156,8 +156,8 @@ struct Product {
         const std::size_t end = std::min(step + kChunk, work.n);
         for (std::size_t lane = row; lane < work.n; lane += L::kPanel) {
             if (!wholeRows && lane >= end) break;
-            const Sum sum{Place<L>(work.u, work.steps, lane, 0),
-                          Place<L>(work.w, work.steps, lane, 0),
+            const Sum sum{PanelAt<L>(work.u, work.steps, lane, 0),
+                          PanelAt<L>(work.w, work.steps, lane, 0),
                           work.z,
                           work.steps,
                           row,
@@ -176,7 +176,7 @@ struct WriteSymmetric {
     CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
         const std::size_t n = work->n;
         for (std::size_t lane = 0; lane < n; lane += L::kPanel) {
-            const double* panel = Place<L>(work->u, work->steps, lane, 0);
+            const double* panel = PanelAt<L>(work->u, work->steps, lane, 0);
             const std::size_t wholeTiles = lane + L::kPanel <= n ? lane : 0;
             for (std::size_t i = 0; i < wholeTiles; i += kTileRows)
                 WriteTile(panel + i * L::kPanel, i, lane, n, work->inverse);

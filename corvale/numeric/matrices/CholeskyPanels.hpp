@@ -33,7 +33,8 @@ constexpr std::size_t kChunk = 256;
 
 /// The element in lane `lane`, counted over all panels, and step `step`.
 template <class L, class T>
-CORVALE_INLINE T* Place(T* panels, std::size_t steps, std::size_t lane, std::size_t step) noexcept {
+CORVALE_INLINE T* PanelAt(T* panels, std::size_t steps, std::size_t lane,
+                          std::size_t step) noexcept {
     return panels + (lane / L::kPanel * steps + step) * L::kPanel + lane % L::kPanel;
 }
 
@@ -55,10 +56,10 @@ struct AddSteps {
         const double* x = sum->x + sum->first * L::kPanel;
         for (std::size_t row = sum->firstRow; row < sum->endRow; row += kTileRows) {
             Tile<L> tile;
-            double* place = sum->sums + row * L::kPanel;
-            sum->fresh ? tile.Clear() : tile.Load(place);
-            tile.Add(x, Place<L>(sum->y, sum->steps, row, sum->first), sum->end - sum->first);
-            tile.Store(place);
+            double* sums = sum->sums + row * L::kPanel;
+            sum->fresh ? tile.Clear() : tile.Load(sums);
+            tile.Add(x, PanelAt<L>(sum->y, sum->steps, row, sum->first), sum->end - sum->first);
+            tile.Store(sums);
         }
     }
 };

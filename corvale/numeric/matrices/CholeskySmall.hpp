@@ -65,7 +65,7 @@ struct SolveSmall {
         return Splat<V>(static_cast<double>(lane));
     }
 
-    /// Row k of A behind the diagonal, zeros elsewhere. Put together in registers: a vector that is
+    /// Row k of A right of the diagonal, zeros elsewhere. Put together in registers: a vector that is
     /// loaded right after its elements were stored has to wait, a tenth of the time at order 3.
     CORVALE_INLINE static Row GivenRow(const SmallSystem& system, std::size_t k) noexcept {
         Row given;

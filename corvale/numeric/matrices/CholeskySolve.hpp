@@ -20,7 +20,7 @@ struct Solve {
 
     CORVALE_INLINE static void Down(const CholeskyWork& work) noexcept {
         for (std::size_t lane = 0; lane < work.n; lane += L::kPanel) {
-            const double* panel = Place<L>(work.u, work.steps, lane, 0);
+            const double* panel = PanelAt<L>(work.u, work.steps, lane, 0);
             V s0{}, s1{};
             for (std::size_t i = 0; i < lane; ++i) {
                 s0 += At<V>(panel + i * L::kPanel) * work.y[i];
@@ -55,7 +55,7 @@ struct Solve {
         for (std::size_t after = (work.n + L::kPanel - 1) / L::kPanel; after > 0; --after) {
             const std::size_t lane = (after - 1) * L::kPanel;
             const std::size_t count = std::min(L::kPanel, work.n - lane);
-            const double* panel = Place<L>(work.v, work.steps, lane, 0);
+            const double* panel = PanelAt<L>(work.v, work.steps, lane, 0);
             UpPanel(work, lane, count, panel, sums);
             if (count == L::kPanel) {
                 for (std::size_t i = 0; i < lane; i += L::kLanes)

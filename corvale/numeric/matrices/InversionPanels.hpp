@@ -215,12 +215,12 @@ struct InvertByPanels {
                column % L::kPanel;
     }
 
-    CORVALE_INLINE static void UpdateColumn(double* place, const double* w, const double* t,
+    CORVALE_INLINE static void UpdateColumn(double* column, const double* w, const double* t,
                                             std::size_t steps) noexcept {
-        V r0 = At<V>(place), r1 = At<V>(place + L::kLanes);
+        V r0 = At<V>(column), r1 = At<V>(column + L::kLanes);
         for (; steps > 0; --steps, w += L::kPanel, t += L::kPanel)
             r0 -= At<V>(w) * *t, r1 -= At<V>(w + L::kLanes) * *t;
-        At<V>(place) = r0, At<V>(place + L::kLanes) = r1;
+        At<V>(column) = r0, At<V>(column + L::kLanes) = r1;
     }
 };
 
