@@ -1,5 +1,5 @@
 // Prints as JSON how many blocks of memory each procedure takes: in its first call, and in each of
-// those after it. All that the process allocates is counted, on whatever way it comes to malloc.
+// those after it. All allocations of the process are counted, whichever function they come through.
 #include <corvale/Corvale.h>
 #include <corvale/core/FileIO.hpp>
 #include <corvale/numeric/GenFunctions.hpp>
@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-// The C library's own names of what stands below takes its place.
+// glibc's own names of the functions that are replaced below.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

@@ -1,5 +1,5 @@
 // C libraries as peers of the elementary functions, and the procedures that need one with a C
-// library's functions in place of ours. They stand in a shared library as ours do: what is compared
+// library's functions in place of ours. They are in a shared library, as ours are: what is compared
 // is the work, not the call.
 #pragma once
 

@@ -1,6 +1,6 @@
-// The elementary functions and the procedures that need one, with typical arguments, beside the same
-// with the functions of two C libraries: Topic/Peer. Those are off by a unit in the last place now and
-// then; what they answer is compared first as far as they promise.
+// The elementary functions and the procedures that need one, with typical arguments, beside the
+// same with the functions of two C libraries: Topic/Peer. Those are off by a unit in the last place
+// now and then; their results are compared first, to the accuracy that they promise.
 #include <corvale/numeric/Elementary.hpp>
 #include <corvale/numeric/GenFunctions.hpp>
 
@@ -45,7 +45,7 @@ bool AreNear(const Vector3& a, const Vector3& b) {
     return true;
 }
 
-// Times `call` for every place of the inputs; `model` is our own.
+// Times `call` for every index of the inputs; `model` is our own.
 template <class Call, class Model>
 void Race(benchmark::State& state, const Call& call, const Model& model) {
     for (std::size_t i = 0; i < kMany; ++i)

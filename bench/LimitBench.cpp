@@ -1,5 +1,5 @@
-// What no program on this machine can undercut, Limit/What: the tables show it beside the figures. And
-// the getters of the C API, which should cost little more than a call.
+// Lower limits that no program on this machine can beat, named Limit/What: the tables show them
+// beside the figures. And the getters of the C API, which should cost little more than a call.
 #include <corvale/Corvale.h>
 
 #include <benchmark/benchmark.h>

@@ -1,5 +1,5 @@
-// Numbers and rows: fields to reals and integers, reals to fixed notation, rows made short.
-// A peer that reads or writes anything else than Corvale is not timed.
+// Numbers and rows: fields to reals and integers, reals to fixed notation, rows made short. A peer
+// whose results differ from Corvale's is not timed.
 #include "reference/CompactNumbers.hpp"
 
 #include <corvale/text/StrFunctions.hpp>
@@ -21,7 +21,7 @@ namespace {
 
 using namespace corvale;
 
-// More than a branch predictor learns by heart.
+// More than a branch predictor learns.
 constexpr std::size_t kCount = 20000;
 
 // Terminated texts of one width each, with the width: what every peer can read.

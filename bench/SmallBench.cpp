@@ -176,7 +176,7 @@ BENCHMARK_CAPTURE(Vectors, , ByAngle(eigen::Rotate), ByAngle(gen::Rotate))
 
 using List = std::vector<std::int32_t>;
 
-// Many different lists where they are short, so that none is learnt by heart.
+// Many different lists where they are short, so that the branch predictor learns none.
 std::vector<List> RandomLists(std::int64_t length, std::uint32_t spread) {
     std::mt19937 random(4);
     std::vector<List> lists(static_cast<std::size_t>(std::max<std::int64_t>(1, 100'000 / length)),

@@ -1,6 +1,6 @@
 // The sort beside its peers, for each pattern and size: Pattern/Peer/keys. The peers sort records
 // of key and companion. Times are CPU time of the sorting alone; a run sorts many different blocks,
-// so that short ones are not learnt by heart.
+// so that the branch predictor cannot learn the short ones.
 #include <corvale/sorting/Sorting.hpp>
 
 #include "reference/inputs/KeyPatterns.hpp"

@@ -69,7 +69,7 @@ auto Times(std::uint32_t factor) {
     return [factor](std::int32_t value) { return static_cast<std::uint32_t>(value) * factor; };
 }
 
-// Where a sum is not a number its bits are anyone's: zeros in their place.
+// Which NaN a sum gives is not specified: zeros take its place.
 void Add(Block& block, double one, double three, double six) {
     const auto sum = [](double amount) {
         return [amount](double value) { return std::isnan(value + amount) ? 0.0 : value + amount; };

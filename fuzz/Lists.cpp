@@ -13,7 +13,7 @@
 namespace corvale::fuzz {
 namespace lists {
 
-constexpr std::size_t kMost = 5000;  // lists have ways of their own from 257 and 4096 on
+constexpr std::size_t kMost = 5000;  // other algorithms take over from 257 and 4096 on
 
 // Bytes first, then what a generator makes of the last of them.
 class Values {

@@ -21,12 +21,12 @@ constexpr std::string_view kPieces[] = {
     ",",    "/",        "e308", "e-324",    "e-308",      "7",           "9007199254740993",
     "5e-1", "E+03",     "D-02", "\0"sv,     "1797693134", "86231570814", "2.4703282292062327"};
 
-// Pieces, or the decimals of a double, so many that they may end at the middle between two.
+// A text of pieces, or the decimals of a double, or of the midpoint between it and the next one.
 std::string_view AnyField(Choices& in, std::span<char> buffer) {
     if (in.Byte() % 4 != 0) return in.Text(kPieces, buffer);
     const int blanks = in.Byte() % 8, decimals = in.Byte() % 90;
     double value = in.Flip() ? in.Real() : std::bit_cast<double>(in.Raw<std::uint64_t>());
-    if (std::isnan(value)) value = 0.0;  // its sign in a sum is anyone's
+    if (std::isnan(value)) value = 0.0;  // the sign of a NaN sum is not specified
     const auto middle = (static_cast<long double>(value) + std::nextafter(value, 1e308)) / 2;
     const int size =
         in.Flip()

@@ -25,7 +25,7 @@ struct NamedTarget {
     void (*run)(Choices in);
 };
 inline constexpr NamedTarget kTargets[] = {
-#if !defined(_WIN32) && !defined(__wasi__)  // these make their files as POSIX does
+#if !defined(_WIN32) && !defined(__wasi__)  // these create their files with POSIX calls
     {"Cards", Cards},       {"Log", Log},
 #endif
     {"Numbers", Numbers},   {"FreeForm", FreeForm}, {"NumberText", NumberText},

@@ -54,7 +54,7 @@ void Buffers(Choices& in, const std::string& given) {
         wanted += given[i];
     }
     const bool stops = wanted.size() < std::min(count, given.size());
-    const std::string_view held =  // nothing beyond the count or the character that stops is read
+    const std::string_view held =  // ends where reading has to stop: nothing after that may be read
         gTextMemory.HoldView(given.substr(0, stops ? wanted.size() + 1 : count));
     const auto taken = stops ? n : std::min(n, static_cast<std::int32_t>(held.size()));
     const std::span<char> text = gResultMemory.Text(in.Below(100));

@@ -109,7 +109,8 @@ Explained ExplainMoic(const Line& line, const Card& card, FileContent& content) 
     return explained;
 }
 
-// Nothing that follows the keyword is looked at; some of it shows that this was not known.
+// The library ignores what follows the keyword; some texts there show that the author of the file
+// expected otherwise.
 void LookBehindKeyword(std::string_view line, std::string_view keyword, Explained& explained) {
     const std::string_view rest = line.substr(std::min(line.size(), keyword.size()));
 

@@ -1,5 +1,6 @@
-// Input of the program: files and standard input, a line at a time, byte for byte. The library takes
-// lines without their ends and cut to a width; who explains a file wants to see what was cut off.
+// Input of the program: files and standard input, a line at a time, byte for byte. The library
+// takes lines without their ends and cut to a width; to explain a file, what was cut off must be
+// seen, too.
 #pragma once
 
 #include <array>

@@ -1,5 +1,5 @@
-// The numbers of a QZ_MOIC card, read a second time to explain them: what the library reads without
-// a word, told with columns and reasons. Tests compare the two on random cards.
+// The numbers of a QZ_MOIC card, read a second time to explain them: what the library reads
+// silently, told with columns and reasons. Tests compare the two on random cards.
 #pragma once
 
 #include "Findings.hpp"

@@ -41,7 +41,7 @@ std::string Suggestion(std::string_view word, const std::vector<std::string>& na
     return nearest;
 }
 
-// `command` is the name of a command, or empty, with a blank before it.
+// `command` is the name of a command with a blank before it, or empty.
 int SayUsage(const std::string& command, const std::string& what) {
     std::cerr << "corvale" << command << ": " << what << "\nRun \"corvale" << command
               << " --help\" for more.\n";

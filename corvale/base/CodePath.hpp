@@ -41,7 +41,7 @@
 
 namespace corvale::internal {
 
-/// What every processor has that the library is built for.
+/// The baseline: what every processor has that the library is built for.
 struct BaselinePath {
     static constexpr std::size_t kVectorBytes = 16;
 };

@@ -37,7 +37,7 @@ bool IsBlank(Pieces pieces) noexcept {
     });
 }
 
-// The store takes one text: the beginning of the pieces is joined for it.
+// Joins as much of the pieces as the store holds, which takes one text.
 void StorePieces(Pieces pieces, MessageStore& store) noexcept {
     if (pieces.size() == 1) return store.Store(pieces.front());
     std::array<char, CorvaleTypes::MessageWidth> message;
@@ -65,8 +65,8 @@ void TraceLogError(std::string_view message) noexcept {
     internal::TraceErrorLine(std::array{internal::kErrorPrefix, message});
 }
 
-// Without a guard of its stack, which costs a line 2 % (bench: LogLine): the one array of the frame is
-// filled by ShortLine, which compares the length first.
+// Without the stack protector, which costs a line 2 % (bench: LogLine): the one array of the frame
+// is filled by ShortLine, which compares the length first.
 __attribute__((no_stack_protector)) void TraceLogInfo(std::string_view message) noexcept {
     const internal::ThreadLock guard(internal::InfoMessageMutex());
     WriteToLog({&message, 1});

@@ -58,7 +58,7 @@ std::int32_t SetBit(std::uint64_t* bits, std::uint32_t value) noexcept {
     return static_cast<std::int32_t>(old >> value % 64 & 1);
 }
 
-/// False without memory, as the next one.
+/// False if no memory could be allocated.
 bool ClearRepeatsByBits(std::int32_t* list, std::size_t count, const Span& span) noexcept {
     Bits bits(span.Words());
     if (bits.Data() == nullptr) return false;
@@ -135,7 +135,7 @@ std::int32_t Pack(std::int32_t* list, std::int32_t n) noexcept {
     return kept;
 }
 
-/// Null without memory, as the next one; else the end of the sorted values.
+/// Null if no memory could be allocated; else the end of the sorted values.
 std::int32_t* SortByBits(std::int32_t* list, std::size_t count, const Span& span) noexcept {
     Bits bits(span.Words());
     if (bits.Data() == nullptr) return nullptr;

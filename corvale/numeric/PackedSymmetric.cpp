@@ -20,8 +20,8 @@ using internal::TwoLanes;
 // bench/MatrixBench.cpp).
 constexpr std::size_t kBlockedOrder = 16;
 
-// The columns of a stripe lie in as many pages as the processor translates without a search, and a
-// cache line of each stays in the first-level cache while its rows are walked.
+// 64 columns: their pages fit the first-level TLB, and a cache line of each stays in the
+// first-level cache while the rows are walked.
 constexpr std::size_t kStripe = 64;
 constexpr std::size_t kNarrowStripe = 8;
 
@@ -35,7 +35,7 @@ constexpr std::size_t RowsAfter(std::size_t i, std::size_t r) noexcept {
     return r * i + r * (r + 1) / 2;
 }
 
-/// Columns that lie a multiple of 512 bytes apart share few places in the first-level cache.
+/// Columns that lie a multiple of 512 bytes apart compete for few sets of the first-level cache.
 constexpr bool SharePlaces(std::size_t columnStride) noexcept {
     return columnStride % 64 == 0;
 }
@@ -44,8 +44,8 @@ constexpr std::size_t StripeWidth(std::size_t columnStride) noexcept {
     return SharePlaces(columnStride) ? kNarrowStripe : kStripe;
 }
 
-/// One way between the two forms: how a block of the rows from i on and the columns from j on goes
-/// that lies below the diagonal, and one that lies on it, from row and column i on.
+/// One direction between the two forms. `Below` moves the block below the diagonal that begins at
+/// row i and column j, `Diagonal` the one on it that begins at row and column i.
 struct Pack {
     const double* square;
     std::size_t columnStride;
@@ -60,7 +60,7 @@ struct Pack {
         block.Turn();
         block.Store([=](std::size_t r) { return to + RowsAfter(i, r); });
     }
-    // Element by element: those above the diagonal are not to be read.
+    // Element by element, since those above the diagonal must not be read.
     template <class L>
     CORVALE_INLINE void Diagonal(std::size_t i) const noexcept {
         for (std::size_t r = i; r < i + L::kLanes; ++r)
@@ -95,7 +95,8 @@ struct Unpack {
         block.Turn();
         Store(block, i, j);
     }
-    // What a block has above the diagonal belongs to other rows; the turned one has it right.
+    // The elements of a block above the diagonal belong to other rows: they come from its
+    // transpose.
     template <class L>
     CORVALE_INLINE void Diagonal(std::size_t i) const noexcept {
         Block<L> block = Load<L>(i, i);
@@ -114,9 +115,9 @@ struct Unpack {
     }
 };
 
-/// Walks the lower triangle of order n >= kBlockedOrder in stripes of columns, in them in rows of
-/// blocks. The blocks end with the last row and column. Where the first rows and columns do not
-/// fill one, they are in two that overlap the others, and so is the first block of each row.
+/// Walks the lower triangle of order n >= kBlockedOrder in stripes of columns, and each stripe in
+/// rows of blocks. Blocks are aligned to the last row and column; where the first rows or columns
+/// do not fill a block, the first one overlaps the next.
 template <class L, class Way>
 CORVALE_INLINE void WalkTriangle(const Way& way, std::size_t n, std::size_t width) noexcept {
     constexpr std::size_t step = L::kLanes;

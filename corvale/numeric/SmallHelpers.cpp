@@ -15,7 +15,7 @@ constexpr double kOneThird = 0.3333333333333333;
 static_assert(kOneThird == 1.0 / 3.0);
 
 // The sum for |x| up to 0.01. The stop tests compare signed terms: for positive x the second term
-// is negative and ends it, for negative x the third. That is how the function is defined.
+// is negative and ends it, for negative x the third (kept behaviour).
 double SerExpSeries(double x) noexcept {
     const double square = 100.0 * (x * x);
     double term = 100.0 * x;

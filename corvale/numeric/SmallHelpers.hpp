@@ -30,7 +30,7 @@ namespace corvale::GenFunctions {
 
 /// (1 - exp(-100 x^2)) / x, also near 0, where it is 0.
 ///
-/// Facts of the format: beyond 0.75 it is 1/x, the exponential being below 4e-25. Up to 0.01 it is
+/// Kept behaviour: beyond 0.75 it is 1/x, the exponential being below 4e-25. Up to 0.01 it is
 /// a series whose stop tests look at signed terms: it ends after two terms for positive x
 /// (100 x - 5000 x^3), after up to three for negative x. What is left out is up to 4.2e-8 of the
 /// value for negative x, and up to 1.7e-5 for positive x.

@@ -111,7 +111,8 @@ bool IsUnnamed([[maybe_unused]] int descriptor, [[maybe_unused]] const struct st
 #endif
 }
 
-// An unnamed pipe, reached through a name like /dev/stdin, had its writer from the beginning.
+// Only a named pipe has to wait for its writer: an unnamed one, reached through a name like
+// /dev/stdin, had it from the beginning.
 bool IsNamedPipe(int descriptor, const struct stat& status) noexcept {
     return S_ISFIFO(status.st_mode) && !IsUnnamed(descriptor, status);
 }

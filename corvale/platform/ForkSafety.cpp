@@ -32,7 +32,7 @@ void InParent() noexcept {
     forkWork.fetch_sub(1, std::memory_order_relaxed);
 }
 void InChild() noexcept {
-    // 0: a handler of the program has called the library before this.
+    // 0 if a handler of the program has called the library before, which has renewed the locks.
     if (forkWork.load(std::memory_order_relaxed) != 0) StartInChild();
 }
 

@@ -18,8 +18,8 @@
 
 namespace corvale::internal {
 
-/// What a call has to attend to before it takes a lock: 1 as long as our handlers are not
-/// registered, and 1 for each fork that is under way. 0 almost always.
+/// How much a call has to attend to before it takes a lock: 1 as long as our handlers are not
+/// registered, plus 1 for each fork that is under way. Almost always 0.
 extern constinit std::atomic<std::int32_t> forkWork;
 void AttendToForks() noexcept;
 

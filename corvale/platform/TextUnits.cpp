@@ -87,8 +87,8 @@ Slot SlotAt(Block& block, std::size_t index) noexcept {
     return {&block.keys[index], &block.units[index], &block.readBuffers[index], index};
 }
 
-// The slot in which `number` is open, if any. Takes no lock: keys and blocks are published by one
-// store each, after what they lead to.
+// The slot in which `number` is open, if any. Takes no lock: a key or block is published by a
+// single store, after all that it leads to is written.
 Slot Find(std::int32_t number) noexcept {
     const Key wanted = KeyOf(number);
     if (standardOutputKey.load(std::memory_order_acquire) == wanted)

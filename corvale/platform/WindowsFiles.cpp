@@ -95,9 +95,9 @@ char LastByte(int file, LARGE_INTEGER size) noexcept {
     return isThere && ReadSome(file, {&last, 1}) == 1 ? last : '\0';
 }
 
-// True when the last byte of a file that is not empty is no line end, or is not to be known: rather
-// an empty line than two lines in one. The end of a line that another process is just writing moves;
-// one that stands still counts.
+// True if the file is not empty and its last byte is not a line end or cannot be read: better an
+// extra empty line than two joined ones. The end of a line that another process is just writing
+// moves; one that stands still counts.
 bool EndsInsideLine(int reader) noexcept {
     LONGLONG before = 0;
     for (int look = 0; look < kMostLooks; ++look) {

@@ -86,7 +86,8 @@ void WaitForRoom(int descriptor, int refusals) noexcept {
     const CancelHold hold;
     pollfd waiting = {descriptor, POLLOUT, 0};
     static_cast<void>(poll(&waiting, 1, kRoomWaitMs));
-    // It says that it has room and refuses all the same, or cannot be asked.
+    // poll() reports the pipe writable, but writes are refused all the same, or poll() itself
+    // fails.
     if (refusals > kMostRefusals) nanosleep(&kPause, nullptr);
 }
 

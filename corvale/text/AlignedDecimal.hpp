@@ -101,14 +101,14 @@ constexpr std::size_t kWidestAligned = 24;
 
 /// Where things are among sixteen characters, counted from 0.
 struct AlignedForm {
-    unsigned unused;    ///< so many at the front are no digits, the one for the point included
+    unsigned unused;    ///< leading characters that are no digits, plus 1 for a point
     unsigned pointEnd;  ///< the position after the point; 0 without one
     bool isNegative;
 };
 
-/// Finds the form of a field without an exponent; false where it has another one. Before the first
-/// digit or point, at `first`, all are blank but for a sign directly before it; one point at most,
-/// one digit at least. One condition, because each of its parts is nearly always the same.
+/// Finds the form of a field without an exponent: blanks, an optional sign, then digits with at
+/// most one point up to the end, at least one digit. False where the field has another form. All
+/// tests are one condition, because the outcome of each is nearly always the same.
 [[nodiscard]] inline bool FindForm(__m128i characters, __m128i values, AlignedForm& form) noexcept {
     const __m128i isDigit = _mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values);
     const auto digits = static_cast<unsigned>(_mm_movemask_epi8(isDigit));

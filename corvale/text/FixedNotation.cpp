@@ -42,7 +42,7 @@ struct Parts {
 };
 
 // A quotient by a power of two: the whole part, and the first 64 bits of what is dropped. The last
-// of them is 1 if any bit after them is.
+// of them is sticky: 1 if any bit after it is.
 struct Quotient {
     std::uint64_t whole;
     std::uint64_t dropped;

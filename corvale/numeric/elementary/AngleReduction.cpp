@@ -48,10 +48,12 @@ void FractionOfTurn(double x, TurnWords<kCount>& words) noexcept {
     }
 }
 
-// What beside the words of the remainder is known: they are a fraction of a turn in two's complement.
+// What is known of a remainder beside its words, which are a fraction of a turn in two's
+// complement.
 struct TurnStep {
     std::uint32_t step;
-    // All bits where the words are negative: makes them a magnitude that is a unit too small.
+    // All ones where the words are negative, else 0. "Exclusive or" with it makes them a magnitude,
+    // a negative one a unit too small.
     std::uint64_t turnOver;
     std::uint64_t sign;  // of the remainder of x, as the sign bit of a double
 };

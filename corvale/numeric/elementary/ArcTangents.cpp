@@ -101,7 +101,8 @@ struct SmallAngle {
     int exponent;
 };
 
-// Ratios below 2^-190 are as good as that where they are compared with their cube or with pi.
+// 2^exponent, but not below 2^-190: from there down a ratio's cube, and the ratio beside pi, no
+// longer count.
 double ScaleOf(int exponent) noexcept {
     return PowerOfTwo(std::max(exponent, -190));
 }
@@ -119,7 +120,7 @@ SmallAngle SmallAngleOf(double y, double x) noexcept {
     return {head, rest * inverse + ArcTangentTail(ratio * scale) / scale, exponent};
 }
 
-// From a turn of pi / 2 or pi a small angle forward or back.
+// The double nearest to a half or quarter turn plus or minus a small angle.
 double RoundedBeside(const HalfTurn& turn, const SmallAngle& angle, double y, double x) noexcept {
     const double factor = turn.sign * ScaleOf(angle.exponent);
     const DoubleDouble sum = FastTwoSum(turn.high, factor * angle.high);
@@ -194,7 +195,8 @@ double FiniteAngle(double y, double x) noexcept {
     return RoundedBeside(HalfTurnOf(x), SmallAngleOf(y, magnitude), y, x);
 }
 
-// What the fast phase leaves. Out of line, so that its values do not take registers.
+// For the arguments that the fast phase does not take. Out of line, so that its values do not take
+// registers.
 [[gnu::noinline]] double Otherwise(double y, double x) noexcept {
     if (std::isnan(y) || std::isnan(x)) return kNaN;
     const double magnitude = std::fabs(y);

@@ -42,8 +42,8 @@ constexpr internal::StepLength kStep = {0x1.62e42fefcp-8, -0x1.c610ca86c3899p-44
 constexpr double kTiny = 0x1p-54;
 // Up to here results are normal.
 constexpr double kFastLimit = 708.0;
-// From the first e^x is beyond the greatest double and half a unit, below the second it is less
-// than half of the least one.
+// From the first on e^x exceeds the greatest double by more than half a unit; below the second it
+// is less than half of the least double.
 constexpr double kOverflow = 709.79;
 constexpr double kUnderflow = -745.14;
 
@@ -89,7 +89,8 @@ double ExpSlowly(double x) noexcept {
     return internal::Decided([x](std::size_t width) noexcept { return WideExponential(x, width); });
 }
 
-// What is out of the range of the fast phase. Out of line, so that its own values stay in registers.
+// For arguments out of the range of the fast phase. Out of line, so that its own values stay in
+// registers.
 [[gnu::noinline]] double Otherwise(double x) noexcept {
     if (std::fabs(x) <= kTiny) return 1.0;
     if (x >= kOverflow) return std::numeric_limits<double>::infinity();

@@ -46,7 +46,7 @@ static_assert(4 * kQuarter == 1U << kStepBits && std::size(internal::kSines) == 
 constexpr internal::StepLength kStep = {0x1.921fb5444p-8, 0x1.68c234c4c6629p-47,
                                         0x1.45f306dc9c883p7};
 
-// Below the first |sin x| rounds to |x| and cos x to 1: x^2/6 and x^2/2 are less than half a unit.
+// Below this |sin x| rounds to |x| and cos x to 1: x^2/6 and x^2/2 are less than half a unit.
 constexpr double kTiny = 0x1p-27;
 constexpr double kFastLimit = 512.0;
 

@@ -3,9 +3,9 @@
 // Reals of 128, 256 or 512 bits: the accurate phase of the elementary functions computes with them
 // what the fast phase leaves undecided. Integers only, so the bits depend on nothing.
 //
-// A number of words, `width`, goes with every operation: kNarrow decides what is met by chance,
-// kMiddle what has been searched for, kWide is for what is conceivable. Words beyond `width` are
-// ignored and come out as 0.
+// A number of words, `width`, goes with every operation: kNarrow decides the arguments that are met
+// by chance, kMiddle the hardest ones that searches have found, and kWide is a reserve. Words
+// beyond `width` are ignored and come out as 0.
 //
 // Error      each operation truncates. A unit is 2^(exponent - 64 width) of its result: the last bit
 //
@@ -89,8 +89,7 @@ inline constexpr unsigned kErrorBits = 10;
 
 /// `value`(width), rounded to a double: with few words and, where those do not decide, with more.
 ///
-/// After 448 bits that are all alike nobody would know either: a result that lies exactly on a
-/// midpoint has to be dealt with before.
+/// A result that lies exactly on a midpoint would never be decided: callers deal with those first.
 template <typename Value>
 double Decided(Value value) noexcept {
     for (const std::size_t width : {kNarrow, kMiddle}) {

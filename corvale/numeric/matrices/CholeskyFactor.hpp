@@ -1,7 +1,8 @@
 // Internal to numeric/matrices/: not installed, may change in any commit.
 //
-// The factors: A = U'U, or A = U'DU without square roots. Rows of U are found kBlock at a time, in
-// each block first the terms of all rows above it, then panel by panel its own.
+// The factors: A = U'U, or A = U'DU without square roots. Rows of U are computed in blocks of
+// kBlock: first the terms of all rows above the block are added to its sums, then, panel by panel,
+// those of the block itself.
 #pragma once
 
 #include <corvale/numeric/matrices/CholeskyPanels.hpp>
@@ -80,7 +81,7 @@ struct Factor {
             }
     }
 
-    /// Four rows of U beside the diagonal.
+    /// Four rows of U in a tile right of the diagonal.
     CORVALE_INLINE static void Rows(const CholeskyWork& work, std::size_t k, std::size_t lane,
                                     Tile<L>& sums, const double* given) noexcept {
 #pragma GCC unroll 4
@@ -118,7 +119,7 @@ struct Factor {
                 Keep(work, k + r, lane + h * L::kLanes, u);
                 kept[h] = u;
             }
-            // Only when both halves are stored: the factors of the rows below lie in either.
+            // After both halves are stored, since the rows below take factors from either.
 #pragma GCC unroll 2
             for (std::size_t h = 0; h < 2; ++h) AddToRowsBelow(work, k, r, h, kept[h], sums);
         }
@@ -144,7 +145,7 @@ struct Factor {
         }
     }
 
-    /// The term of row k + r in the sums of the tile's later rows.
+    /// Adds the term of row k + r to the sums of the tile's later rows.
     CORVALE_INLINE static void AddToRowsBelow(const CholeskyWork& work, std::size_t k,
                                               std::size_t r, std::size_t h, const V& u,
                                               Tile<L>& sums) noexcept {

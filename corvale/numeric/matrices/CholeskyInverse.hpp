@@ -1,9 +1,10 @@
 // Internal to numeric/matrices/: not installed, may change in any commit.
 //
-// The inverse from the factors: W = U^-1, then W W' (W D^-1 W'). A tile's rows do not begin at the
-// same step; the terms before a row begins are an exact zero times a factor, so they change nothing
-// as long as the factors are finite. Where U is not, the sums
-// are formed one by one; where only W is not, W stays and its product takes every term in.
+// The inverse from the factors: W = U^-1, then W W' (W D^-1 W'). The rows of a tile begin at
+// different steps; what is added before a row begins is an exact zero times a factor, which changes
+// nothing as long as the factors are finite. If an element of U is not, the elements of W are
+// computed one by one. If only W has such an element, W is kept and its product includes the terms
+// with a zero, so that 0 times infinity gives NaN as in the plain sum.
 #pragma once
 
 #include <corvale/numeric/matrices/CholeskyPanels.hpp>
@@ -85,7 +86,7 @@ struct InvertFactor {
     }
 };
 
-/// W sum by sum, with all its zeros, for factors that are not finite.
+/// W element by element, with all its zeros, for factors that are not finite.
 template <class L, bool rootFree>
 struct InvertFactorPlainly {
     CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
@@ -103,7 +104,7 @@ struct InvertFactorPlainly {
     }
 };
 
-/// Writes the zeros of W that the panels leave out, and what they are in W D^-1.
+/// Writes the zeros of W that the panels leave out, and the same elements of W D^-1.
 template <class L, bool rootFree>
 struct FillZeros {
     CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {
@@ -130,7 +131,7 @@ struct AllFinite {
         }
         return IsZero(sum);
     }
-    // Zero times a finite number is a zero, times any other NaN.
+    // Adds each element times zero: a zero for a finite element, NaN for any other.
     CORVALE_INLINE static void Add(const double* from, std::size_t count, V& sum) noexcept {
         for (std::size_t k = 0; k < count; ++k, from += L::kPanel)
             sum += At<V>(from) * 0.0 + At<V>(from + L::kLanes) * 0.0;
@@ -142,8 +143,8 @@ struct AllFinite {
     }
 };
 
-/// The product of W with its transpose, or of W D^-1, written over U. `wholeRows` takes the
-/// zeros in too.
+/// The product of W with its transpose, or of W D^-1, written over U. With `wholeRows` the terms
+/// with a zero are added, too.
 template <class L>
 struct Product {
     CORVALE_INLINE void operator()(const CholeskyWork* work, bool wholeRows) const noexcept {
@@ -211,7 +212,7 @@ struct MultiplyAndWrite {
     }
 };
 
-/// All of it, once the factors are there.
+/// The whole inverse, from the factors.
 template <class L, bool rootFree>
 struct Invert {
     CORVALE_INLINE void operator()(const CholeskyWork* work) const noexcept {

@@ -26,8 +26,9 @@ struct CholeskyWork {
     double* y;                     // the solution halfway, in the end the solution
 };
 
-// Long sums stop every kChunk steps and are put aside, and kBlock of them are taken together: so
-// one panel stays in the first-level cache and those it is multiplied by in the second.
+// Cache blocking: kBlock rows of sums are advanced together, kChunk steps at a time, and stored in
+// between. So the chunk of one panel stays in the first-level cache, and the panels that it is
+// multiplied by in the second.
 constexpr std::size_t kBlock = 64;
 constexpr std::size_t kChunk = 256;
 

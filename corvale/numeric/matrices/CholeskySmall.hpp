@@ -1,8 +1,8 @@
 // Internal to numeric/matrices/: not installed, may change in any commit.
 //
-// Both solvers for small orders: rows and columns padded to `width` doubles, the whole of one held
-// in registers, everything in the frame of the call (Cholesky/3 to /12 in bench/MatrixBench.cpp:
-// half to a third of the time of the panels).
+// Both solvers for small orders: rows and columns are padded to `width` doubles, one of them at a
+// time is held in registers, and the work memory is in the frame of the call (Cholesky/3 to /12 in
+// bench/MatrixBench.cpp: half to a third of the time of the panels).
 #pragma once
 
 #include <corvale/numeric/matrices/CholeskyPanels.hpp>
@@ -27,7 +27,7 @@ struct SolveSmall {
     };
     using Rows = Row[width];
 
-    // Elements of all rows are also read one by one.
+    // A row as an array, of which single elements are read.
     CORVALE_INLINE static const double* Of(const Row& row) noexcept {
         return reinterpret_cast<const double*>(row.v);
     }
@@ -191,8 +191,8 @@ struct SolveSmall {
     }
 };
 
-/// The width for an order that does not fit in four: with two lanes one width serves all of them,
-/// for the size of the library.
+/// For orders above four. With two lanes one width serves all of them, which keeps the library
+/// small.
 template <class L, bool rootFree>
 CORVALE_INLINE bool SolveSmallOrder(const SmallSystem* system) noexcept {
     if (system->n <= 4) return CallOnPath<L, SolveSmall<L, 4, rootFree>>(system);

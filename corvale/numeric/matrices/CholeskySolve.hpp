@@ -80,7 +80,7 @@ struct Solve {
         }
     }
 
-    /// The terms of a panel's columns, last to first, in the sums of as many rows as there are
+    /// Adds the terms of a panel's columns, last to first, to the sums of as many rows as there are
     /// lanes.
     CORVALE_INLINE static void AddColumns(const double* rows, const double* x,
                                           double* sums) noexcept {

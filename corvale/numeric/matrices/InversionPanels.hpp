@@ -1,15 +1,18 @@
 // Internal to numeric/matrices/: not installed, may change in any commit.
 //
-// Gauss-Jordan elimination for large orders. The matrix lies in panels of rows (VectorTiles.hpp;
-// the columns are the steps of a panel). Some steps are first made on their own columns alone, and
-// then, one after the other, on every tile of the other columns while it is held in registers:
+// Gauss-Jordan elimination for large orders, with delayed updates. The matrix lies in panels of rows
+// (VectorTiles.hpp; the columns are the steps of a panel). A group of steps is first made on its own
+// columns alone; then every tile of the other columns is loaded once, takes all steps of the group in
+// their order, and is stored.
 //
-//     what row p(s) of a column holds when step s begins, t(s), is found for all these steps before
-//     anything else: t(s) = R(p(s)) - w(0) t(0) - ... - w(s-1) t(s-1), the w taken in row p(s);
-//     row p(s) then goes on from 0, with zeros for its w in the steps up to there.
+// A step subtracts w(s) t(s), t(s) being what the column holds in the pivot row p(s) when step s
+// begins. So the t of the whole group come first, by forward substitution in the pivot rows:
 //
-// A zero w changes nothing as long as t is finite. Where one is not, the work is given up and done
-// again step by step.
+//     t(s) = R(p(s)) - w(0) t(0) - ... - w(s-1) t(s-1), with the w of row p(s)
+//
+// Step s leaves 0 in row p(s) before its own product. In the tiles the row therefore starts from 0,
+// with a w of 0 for the steps before s, which change nothing as long as their t are finite. Where a t
+// is not, the work is given up and done again step by step.
 #pragma once
 
 #include <corvale/numeric/matrices/InversionSteps.hpp>
@@ -18,10 +21,12 @@
 
 namespace corvale::internal {
 
-// Steps made on their own columns at once, and steps that are taken to all other columns together.
+// How many steps are made on their own columns at once, and how many are then applied to all other
+// columns together.
 constexpr std::size_t kInnerSteps = 8;
 constexpr std::size_t kOuterSteps = 32;
-// Columns that are taken through a group of steps together: their t stay in the second-level cache.
+// How many columns a group of steps is applied to at a time: their t stay in the second-level
+// cache.
 constexpr std::size_t kColumns = 512;
 
 struct InversionWork {
@@ -126,7 +131,7 @@ struct InvertByPanels {
         }
     }
 
-    /// Takes the steps `first` to `end` of the group to the columns from `column` to `columnEnd`.
+    /// Applies the steps `first` to `end` of the group to the columns from `column` to `columnEnd`.
     /// False where a t is not finite.
     struct TakeStepsToColumns {
         CORVALE_INLINE bool operator()(const InversionWork* work, std::size_t first,

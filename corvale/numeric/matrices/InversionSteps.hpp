@@ -5,8 +5,8 @@
 // looked at.
 //
 // In a step with pivot row p and q = 1 / pivot, the pivot's own column becomes w(i) = R(i) q with
-// w(p) = q, and every other column R(i) - w(i) t, t being its element in row p, which counts as 0
-// itself.
+// w(p) = q, and every other column R(i) - w(i) t, t being its element in row p, for which R(p)
+// counts as 0.
 #pragma once
 
 #include <corvale/numeric/matrices/VectorTiles.hpp>
@@ -83,7 +83,8 @@ CORVALE_INLINE std::size_t TakePivot(const double* column, std::size_t k,
     return row;
 }
 
-/// One step on `count` columns, `own` being the pivot's; `w` gets a copy of what becomes of that.
+/// One step on `count` columns. `own` is the index of the pivot's column, of which `w` receives a
+/// copy after the step.
 template <class L>
 CORVALE_INLINE void Eliminate(double* columns, std::size_t length, std::size_t count,
                               std::size_t own, std::size_t row, double* w) noexcept {
