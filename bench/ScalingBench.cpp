@@ -119,9 +119,8 @@ void AddTexts() {
         [](Line& in, Line&) { benchmark::DoNotOptimize(str::IsBlankOrNull(in)); }, true);
 }
 
-// A row of that many fields. It makes no more than 512 characters of its row, so that rows of
-// values end where rows of zeros, which leave only their commas, go on. What is compressed is a fresh
-// copy each time.
+// Rows of that many fields, a fresh copy for each call. A compressed row ends at 512 characters: rows
+// of values reach that, rows of zeros, of which only the commas stay, hardly do.
 void Csv(benchmark::State& state, const char* field) {
     std::string row;
     for (std::int64_t k = 0; k < state.range(0); ++k) row += field;

@@ -43,7 +43,7 @@ void InPlace(std::size_t kind, const std::string& given) {
                given.find_first_not_of(' ') == std::string::npos ? 1 : 0, "IsBlankOrNull");
 }
 
-// A buffer of characters whose count is what is held, `n`, or less where a character stops it.
+// Buffers of `n` characters, in and out; a buffer that goes in may end at a character that stops it.
 void Buffers(Choices& in, const std::string& given) {
     const auto n = static_cast<std::int32_t>(in.Below(90)) - 8;
     const auto count = static_cast<std::size_t>(std::max(n, 0));

@@ -199,8 +199,8 @@ int LowerCaseLines(const FilterOptions& options) {
     });
 }
 
-// The library's result is as wide as the text, which is therefore made wide enough first. It is
-// filled with NULs: no argument of a command line holds one, so that the pattern is not found there.
+// The library's result is as wide as its text, so the text is first widened until the result fits.
+// What is added are NULs: no argument of a command line holds one, so the pattern is not found there.
 int ReplaceInLines(const std::string& pattern, const std::string& replacement,
                    const FilterOptions& options) {
     return RunFilter("replace", options, [&](std::string_view line) -> Converted {

@@ -38,7 +38,8 @@ using internal::RoundedEnds;
 
 // The error of the fast phase relative to the angle of |x|; proofs/elementary/.
 constexpr double kError = 0x1.4p-68;
-// Near 1 the series loses most: an error relative to the root times its square, and one to the root.
+// The errors near 1, where the series loses most: the first is relative to the cube of the root, the
+// second to the root.
 constexpr double kNearOneError = 0x1p-50;
 constexpr double kRootError = 0x1p-73;
 

@@ -36,7 +36,7 @@ bool IsDecided(const WideReal& difference, std::int64_t exponent, std::size_t wi
 
 constexpr WideReal kLogTwo = {kLogarithmOfTwo, 0, false};
 
-// A difference of a certain width, and the exponent above its terms.
+// A difference, and the exponent that bounds its terms: both are below 2^exponent.
 struct Comparison {
     WideReal difference;
     std::int64_t exponent;
