@@ -11,7 +11,7 @@ is one of
     ok VALUE...    what comes out, commas or blanks apart: integers as digits, reals and texts as above,
                    a character as a text of one byte; bytes are Latin-1
     failed TEXT    the language's error for status 2, with its message
-    refused        the language's error for a bad argument
+    refused        the language's usual error for a bad argument; before the name of another one's class
     unloaded TEXT  the language's error for a library that cannot be loaded, with its reason
 """
 import ast
@@ -69,8 +69,9 @@ class Case:
     def __init__(self, name, given, outcome):
         self.name, self.given, self.sent = name, given, " ".join([name, *given])
         self.says, _, text = outcome.partition(" ")
+        self.error = text.lower()
         if self.says in ("refused", "unloaded"):
-            self.answer = self.says
+            self.answer = outcome.lower()
         elif self.says in ("done", "uncalled"):
             self.answer = "ok"
         elif self.says in ("fails", "begins"):
@@ -89,7 +90,8 @@ class Case:
 
     def has_reason(self, reason):
         """The loader's reason names the library or a function; without Open there is no loader."""
-        return self.name != "Open" or any(name in reason for name in ["no-such.so", *FUNCTIONS])
+        names = ["no-such.so", *FUNCTIONS]
+        return self.error in reason.lower() and (self.name != "Open" or any(name in reason for name in names))
 
     def calls(self):
         """The lines that recorder.py writes."""

@@ -110,8 +110,11 @@ internal static class RunCases
         var words = line.Split(' ', ',');
         try { return $"ok {Calls[words[0]](new Given(words.Skip(1)))}".TrimEnd(); }
         catch (CorvaleException failure) { return $"failed {Text(failure.Message)}"; }
-        catch (ArgumentException) { return "refused"; }
-        catch (TypeLoadException reason) { return $"unloaded {Text(reason.Message)}"; } // of both that Loader throws
+        catch (ArgumentException refusal)
+        {
+            return refusal.GetType() == typeof(ArgumentException) ? "refused" : $"refused {refusal.GetType().Name}";
+        }
+        catch (TypeLoadException reason) { return $"unloaded {Text(reason.GetType().Name + ": " + reason.Message)}"; }
     }
 
     private static void Main()

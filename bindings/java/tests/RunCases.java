@@ -135,7 +135,8 @@ final class RunCases {
         } catch (CorvaleException failure) {
             return "failed " + text(failure.getMessage());
         } catch (IllegalArgumentException refusal) {
-            return "refused";
+            boolean isUsual = refusal.getClass() == IllegalArgumentException.class;
+            return isUsual ? "refused" : "refused " + refusal.getClass().getSimpleName();
         } catch (UnsatisfiedLinkError reason) {
             return "unloaded " + text(reason.getMessage());
         }

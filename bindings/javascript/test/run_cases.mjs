@@ -69,7 +69,8 @@ export function runCases(open, CorvaleError) {
       console.log('ok', name === 'Open' ? '' : CALLS[name](corvale, ...given) ?? '');
     } catch (error) {
       if (error instanceof CorvaleError) console.log('failed', text(error.message));
-      else if (error instanceof TypeError || error instanceof RangeError) console.log('refused');
+      else if (error instanceof TypeError) console.log('refused');
+      else if (error instanceof RangeError) console.log('refused RangeError');
       else if (name === 'Open') console.log('unloaded', text(error.message));
       else throw error;
     }

@@ -67,7 +67,9 @@ for line in sys.stdin:
         print("ok", "" if result is None else encoded(result))
     except CorvaleError as failure:
         print("failed", encoded(str(failure)))
-    except (ValueError, OverflowError, TypeError):
+    except (ValueError, TypeError):
         print("refused")
+    except OverflowError:
+        print("refused OverflowError")
     except OSError as reason:
         print("unloaded", encoded(str(reason)))
