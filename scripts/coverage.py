@@ -20,7 +20,7 @@ import sys
 
 def library_file(name):
     """The path within the checkout of a file of the library; nothing for any other."""
-    path = os.path.normpath(name)
+    path = os.path.normpath(name.rpartition("/./")[2])  # ccache puts the folder of the build in front
     return path if path.startswith("corvale/") else None
 
 

@@ -27,10 +27,7 @@ namespace corvale::internal {
 
 template <std::unsigned_integral Word>
 [[nodiscard]] constexpr Word ReverseBytes(Word word) noexcept {
-    if constexpr (sizeof word == 8) return __builtin_bswap64(word);
-    if constexpr (sizeof word == 4) return __builtin_bswap32(word);
-    if constexpr (sizeof word == 2) return __builtin_bswap16(word);
-    return word;
+    return static_cast<Word>(__builtin_bswap64(word) >> (64 - 8 * sizeof word));
 }
 
 /// Turns a native word into a little one and back.

@@ -37,7 +37,9 @@ struct Columns {
     std::uint64_t first, second;
 };
 
-constexpr Columns MaskOf(std::string_view keyword) noexcept {
+template <std::size_t Row>
+consteval Columns MaskOf() noexcept {
+    constexpr std::string_view keyword = kCards[Row].keyword;
     constexpr std::uint64_t letter = 0xDF, other = 0xFF;
     Columns mask{};
     for (std::size_t i = 0; i < keyword.size(); ++i) {
@@ -47,7 +49,9 @@ constexpr Columns MaskOf(std::string_view keyword) noexcept {
     return mask;
 }
 
-constexpr Columns ColumnsOf(std::string_view keyword) noexcept {
+template <std::size_t Row>
+consteval Columns ColumnsOf() noexcept {
+    constexpr std::string_view keyword = kCards[Row].keyword;
     Columns columns{};
     for (std::size_t i = 0; i < keyword.size(); ++i)
         (i < 8 ? columns.first : columns.second) |=
@@ -82,8 +86,8 @@ void Apply(std::string_view line, internal::MoicCards& moicCards) noexcept {
 template <std::size_t Row>
 bool ApplyIf(std::string_view line, const Columns& columns,
              internal::MoicCards& moicCards) noexcept {
-    constexpr Columns mask = MaskOf(kCards[Row].keyword);
-    constexpr Columns keyword = ColumnsOf(kCards[Row].keyword);
+    constexpr Columns mask = MaskOf<Row>();
+    constexpr Columns keyword = ColumnsOf<Row>();
     const bool isCard = (columns.first & mask.first) == keyword.first &&
                         (columns.second & mask.second) == keyword.second;
     if (isCard) Apply<Row>(line, moicCards);

@@ -82,9 +82,9 @@ T* RadixSort(T* data, T* other, std::size_t count, std::uint32_t greatest) noexc
     if (bits <= twoDigits || count > std::size_t{1} << twoDigits >> kSpareBits)
         return SortByDigits(data, other, count, 0, bits);
 
-    T* sorted = SortByDigits(data, other, count, bits - twoDigits, bits);
-    if (InsertFew(sorted, count)) return sorted;
-    return SortByDigits(sorted, sorted == data ? other : data, count, 0, bits);
+    SortByDigits(data, other, count, bits - twoDigits, bits);  // two passes: they end in `data`
+    if (InsertFew(data, count)) return data;
+    return SortByDigits(data, other, count, 0, bits);
 }
 
 }  // namespace corvale::internal

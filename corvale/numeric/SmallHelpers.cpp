@@ -80,7 +80,7 @@ const double* LowerBound(const double* first, const double* last, double value) 
 std::int32_t AmongEquals(const double* table, std::int32_t guess, std::int32_t first,
                          double value) noexcept {
     if (table[guess] < value) return first + 1;
-    if (table[guess] == value) return table[guess + 1] == value ? guess + 2 : guess + 1;
+    if (table[guess] == value) return guess + 2;  // the next one is equal, too: else it was found
     return static_cast<std::int32_t>(std::upper_bound(table + first, table + guess, value) - table);
 }
 

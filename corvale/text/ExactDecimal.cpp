@@ -57,11 +57,10 @@ struct Decimal {
     std::int64_t exponent = 0;
 };
 
-// All digits of `number` from the first other than 0 on: the exponent of the first 19, which the
+// All digits of `number`, a truncated one, from the first other than 0 on: the exponent of the first 19, which the
 // scan has found, less one for each of the others.
 Decimal AllDigits(const ScannedReal& number) noexcept {
-    if (!number.isTruncated) return {WholeNumber(number.digits), number.exponent};
-    assert(number.mantissa.size() <= kLongestMantissa);
+    assert(number.isTruncated && number.mantissa.size() <= kLongestMantissa);
     Decimal all;
     std::int64_t count = 0;
     for (const char c : number.mantissa) {

@@ -42,7 +42,7 @@ std::uint64_t RoundToBits(std::uint64_t high, bool hasTail, int exponent) noexce
     if (biased < 1) {  // subnormal: the significand has leading zeros
         const int zeros = 1 - biased;
         if (zeros > 63) return 0;
-        hasTail = hasTail || high << (64 - zeros) != 0;
+        hasTail = true;  // 19 digits times a power below 10^-300 are no multiple of 2^-1075
         high >>= zeros;
         biased = 1;
     }

@@ -55,14 +55,19 @@ std::string Invert(Inverter invert, std::int32_t rows) {
                    });
 }
 
-std::string SortIntegers() {
-    std::vector<std::int32_t> wanted(1000);
+void SortAscending(std::int32_t* list, std::int32_t& n) {
+    GenFunctions::ISort(1, list, n);
+}
+
+// Lists of 9,000 with repeats, whose values lie `spacing` apart: near each other a bitmap holds them.
+std::string ThinOut(void (*change)(std::int32_t* list, std::int32_t& n), std::int32_t spacing) {
+    std::vector<std::int32_t> wanted(9000);
     for (std::size_t i = 0; i < wanted.size(); ++i)
-        wanted[i] = static_cast<std::int32_t>(i * 7919 % 997);
+        wanted[i] = static_cast<std::int32_t>(i * 7919 % 8999 + 1) * spacing;
     std::vector<std::int32_t> found = wanted;
-    std::int32_t n = 1000, foundCount = 1000;
-    GenFunctions::ISort(1, wanted.data(), n);
-    Disturbed([&] { return GenFunctions::ISort(1, found.data(), foundCount), 0; });
+    std::int32_t n = 9000, foundCount = 9000;
+    change(wanted.data(), n);
+    Disturbed([&] { return change(found.data(), foundCount), 0; });
     return wanted == found && n == foundCount ? "same" : "other";
 }
 
@@ -152,7 +157,10 @@ std::vector<Operation> MemoryOperations(const TemporaryFolder& folder) {
         {"MtxInv", [] { return Invert(GenFunctions::MtxInv, kOrder); }, "same", "NaN"},
         {"MtxInv, not square", [] { return Invert(GenFunctions::MtxInv, 20); }, "same", "NaN"},
         {"MInv", [] { return Invert(GenFunctions::MInv, kOrder); }, "same", "NaN"},
-        {"ISort", SortIntegers, "same"},
+        {"ISort of a dense list", [] { return ThinOut(SortAscending, 1); }, "same"},
+        {"ISort of a sparse list", [] { return ThinOut(SortAscending, 200000); }, "same"},
+        {"IDupe of a dense list", [] { return ThinOut(GenFunctions::IDupe, 1); }, "same"},
+        {"IDupe of a sparse list", [] { return ThinOut(GenFunctions::IDupe, 200000); }, "same"},
         {"QuickSortIterative", [&] { return SortKeys(folder); }, "sorted",
          "1 Error allocating 4000 bytes\\|"},
         {"NamedLock", TakeLock, "free", "", 1},

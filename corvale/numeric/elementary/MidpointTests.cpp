@@ -87,10 +87,9 @@ WideReal LogarithmOfRatio(const WideReal& q, std::size_t width) noexcept {
     const WideReal square = Multiply(q, q, width);
     const WideReal one = WideFromInteger(1, 0);
     WideReal sum{};
-    for (std::uint32_t n = 19; n >= 1; n -= 2) {
+    for (const std::uint32_t n : {19U, 17U, 15U, 13U, 11U, 9U, 7U, 5U, 3U, 1U}) {
         const WideReal term = Normalised(Quotient(one.fraction, n, width), one.exponent, width);
         sum = Add(term, Multiply(square, sum, width), width);
-        if (n == 1) break;
     }
     return TimesPowerOfTwo(Multiply(q, sum, width), 1);
 }

@@ -3,8 +3,8 @@
 // Reals of 128, 256 or 512 bits: the accurate phase of the elementary functions computes with them
 // what the fast phase leaves undecided. Integers only, so the bits depend on nothing.
 //
-// A number of words, `width`, goes with every operation: kNarrow decides the arguments that are met
-// by chance, kMiddle the hardest ones that searches have found, and kWide is a reserve. Words
+// A number of words, `width`, goes with every operation: kNarrow decides what is met by
+// chance, kMiddle what is known to be possible (docs/elementary.md), and kWide is a reserve. Words
 // beyond `width` are ignored and come out as 0.
 //
 // Error      each operation truncates. A unit is 2^(exponent - 64 width) of its result: the last bit
