@@ -122,11 +122,11 @@ def beginning(words):
 
 
 def procedures_of(rest):
-    """{name: what it does} of a header's code; a comment may stand behind the declaration."""
-    behind = re.findall(r"CORVALE_API [^/\n]*?(\w+)\([^/\n]*;\s*///< (.*)$", rest, re.M)
+    """{name: what it does} of a header's code; a comment may follow the declaration."""
+    after = re.findall(r"CORVALE_API [^/\n]*?(\w+)\([^/\n]*;\s*///< (.*)$", rest, re.M)
     before = [(piece.name, headers.blocks(piece.comment)[0].words()) for piece in headers.split(rest)
               if isinstance(piece, headers.Declaration) and re.search(r"CORVALE_API [^(]*\(", piece.code)]
-    return {name: beginning(words) for name, words in before + behind}
+    return {name: beginning(words) for name, words in before + after}
 
 
 def procedures():
