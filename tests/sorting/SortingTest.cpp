@@ -73,6 +73,16 @@ TEST(QuickSortIterativeDeathTest, StopsWithoutMemory) {
 }
 #endif
 
+// Once its first list is reversed, nothing is left to merge.
+TEST(QuickSortIterative, ReversesAListBeforeGreaterKeys) {
+    std::mt19937_64 random(1);
+    for (const std::size_t n : kSizes) {
+        std::vector<Key> keys = reference::MakeKeys(Pattern::Sorted, n, random);
+        std::reverse(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(n / 3));
+        EXPECT_TRUE(test::SortsRight(keys)) << n;
+    }
+}
+
 struct PartitionCase {
     const char *keys, *result, *companion;
     std::int32_t low, high, position;
