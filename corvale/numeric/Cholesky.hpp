@@ -1,7 +1,8 @@
 // Cholesky: solve A x = b for a symmetric A, and invert A, by triangular factors.
 //
 // `Cholesky` takes square roots and serves positive definite matrices; `Cholesky2` takes none and
-// serves every symmetric matrix whose pivots differ from zero, definite or not. For both:
+// serves every symmetric matrix whose pivots differ from zero, definite or not. `CholeskyEach` and
+// `Cholesky2Each` do the same for many systems of one order, several at a time. For all:
 //
 // Units      any, as long as those of `b`, `x` and the two matrices fit together
 // Shape      `a` and `inverse` n by n, column by column, element (i,j) at position (j-1) n + i;
@@ -18,10 +19,11 @@
 //            of the back substitution in decreasing. That an element is a NaN is the same
 //            everywhere, its sign and payload are not promised
 //
-// Cholesky  Cholesky2
+// Cholesky  Cholesky2  CholeskyEach  Cholesky2Each
 #pragma once
 
 #include <corvale/base/Module.hpp>
+#include <corvale/numeric/Views.hpp>
 
 #include <cstdint>
 
@@ -44,5 +46,27 @@ CORVALE_API void Cholesky(const double* a, const double* b, std::int32_t n, doub
 /// Bad input  a D(k) of zero gives NaN or infinities, which spread; an indefinite A is no bad input
 CORVALE_API void Cholesky2(const double* a, const double* b, std::int32_t n, double* inverse,
                            double* x) noexcept;
+
+/// `Cholesky` for each matrix of `a` with the vector of `b` that has its number. Up to order 16 at a
+/// multiple of its speed; what one matrix holds changes neither speed nor results of the others.
+///
+/// Shape      matrices and vectors with any strides and distances; the order is the rows of `a`, the
+///            count that of `a`
+/// Bad input  nothing is written where `a` is not square or has no elements, where `inverse`, `b` or
+///            `x` are smaller, or where there are fewer of them; without memory for the work above
+///            order 16 every result is NaN
+/// Aliasing   a result may overlap `a` and `b` of its own number in any way, not those of another
+/// Exactness  each result has the bits that `Cholesky` gives
+CORVALE_API void CholeskyEach(MatrixSeries<const double> a, VectorSeries<const double> b,
+                              MatrixSeries<double> inverse, VectorSeries<double> x) noexcept;
+
+/// `Cholesky2` for each matrix, as `CholeskyEach` is `Cholesky`.
+///
+/// Shape      as there
+/// Bad input  as there
+/// Aliasing   as there
+/// Exactness  each result has the bits that `Cholesky2` gives
+CORVALE_API void Cholesky2Each(MatrixSeries<const double> a, VectorSeries<const double> b,
+                               MatrixSeries<double> inverse, VectorSeries<double> x) noexcept;
 
 }  // namespace corvale::GenFunctions

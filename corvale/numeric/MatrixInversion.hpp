@@ -1,8 +1,8 @@
 // Matrix inversion: Gauss-Jordan elimination of a general square matrix.
 //
 // `MtxInv` picks the largest pivot of each column; `MInv` takes the diagonal elements as they come.
-// Neither applies a tolerance: a matrix that is singular but for rounding gives huge elements. For
-// both:
+// Neither applies a tolerance: a matrix that is singular but for rounding gives huge elements.
+// `MtxInvEach` and `MInvEach` do the same for many matrices of one shape, several at a time. For all:
 //
 // Units      the elements of `result` have the reciprocal unit of those of `a`
 // Shape      `a` r by c, any strides; `result` at least r by c, of which r by c are written
@@ -16,7 +16,7 @@
 //            for every stride: one fixed order of operations each, no fused operations. That an
 //            element is a NaN is the same everywhere, its sign and payload are not promised
 //
-// MtxInv  MInv
+// MtxInv  MInv  MtxInvEach  MInvEach
 #pragma once
 
 #include <corvale/base/Module.hpp>
@@ -36,5 +36,22 @@ CORVALE_API void MtxInv(MatrixView<const double> a, MatrixView<double> result) n
 /// Bad input  not square, or a pivot of exactly zero: all zeros. A NaN pivot is taken like any
 /// other
 CORVALE_API void MInv(MatrixView<const double> a, MatrixView<double> result) noexcept;
+
+/// `MtxInv` for each matrix of `a`. Square ones up to order 16 at a multiple of its speed; what one
+/// matrix holds changes neither speed nor results of the others.
+///
+/// Shape      matrices with any strides and distances; the count is that of `a`
+/// Bad input  fewer matrices in `result` than in `a`: nothing is written; otherwise as `MtxInv`
+/// Aliasing   a result may overlap the matrix of its own number in any way, not another one
+/// Exactness  each result has the bits that `MtxInv` gives
+CORVALE_API void MtxInvEach(MatrixSeries<const double> a, MatrixSeries<double> result) noexcept;
+
+/// `MInv` for each matrix, as `MtxInvEach` is `MtxInv`.
+///
+/// Shape      as there
+/// Bad input  fewer matrices in `result` than in `a`: nothing is written; otherwise as `MInv`
+/// Aliasing   as there
+/// Exactness  each result has the bits that `MInv` gives
+CORVALE_API void MInvEach(MatrixSeries<const double> a, MatrixSeries<double> result) noexcept;
 
 }  // namespace corvale::GenFunctions

@@ -1,4 +1,4 @@
-// Views: vectors and matrices that lie anywhere in memory, counted from 1.
+// Views: vectors and matrices that lie anywhere in memory, counted from 1, and series of them.
 //
 // A view names elements that belong to someone else: the first one, how many there are, and how
 // far it is from one to the next. Copying a view copies no element. The writable view converts to
@@ -8,6 +8,7 @@
 //     MatrixView<double> whole(m, 2, 3);          // whole(2, 1) is m[1]
 //     MatrixView<double> turned(m, 3, 2, 2, 1);   // its transpose: turned(1, 2) is m[1]
 //     VectorView<double> back(m + 5, 6, -1);      // back(1) is m[5]
+//     MatrixSeries<double> pair(m, 1, 3, 2);      // two matrices of 1 row and 3 columns
 //
 // Shape      strides count elements, not bytes, and may be negative or zero; an extent below 0
 //            counts as 0. Where elements of a view that is written share an address, it holds one of
@@ -15,7 +16,7 @@
 // Bad input  nothing is checked: an index outside the extents reads outside the view
 // Threads    a view is a value: any number of threads at once
 //
-// VectorView  MatrixView
+// VectorView  MatrixView  VectorSeries  MatrixSeries
 #pragma once
 
 #include <cstddef>
@@ -108,6 +109,89 @@ class MatrixView {
     std::ptrdiff_t columnStride_ = 0;
     std::int32_t rows_ = 0;
     std::int32_t columns_ = 0;
+};
+
+/// `Count()` vectors of one length, the elements of one after the other `Distance()` apart. `T` is
+/// `double` or `const double`.
+template <class T>
+class VectorSeries {
+  public:
+    /// No vectors.
+    constexpr VectorSeries() noexcept = default;
+
+    /// `count` contiguous vectors of `size` elements, one after the other.
+    constexpr VectorSeries(T* data, std::int32_t size, std::int32_t count) noexcept
+        : VectorSeries(VectorView<T>(data, size), size, count) {}
+
+    /// `first` and others like it, each `distance` elements behind the one before.
+    constexpr VectorSeries(VectorView<T> first, std::ptrdiff_t distance,
+                           std::int32_t count) noexcept
+        : first_(first), distance_(distance), count_(count > 0 ? count : 0) {}
+
+    /// The same vectors, to be read only.
+    template <class U, class = std::enable_if_t<std::is_same_v<const U, T>>>
+    constexpr VectorSeries(const VectorSeries<U>& other) noexcept
+        : VectorSeries(other.First(), other.Distance(), other.Count()) {}
+
+    /// Vector `i`, counted from 1.
+    [[nodiscard]] constexpr VectorView<T> operator()(std::int32_t i) const noexcept {
+        return {first_.Data() + (std::ptrdiff_t{i} - 1) * distance_, first_.Size(),
+                first_.Stride()};
+    }
+
+    /// The first vector.
+    [[nodiscard]] constexpr const VectorView<T>& First() const noexcept { return first_; }
+    /// From one vector to the next.
+    [[nodiscard]] constexpr std::ptrdiff_t Distance() const noexcept { return distance_; }
+    /// How many vectors there are.
+    [[nodiscard]] constexpr std::int32_t Count() const noexcept { return count_; }
+
+  private:
+    VectorView<T> first_;
+    std::ptrdiff_t distance_ = 0;
+    std::int32_t count_ = 0;
+};
+
+/// `Count()` matrices of one shape, the elements of one after the other `Distance()` apart. `T` is
+/// `double` or `const double`.
+template <class T>
+class MatrixSeries {
+  public:
+    /// No matrices.
+    constexpr MatrixSeries() noexcept = default;
+
+    /// `count` contiguous matrices, each column by column, one after the other.
+    constexpr MatrixSeries(T* data, std::int32_t rows, std::int32_t columns,
+                           std::int32_t count) noexcept
+        : MatrixSeries(MatrixView<T>(data, rows, columns), std::ptrdiff_t{rows} * columns, count) {}
+
+    /// `first` and others like it, each `distance` elements behind the one before.
+    constexpr MatrixSeries(MatrixView<T> first, std::ptrdiff_t distance,
+                           std::int32_t count) noexcept
+        : first_(first), distance_(distance), count_(count > 0 ? count : 0) {}
+
+    /// The same matrices, to be read only.
+    template <class U, class = std::enable_if_t<std::is_same_v<const U, T>>>
+    constexpr MatrixSeries(const MatrixSeries<U>& other) noexcept
+        : MatrixSeries(other.First(), other.Distance(), other.Count()) {}
+
+    /// Matrix `i`, counted from 1.
+    [[nodiscard]] constexpr MatrixView<T> operator()(std::int32_t i) const noexcept {
+        return {first_.Data() + (std::ptrdiff_t{i} - 1) * distance_, first_.Rows(),
+                first_.Columns(), first_.RowStride(), first_.ColumnStride()};
+    }
+
+    /// The first matrix.
+    [[nodiscard]] constexpr const MatrixView<T>& First() const noexcept { return first_; }
+    /// From one matrix to the next.
+    [[nodiscard]] constexpr std::ptrdiff_t Distance() const noexcept { return distance_; }
+    /// How many matrices there are.
+    [[nodiscard]] constexpr std::int32_t Count() const noexcept { return count_; }
+
+  private:
+    MatrixView<T> first_;
+    std::ptrdiff_t distance_ = 0;
+    std::int32_t count_ = 0;
 };
 
 }  // namespace corvale::GenFunctions
