@@ -91,6 +91,11 @@ void Invert(std::int32_t n) {
     gen::MtxInv({Matrix(n), n, n}, Square(gInverse.data(), n, n));
 }
 
+void SolveEach(std::int32_t n) {
+    gen::CholeskyEach({{Matrix(n), n, n}, 0, 100}, {{gRight.data(), n}, 0, 100},
+                      {{gInverse.data(), n, n}, 0, 100}, {{gSolution.data(), n}, 0, 100});
+}
+
 void Sort(std::int32_t n) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(n); ++i) {
         gKeys[i].fill(static_cast<char>('A' + i * 7919 % 26));
@@ -162,6 +167,7 @@ const Call kCallTable[] = {
     CALL("matrices", "Cholesky, order 6", Solve(6)),
     CALL("matrices", "Cholesky, order 16", Solve(16)),
     CALL("matrices", "Cholesky, order 100", Solve(100)),
+    CALL("matrices", "CholeskyEach, 100 of order 16", SolveEach(16)),
     CALL("matrices", "MtxInv, order 6", Invert(6)),
     CALL("matrices", "MtxInv, order 16", Invert(16)),
     CALL("matrices", "MtxInv, order 100", Invert(100)),

@@ -63,11 +63,16 @@ void SolveOneByOne(const LaneSystems& systems) noexcept {
     }
 }
 
+bool IsOfFixedOrder(std::int32_t n) noexcept {
+    return (n == 3 || n == 6) && (!CORVALE_HAS_AVX2_PATH || internal::HasAvx2());
+}
+
 template <auto solve, template <class> class InLanes>
-void SolveEach(const LaneSystems& systems) noexcept {
+void SolveEach(const LaneSystems& systems, bool rootFree) noexcept {
     const std::int32_t n = systems.a.First().Rows();
     if (n < 1 || !Fits(systems)) return;
     if (static_cast<std::size_t>(n) > internal::kLaneOrder) return SolveOneByOne<solve>(systems);
+    if (IsOfFixedOrder(n)) return internal::SolveFixedLanes(systems, rootFree);
     internal::OnBestPath<InLanes, FourLanes, TwoLanes>(&systems);
 }
 
@@ -75,12 +80,12 @@ void SolveEach(const LaneSystems& systems) noexcept {
 
 void CholeskyEach(MatrixSeries<const double> a, VectorSeries<const double> b,
                   MatrixSeries<double> inverse, VectorSeries<double> x) noexcept {
-    SolveEach<Cholesky, internal::SolveLanesWithRoots>({a, b, inverse, x});
+    SolveEach<Cholesky, internal::SolveLanesWithRoots>({a, b, inverse, x}, false);
 }
 
 void Cholesky2Each(MatrixSeries<const double> a, VectorSeries<const double> b,
                    MatrixSeries<double> inverse, VectorSeries<double> x) noexcept {
-    SolveEach<Cholesky2, internal::SolveLanesWithoutRoots>({a, b, inverse, x});
+    SolveEach<Cholesky2, internal::SolveLanesWithoutRoots>({a, b, inverse, x}, true);
 }
 
 }  // namespace corvale::GenFunctions

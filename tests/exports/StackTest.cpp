@@ -63,6 +63,24 @@ void SolveAll() {
     }
 }
 
+// Five times the same system: more than the widest path has lanes.
+template <auto Solve>
+void SolveSeries() {
+    for (const std::int32_t n : kOrders) {
+        FillMatrix(n);
+        Solve({{matrix.data(), n, n}, 0, 5}, {{matrix.data(), n}, 0, 5},
+              {{inverse.data(), n, n}, 0, 5}, {{product.data(), n}, 0, 5});
+    }
+}
+
+template <auto Invert>
+void InvertSeries() {
+    for (const std::int32_t n : kOrders) {
+        FillMatrix(n);
+        Invert({{matrix.data(), n, n}, 0, 5}, {{inverse.data(), n, n}, 0, 5});
+    }
+}
+
 template <auto Invert>
 void InvertAll() {
     for (const std::int32_t n : kOrders) {
@@ -158,6 +176,10 @@ const struct Row {
     {"Cholesky2", SolveAll<Cholesky2>},
     {"MtxInv", InvertAll<MtxInv>},
     {"MInv", InvertAll<MInv>},
+    {"CholeskyEach", SolveSeries<CholeskyEach>},
+    {"Cholesky2Each", SolveSeries<Cholesky2Each>},
+    {"MtxInvEach", InvertSeries<MtxInvEach>},
+    {"MInvEach", InvertSeries<MInvEach>},
     {"ISort, IDupe", ListIntegers},
     {"QuickSortIterative", SortKeys},
     {"CorvaleLoadFile", [] { one = CorvaleLoadFile(input.c_str()); }},

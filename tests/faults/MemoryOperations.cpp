@@ -55,6 +55,13 @@ std::string Invert(Inverter invert, std::int32_t rows) {
                    });
 }
 
+std::string SolveSeries() {
+    return Compute(kOrder * (kOrder + 1), [a = PositiveDefinite()](double* out) {
+        GenFunctions::CholeskyEach({a.data(), kOrder, kOrder, 1}, {a.data(), kOrder, 1},
+                                   {out, kOrder, kOrder, 1}, {out + kOrder * kOrder, kOrder, 1});
+    });
+}
+
 void SortAscending(std::int32_t* list, std::int32_t& n) {
     GenFunctions::ISort(1, list, n);
 }
@@ -154,6 +161,7 @@ std::vector<Operation> MemoryOperations(const TemporaryFolder& folder) {
     return {
         {"Cholesky", [] { return Solve(GenFunctions::Cholesky); }, "same", "NaN"},
         {"Cholesky2", [] { return Solve(GenFunctions::Cholesky2); }, "same", "NaN"},
+        {"CholeskyEach", SolveSeries, "same", "NaN"},
         {"MtxInv", [] { return Invert(GenFunctions::MtxInv, kOrder); }, "same", "NaN"},
         {"MtxInv, not square", [] { return Invert(GenFunctions::MtxInv, 20); }, "same", "NaN"},
         {"MInv", [] { return Invert(GenFunctions::MInv, kOrder); }, "same", "NaN"},

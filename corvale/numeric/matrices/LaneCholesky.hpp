@@ -22,31 +22,35 @@ struct LaneSystems {
     GenFunctions::VectorSeries<double> x;
 };
 
-template <class L, bool rootFree>
+/// `fixed` is the order where the compiler is to know it, or 0.
+template <class L, bool rootFree, std::size_t fixed>
 struct SolveInLanes {
     using V = typename L::Vector;
+    static constexpr std::size_t kMost = fixed > 0 ? fixed : kLaneOrder, kSquare = kMost * kMost;
 
     struct Work {
-        std::size_t n;
-        V square[kLaneOrder * kLaneOrder];
-        V pivots[kLaneOrder], reciprocals[kLaneOrder], y[kLaneOrder], factors[kLaneOrder];
+        explicit Work(std::size_t order) noexcept : any(order) {}
+        std::size_t any;
+        V square[kSquare];
+        V pivots[kMost], reciprocals[kMost], y[kMost], factors[kMost];
+
+        CORVALE_INLINE std::size_t N() const noexcept { return fixed > 0 ? fixed : any; }
 
         /// Row i of U and of the inverse, from the diagonal on.
-        CORVALE_INLINE V* Row(std::size_t i) noexcept { return square + i * n; }
+        CORVALE_INLINE V* Row(std::size_t i) noexcept { return square + i * N(); }
         /// Element (i,k) of W, above its diagonal.
-        CORVALE_INLINE V& W(std::size_t i, std::size_t k) noexcept { return square[k * n + i]; }
+        CORVALE_INLINE V& W(std::size_t i, std::size_t k) noexcept { return square[k * N() + i]; }
         CORVALE_INLINE V DiagonalOfW(std::size_t k) const noexcept {
             return rootFree ? Splat<V>(1.0) : reciprocals[k];
         }
     };
 
     CORVALE_INLINE void operator()(const LaneSystems* systems) const noexcept {
-        Work work;
-        work.n = static_cast<std::size_t>(systems->a.First().Rows());
+        Work work(static_cast<std::size_t>(systems->a.First().Rows()));
         const auto count = static_cast<std::size_t>(systems->a.Count());
         for (std::size_t first = 0; first < count; first += L::kLanes) {
             Load(*systems, first, count, work);
-            for (std::size_t k = 0; k < work.n; ++k) {
+            for (std::size_t k = 0; k < work.N(); ++k) {
                 FactorRow(work, k);
                 SolveDown(work, k);
                 InverseColumn(work, k);
@@ -68,7 +72,7 @@ struct SolveInLanes {
         const auto starts =
             LaneStarts<L, const double>::Of(a.Data(), systems.a.Distance(), first, count);
         const std::ptrdiff_t row = a.RowStride(), column = a.ColumnStride();
-        const std::size_t n = work.n;
+        const std::size_t n = work.N();
         if (row == 1)
             for (std::size_t j = 0; j < n; ++j)
                 LoadLine<L>(starts.From(static_cast<std::ptrdiff_t>(j) * column), row, j + 1,
@@ -78,9 +82,8 @@ struct SolveInLanes {
                 LoadLine<L>(starts.From(static_cast<std::ptrdiff_t>(i) * (row + column)), column,
                             n - i, work.Row(i) + i, 1);
         const auto& b = systems.b.First();
-        LoadLine<L>(
-            LaneStarts<L, const double>::Of(b.Data(), systems.b.Distance(), first, count),
-            b.Stride(), n, work.y, 1);
+        LoadLine<L>(LaneStarts<L, const double>::Of(b.Data(), systems.b.Distance(), first, count),
+                    b.Stride(), n, work.y, 1);
     }
 
     CORVALE_INLINE static void FactorRow(Work& work, std::size_t k) noexcept {
@@ -95,7 +98,7 @@ struct SolveInLanes {
         const V pivot = rootFree ? rest : Root(rest);
         const V reciprocal = 1.0 / pivot;
         work.pivots[k] = pivot, work.reciprocals[k] = reciprocal;
-        InPieces<FactorPiece>(k + 1, work.n, work, k);
+        InPieces<FactorPiece>(k + 1, work.N(), work, k);
     }
 
     /// Elements j and up of row k of U.
@@ -132,8 +135,7 @@ struct SolveInLanes {
         CORVALE_INLINE static void Run(std::size_t i, Work& work, std::size_t k) noexcept {
             Sums<L, width> sums{};
             Corner(std::make_index_sequence<width>{}, sums, i, work, k);
-            for (std::size_t m = i + width; m < k; ++m)
-                sums.Add(&work.W(i, m), work.Row(m)[k]);
+            for (std::size_t m = i + width; m < k; ++m) sums.Add(&work.W(i, m), work.Row(m)[k]);
             const V diagonal = work.DiagonalOfW(k);
             V* const column = &work.W(i, k);
             sums.ForEach([&](const V& sum, std::size_t r) { column[r] = -(sum * diagonal); });
@@ -148,7 +150,7 @@ struct SolveInLanes {
     };
 
     CORVALE_INLINE static void SolveUp(Work& work) noexcept {
-        const std::size_t n = work.n;
+        const std::size_t n = work.N();
         V* const y = work.y;
         y[n - 1] = y[n - 1] / work.pivots[n - 1];
         for (std::size_t k = n - 1; k-- > 0;) {
@@ -164,7 +166,7 @@ struct SolveInLanes {
     /// Row j of the inverse from the diagonal on: the sums over k of W(j,k), times 1/D(k) without
     /// roots, and W(i,k).
     CORVALE_INLINE static void Multiply(Work& work) noexcept {
-        const std::size_t n = work.n;
+        const std::size_t n = work.N();
         const V zero{};
         V before{};  // what k < j brings
         for (std::size_t j = 0; j < n; ++j) {
@@ -186,7 +188,7 @@ struct SolveInLanes {
                                        V& zeros) noexcept {
             Sums<L, width> sums;
             Corner(std::make_index_sequence<width>{}, sums, i, work, zeros);
-            for (std::size_t k = i + width; k < work.n; ++k)
+            for (std::size_t k = i + width; k < work.N(); ++k)
                 sums.Add(&work.W(i, k), work.factors[k]);
             V* const row = work.Row(j) + i;
             sums.ForEach([&](const V& sum, std::size_t r) { row[r] = sum; });
@@ -205,7 +207,7 @@ struct SolveInLanes {
 
     CORVALE_INLINE static void Store(const LaneSystems& systems, std::size_t first,
                                      std::size_t count, Work& work) noexcept {
-        const std::size_t n = work.n;
+        const std::size_t n = work.N();
         for (std::size_t i = 0; i < n; ++i)
             for (std::size_t j = 0; j < i; ++j) work.Row(i)[j] = work.Row(j)[i];
         const auto& inverse = systems.inverse.First();
@@ -229,8 +231,11 @@ struct SolveInLanes {
 };
 
 template <class L>
-struct SolveLanesWithRoots : SolveInLanes<L, false> {};
+struct SolveLanesWithRoots : SolveInLanes<L, false, 0> {};
 template <class L>
-struct SolveLanesWithoutRoots : SolveInLanes<L, true> {};
+struct SolveLanesWithoutRoots : SolveInLanes<L, true, 0> {};
+
+/// Systems of order 3 or 6 in lanes of the fastest path. A file of its own for its own optimisation.
+void SolveFixedLanes(const LaneSystems& systems, bool rootFree) noexcept;
 
 }  // namespace corvale::internal

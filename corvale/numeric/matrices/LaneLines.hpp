@@ -15,11 +15,18 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
+#include <utility>
 
 namespace corvale::internal {
 
 /// The largest order that is computed in lanes: the vectors of a square fit the smallest stack.
 constexpr std::size_t kLaneOrder = kOrderWithoutHeap;
+
+/// The lanes of this build's fastest path. Positions, and positions with velocities, come by the
+/// million: on it alone orders 3 and 6 are known to the compiler (a third less time in
+/// bench/FleetBench.cpp, for as much code as all other orders have together).
+using MostLanes = std::conditional_t<CORVALE_HAS_AVX2_PATH, FourLanes, TwoLanes>;
 
 /// Where the elements of each lane's matrix or vector begin.
 template <class L, class T>
@@ -51,21 +58,22 @@ CORVALE_INLINE void LoadLine(const LaneStarts<L, const double>& from, std::ptrdi
                              std::size_t count, typename L::Vector* to,
                              std::size_t toStep) noexcept {
     using V = typename L::Vector;
-    std::size_t k = 0;
-    if (step == 1)
-        for (; k + L::kLanes <= count; k += L::kLanes) {
-            Block<L> block;
-            block.Load([&](std::size_t lane) { return from.at[lane] + k; });
-            block.Turn();
-            block.Store([&](std::size_t r) { return to + (k + r) * toStep; });
-        }
-    for (; k < count; ++k) {
-        const std::ptrdiff_t place = static_cast<std::ptrdiff_t>(k) * step;
+    const auto end = static_cast<std::ptrdiff_t>(count), next = static_cast<std::ptrdiff_t>(toStep);
+    constexpr std::ptrdiff_t kLanes = L::kLanes;
+    const std::ptrdiff_t turned = step == 1 ? end - end % kLanes : 0;
+    for (std::ptrdiff_t k = 0; k < turned; k += kLanes) {
+        Block<L> block;
+        block.Load([&](std::size_t lane) { return from.at[lane] + k; });
+        block.Turn();
+        block.Store([&](std::ptrdiff_t r) { return to + (k + r) * next; });
+    }
+    for (std::ptrdiff_t k = turned; k < end; ++k) {
+        const std::ptrdiff_t place = k * step;
         if constexpr (L::kLanes == 4)
-            to[k * toStep] =
+            to[k * next] =
                 V{from.at[0][place], from.at[1][place], from.at[2][place], from.at[3][place]};
         else
-            to[k * toStep] = V{from.at[0][place], from.at[1][place]};
+            to[k * next] = V{from.at[0][place], from.at[1][place]};
     }
 }
 
@@ -74,17 +82,19 @@ template <class L>
 CORVALE_INLINE void StoreLine(const typename L::Vector* from, std::size_t fromStep,
                               std::size_t count, const LaneStarts<L, double>& to,
                               std::ptrdiff_t step) noexcept {
-    std::size_t k = 0;
-    if (step == 1)
-        for (; k + L::kLanes <= count; k += L::kLanes) {
-            Block<L> block;
-            block.Load([&](std::size_t r) { return from + (k + r) * fromStep; });
-            block.Turn();
-            block.Store([&](std::size_t lane) { return to.at[lane] + k; });
-        }
-    for (; k < count; ++k)
+    const auto end = static_cast<std::ptrdiff_t>(count);
+    const auto next = static_cast<std::ptrdiff_t>(fromStep);
+    constexpr std::ptrdiff_t kLanes = L::kLanes;
+    const std::ptrdiff_t turned = step == 1 ? end - end % kLanes : 0;
+    for (std::ptrdiff_t k = 0; k < turned; k += kLanes) {
+        Block<L> block;
+        block.Load([&](std::ptrdiff_t r) { return from + (k + r) * next; });
+        block.Turn();
+        block.Store([&](std::size_t lane) { return to.at[lane] + k; });
+    }
+    for (std::ptrdiff_t k = turned; k < end; ++k)
         for (std::size_t lane = 0; lane < L::kLanes; ++lane)
-            to.at[lane][static_cast<std::ptrdiff_t>(k) * step] = from[k * fromStep][lane];
+            to.at[lane][k * step] = from[k * next][lane];
 }
 
 /// Up to four sums side by side, each a chain of its own: none waits for another.
