@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Masks.hpp"
+
 namespace corvale::python {
 namespace {
 
@@ -88,7 +90,7 @@ Operands Outputs(const Procedure& procedure, Operands& inputs, const std::vector
 }
 
 void Run(const Procedure& procedure, Operands& inputs, Operands& outputs,
-         const std::vector<Count>& shape) {
+         const std::vector<Count>& shape, Count threads) {
     std::vector<Strided> strided;
     bool isScalar = true;
     for (Operands* operands : {&inputs, &outputs})
@@ -98,13 +100,15 @@ void Run(const Procedure& procedure, Operands& inputs, Operands& outputs,
         }
     if (isScalar) return Walk(procedure.signature.loop, shape, std::move(strided));
     const py::gil_scoped_release unlocked;
-    Walk(procedure.signature.loop, shape, std::move(strided));
+    WalkOnThreads(procedure.signature.loop, shape, strided, inputs.size(), threads);
 }
 
-py::object Results(const Operands& outputs) {
-    if (outputs.size() == 1) return outputs[0].ToPython();
+/// The output itself, or a tuple of them, each as `toPython` gives it.
+template <class ToPython>
+py::object Results(const Operands& outputs, const ToPython& toPython) {
+    if (outputs.size() == 1) return toPython(0);
     py::tuple results(outputs.size());
-    for (std::size_t i = 0; i < outputs.size(); ++i) results[i] = outputs[i].ToPython();
+    for (std::size_t i = 0; i < outputs.size(); ++i) results[i] = toPython(i);
     return results;
 }
 
@@ -144,13 +148,20 @@ std::string Docstring(const Procedure& procedure) {
 }
 
 py::object Call(const Procedure& procedure, std::vector<py::object> given, const py::object& out,
-                Count width) {
+                Count width, Count threads) {
+    if (threads < 1) throw py::value_error("threads: 1 or more needed");
     Operands inputs = Inputs(procedure, given);
     std::vector<Count> shape;
     for (const Operand& input : inputs) Broadcast(shape, input.Outer());
+    const py::object mask = JointMask(given, procedure.signature.kinds.data());
+    if (mask) RequireMasked(GivenArrays(out, procedure.signature.operands - inputs.size()));
     Operands outputs = Outputs(procedure, inputs, shape, out, width);
-    Run(procedure, inputs, outputs, shape);
-    return Results(outputs);
+    Run(procedure, inputs, outputs, shape, threads);
+    return Results(outputs, [&](std::size_t i) {
+        const Kind kind = procedure.signature.kinds[inputs.size() + i];
+        const py::object result = outputs[i].ToPython();
+        return mask ? Masked(result, mask, TypeOf(kind).inner) : result;
+    });
 }
 
 }  // namespace corvale::python

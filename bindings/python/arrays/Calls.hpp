@@ -16,8 +16,9 @@ std::string Docstring(const Procedure& procedure);
 /// is free meanwhile, unless all are scalars.
 ///
 /// `out` is None, the array to be written or a tuple with one for each output; `width` is that of
-/// the texts written, 0 for that of the first text given.
+/// the texts written, 0 for that of the first text given. The elements are shared among `threads`
+/// threads. Where an operand is a masked array the results are: ValueError where `out` is none.
 py::object Call(const Procedure& procedure, std::vector<py::object> given, const py::object& out,
-                Count width);
+                Count width, Count threads);
 
 }  // namespace corvale::python

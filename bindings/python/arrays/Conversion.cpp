@@ -99,6 +99,10 @@ void ThrowOverflow(const std::string& name, Kind kind) {
 py::object Converted(const py::object& object, Kind kind, const std::string& name) {
     if (IsWrongScalar(object, kind)) ThrowType(name, kind, Py_TYPE(object.ptr())->tp_name);
     const py::object array = Numpy().attr("asarray")(object);
+    if (array.attr("dtype").attr("kind").cast<std::string>() == "O")
+        ThrowType(name, kind,
+                  std::string("objects of Python; astype('") + TypeOf(kind).code +
+                      "') makes an array of them");
     if (!Converts(array, kind)) ThrowType(name, kind, py::str(array.attr("dtype")));
     RequireFit(array, kind, name);
     const bool isSame = IsText(kind) && array.attr("dtype").attr("kind").cast<std::string>() == "S";

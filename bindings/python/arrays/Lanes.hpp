@@ -5,7 +5,7 @@
 // along the longest straight stretch of it at a time.
 //
 // Loops  Form  Lane  Loop
-// Walk   Operands  Walk
+// Walk   Strided  Walk  WalkOnThreads
 #pragma once
 
 #include <array>
@@ -65,5 +65,11 @@ struct Strided {
 ///
 /// Bad input  an axis of length 0: nothing happens
 void Walk(Loop loop, std::vector<Count> shape, std::vector<Strided> operands);
+
+/// The same by up to `threads` threads, the caller's among them, each with a part of the longest
+/// axis: every element is written by one. `inputs` of the operands are only read. Where threads are
+/// not to be had, there are fewer.
+void WalkOnThreads(Loop loop, const std::vector<Count>& shape, const std::vector<Strided>& operands,
+                   std::size_t inputs, Count threads);
 
 }  // namespace corvale::python

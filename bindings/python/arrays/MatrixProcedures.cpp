@@ -2,9 +2,7 @@
 #include <corvale/numeric/MatrixInversion.hpp>
 #include <corvale/numeric/PackedSymmetric.hpp>
 
-#include <limits>
-#include <memory>
-#include <new>
+#include <algorithm>
 
 #include "Procedures.hpp"
 
@@ -13,80 +11,46 @@ namespace {
 
 namespace gen = GenFunctions;
 
-using Solver = void (*)(const double*, const double*, std::int32_t, double*, double*) noexcept;
+/// The most matrices that go to the library in one call.
+constexpr Count kMostAtOnce = Count{1} << 30;
 
-/// Memory for `count` reals; without memory there is none.
-class Scratch {
-  public:
-    explicit Scratch(std::size_t count) noexcept {
-        if (count <= own_.size()) return;
-        heap_.reset(new (std::nothrow) double[count]);
-        data_ = heap_.get();
-    }
-    [[nodiscard]] double* Data() const noexcept { return data_; }
-
-  private:
-    // Two matrices and two vectors of order 12: small matrices come by the million.
-    static constexpr std::size_t kOwn = 2 * 12 * 13;
-    std::array<double, kOwn> own_;
-    std::unique_ptr<double[]> heap_;
-    double* data_ = own_.data();
-};
-
-bool IsColumnByColumn(MatrixView<const double> a) noexcept {
-    return a.RowStride() == 1 && a.ColumnStride() == a.Rows();
+template <class T>
+gen::MatrixSeries<T> Matrices(const Lane& lane, Count first, std::int32_t count) noexcept {
+    const Slot<MatrixView<T>> slot(lane.at + first * lane.step, *lane.form);
+    return {slot.Get(), lane.step / kReal, count};
 }
 
-// Symmetric results lie the same way row by row and column by column.
-bool IsContiguous(MatrixView<double> a) noexcept {
-    const bool isRowByRow = a.ColumnStride() == 1 && a.RowStride() == a.Rows();
-    return isRowByRow || IsColumnByColumn(a);
+template <class T>
+gen::VectorSeries<T> Vectors(const Lane& lane, Count first, std::int32_t count) noexcept {
+    const Slot<VectorView<T>> slot(lane.at + first * lane.step, *lane.form);
+    return {slot.Get(), lane.step / kReal, count};
 }
 
-/// The diagonal and what is above it, column by column.
-void CopyUpper(MatrixView<const double> a, double* to) noexcept {
-    for (std::int32_t j = 1; j <= a.Rows(); ++j) {
-        for (std::int32_t i = 1; i <= j; ++i) to[i - 1] = a(i, j);
-        to += a.Rows();
+/// Loops that hand all their elements to the library at once.
+template <auto solveEach>
+void SolveAll(Count count, const Lane* lanes) noexcept {
+    for (Count first = 0; first < count; first += kMostAtOnce) {
+        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostAtOnce));
+        solveEach(Matrices<const double>(lanes[0], first, some),
+                  Vectors<const double>(lanes[1], first, some),
+                  Matrices<double>(lanes[2], first, some), Vectors<double>(lanes[3], first, some));
     }
 }
 
-void CopyVector(VectorView<const double> from, VectorView<double> to) noexcept {
-    for (std::int32_t i = 1; i <= from.Size(); ++i) to(i) = from(i);
+template <auto invertEach>
+void InvertAll(Count count, const Lane* lanes) noexcept {
+    for (Count first = 0; first < count; first += kMostAtOnce) {
+        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostAtOnce));
+        invertEach(Matrices<const double>(lanes[0], first, some),
+                   Matrices<double>(lanes[1], first, some));
+    }
 }
 
-void CopySquare(MatrixView<const double> from, MatrixView<double> to) noexcept {
-    for (std::int32_t i = 1; i <= from.Rows(); ++i)
-        for (std::int32_t j = 1; j <= from.Rows(); ++j) to(i, j) = from(i, j);
-}
-
-void FillWithNaN(MatrixView<double> inverse, VectorView<double> x) noexcept {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    CopySquare({&nan, x.Size(), x.Size(), 0, 0}, inverse);
-    CopyVector({&nan, x.Size(), 0}, x);
-}
-
-/// A solver of contiguous arrays, for any steps: what is not contiguous is copied for the call.
-template <Solver solve>
-void Solve(MatrixView<const double> a, VectorView<const double> b, MatrixView<double> inverse,
-           VectorView<double> x) noexcept {
-    const std::int32_t n = a.Rows();
-    const auto order = static_cast<std::size_t>(n);
-    const Scratch scratch(2 * order * (order + 1));
-    if (scratch.Data() == nullptr) return FillWithNaN(inverse, x);
-
-    double* const ownA = scratch.Data();
-    double* const ownInverse = ownA + order * order;
-    double* const ownB = ownInverse + order * order;
-    double* const ownX = ownB + order;
-    const bool isInPlace = IsContiguous(inverse);
-    if (!IsColumnByColumn(a)) CopyUpper(a, ownA);
-    CopyVector(b, {ownB, n});
-    solve(IsColumnByColumn(a) ? a.Data() : ownA, ownB, n, isInPlace ? inverse.Data() : ownInverse,
-          ownX);
-    if (!isInPlace) CopySquare({ownInverse, n, n}, inverse);
-    CopyVector({ownX, n}, x);
-}
+template <auto solveEach>
+constexpr Signature kSolution{
+    &SolveAll<solveEach>, 2, 4, {Kind::kMatrix, Kind::kVector, Kind::kMatrix, Kind::kVector}, 0};
+template <auto invertEach>
+constexpr Signature kInverse{&InvertAll<invertEach>, 1, 2, {Kind::kMatrix, Kind::kMatrix}, 0};
 
 std::int32_t PackedLength(std::int32_t order) noexcept {
     return gen::SizeOfLta({nullptr, order, order});
@@ -151,18 +115,18 @@ constexpr Procedure kProcedures[] = {
      "a and what is above it are read.",
      kFit,
      "infinities and NaN where a is not positive definite; ValueError for shapes that do not fit",
-     kSignature<Solve<gen::Cholesky>>, SolutionShape},
+     kSolution<gen::CholeskyEach>, SolutionShape},
     {"cholesky2", "a, b", "GenFunctions::Cholesky2",
      "As cholesky without square roots: for every symmetric a whose pivots differ from zero, "
      "definite or not.",
      kFit, "infinities and NaN where a pivot is zero; ValueError for shapes that do not fit",
-     kSignature<Solve<gen::Cholesky2>>, SolutionShape},
+     kSolution<gen::Cholesky2Each>, SolutionShape},
     {"mtx_inv", "a", "GenFunctions::MtxInv",
      "The inverse, by Gauss-Jordan elimination with partial pivoting.", kReciprocal,
-     "not square: a copy; singular: the matrix as far as it was reduced", kSignature<gen::MtxInv>,
+     "not square: a copy; singular: the matrix as far as it was reduced", kInverse<gen::MtxInvEach>,
      SameShape},
     {"minv", "a", "GenFunctions::MInv", "The inverse, without pivoting.", kReciprocal,
-     "not square, or a pivot of exactly zero: all zeros", kSignature<gen::MInv>, SameShape},
+     "not square, or a pivot of exactly zero: all zeros", kInverse<gen::MInvEach>, SameShape},
 };
 
 }  // namespace

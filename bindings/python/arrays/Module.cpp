@@ -22,10 +22,10 @@ Count WidthFrom(const Procedure& procedure, const py::object& last) {
 }
 
 py::object CallOfWidth(const Procedure& procedure, const py::object& given, const py::object& width,
-                       const py::object& out) {
+                       const py::object& out, Count threads) {
     const Count characters = width.is_none() ? 0 : width.cast<Count>();
     if (!width.is_none() && characters < 1) throw py::value_error("width: 1 or more needed");
-    return Call(procedure, {given}, out, characters);
+    return Call(procedure, {given}, out, characters, threads);
 }
 
 void Add(py::module_& module, const Procedure& procedure) {
@@ -34,27 +34,29 @@ void Add(py::module_& module, const Procedure& procedure) {
     const char *const name = procedure.name, *const doc = text.c_str();
     const arg first(names.front().c_str()), last(names.back().c_str());
     const auto out = arg("out") = py::none();
+    const auto threads = arg("threads") = 1;
     const Procedure* const p = &procedure;
     using Object = const py::object&;
 
     if (procedure.freeWidth) {
-        const auto call = [p](Object a, Object width, Object to) {
-            return CallOfWidth(*p, a, width, to);
+        const auto call = [p](Object a, Object width, Object to, Count on) {
+            return CallOfWidth(*p, a, width, to, on);
         };
-        module.def(name, call, doc, first, py::kw_only(), arg("width") = py::none(), out);
+        module.def(name, call, doc, first, py::kw_only(), arg("width") = py::none(), out, threads);
     } else if (names.size() == 1) {
-        const auto call = [p](Object a, Object to) { return Call(*p, {a}, to, 0); };
-        module.def(name, call, doc, first, py::kw_only(), out);
+        const auto call = [p](Object a, Object to, Count on) { return Call(*p, {a}, to, 0, on); };
+        module.def(name, call, doc, first, py::kw_only(), out, threads);
     } else if (names.size() == 2) {
-        const auto call = [p](Object a, Object b, Object to) {
-            return Call(*p, {a, b}, to, WidthFrom(*p, b));
+        const auto call = [p](Object a, Object b, Object to, Count on) {
+            return Call(*p, {a, b}, to, WidthFrom(*p, b), on);
         };
-        module.def(name, call, doc, first, last, py::kw_only(), out);
+        module.def(name, call, doc, first, last, py::kw_only(), out, threads);
     } else {
-        const auto call = [p](Object a, Object b, Object c, Object to) {
-            return Call(*p, {a, b, c}, to, 0);
+        const auto call = [p](Object a, Object b, Object c, Object to, Count on) {
+            return Call(*p, {a, b, c}, to, 0, on);
         };
-        module.def(name, call, doc, first, arg(names[1].c_str()), last, py::kw_only(), out);
+        module.def(name, call, doc, first, arg(names[1].c_str()), last, py::kw_only(), out,
+                   threads);
     }
 }
 

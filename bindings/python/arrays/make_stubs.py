@@ -65,7 +65,7 @@ def together(types: list[str]) -> str:
 def signature(row: dict[str, Any], inputs: list[str], out: str, result: str) -> str:
     given = ", ".join(f"{name}: {type_}" for name, type_ in zip(row["arguments"], inputs))
     width = "width: int | None = ..., " if row["free_width"] else ""
-    return f"def {row['name']}({given}, *, {width}out: {out} = ...) -> {result}: ..."
+    return f"def {row['name']}({given}, *, {width}out: {out} = ..., threads: int = ...) -> {result}: ..."
 
 
 def array_inputs(row: dict[str, Any], first: int) -> list[str]:

@@ -10,10 +10,11 @@
 
 What holds for every procedure over arrays:
 
-Operands  Scalars, arrays, and what NumPy makes an array of. They are broadcast together as NumPy
-          does; all scalars give a scalar. An array of the procedure's own type is walked where it
-          lies, whatever its strides; another is converted first. Shapes are written (...) for any
-          axes; those of a vector or matrix come last.
+Operands  Scalars, arrays, and what NumPy makes an array of: lists, a Series of pandas, whatever has
+          `__array__` or a buffer. They are broadcast together as NumPy does; all scalars give a
+          scalar. An array of the procedure's own type is walked where it lies, whatever its
+          strides; another is converted first. Shapes are written (...) for any axes; those of a
+          vector or matrix come last.
 Texts     bytes, or str in ASCII; arrays have the type S<width>. An element is a text of that width,
           filled with blanks: the NULs with which NumPy fills it count as blanks. Results are bytes
           as wide as the text given, blank-filled. Positions count from 1.
@@ -22,7 +23,10 @@ out       Arrays of the type and shape of the results, a tuple where there are s
 Errors    TypeError for an operand of another kind, OverflowError for an integer that does not fit
           the type, ValueError for shapes that do not fit and characters outside ASCII. Values
           never raise: the docstrings say what they give.
+Masks     Of masked arrays the results are masked where any of their operands is; a vector or matrix
+          with one masked element is masked. `out` has to be a masked array then.
 Threads   The interpreter's lock is free while arrays are worked on. Any number of threads at once.
+          `threads=4` shares the elements of one call among four; the results are the same.
 NumPy     Needed for arrays and lists, not for scalars.
 
 Exact: results are the same to the last bit as those of the C++ procedures that the docstrings name.

@@ -165,6 +165,58 @@ class EveryProcedure(unittest.TestCase):
             self.assertTrue(same(memory[start:start + COUNT], wanted), start)
 
     @for_every_procedure
+    def test_threads_give_what_one_gives(self, call: Call, row: dict[str, Any], given: list[Any]) -> None:
+        wanted = call(*given)
+        for threads in (1, 2, 3, COUNT + 7):
+            self.assertTrue(same(call(*given, threads=threads), wanted), threads)
+        wide = [a[::-1, None] if isinstance(a, np.ndarray) and k == 0 else a for k, a in enumerate(given)]
+        self.assertTrue(same(call(*wide, threads=4), call(*wide)))
+        for threads in (0, -1):
+            with self.assertRaises(ValueError):
+                call(*given, threads=threads)
+
+    @for_every_procedure
+    def test_masks_are_joined(self, call: Call, row: dict[str, Any], given: list[Any]) -> None:
+        wanted = results(call(*given))
+        arrays = [k for k, a in enumerate(given) if isinstance(a, np.ndarray)]
+        masked, joint = list(given), np.zeros(COUNT, bool)
+        for k in (arrays[0], arrays[-1]):
+            mask = np.zeros(given[k].shape, bool)
+            mask.reshape(COUNT, -1)[k + 1::5, -1] = True  # of a vector or matrix one element
+            masked[k] = np.ma.array(given[k], mask=mask)
+            joint[k + 1::5] = True
+        got = results(call(*masked))
+        for array, expected in zip(got, wanted):
+            self.assertIsInstance(array, np.ma.MaskedArray)
+            self.assertTrue(same(array.data, expected))
+            shown = np.ma.getmaskarray(array).reshape(COUNT, -1)
+            self.assertTrue((shown == joint[:, None]).all())
+        into = tuple(np.ma.array(np.zeros_like(a)) for a in wanted)
+        call(*masked, out=into if len(into) > 1 else into[0])
+        self.assertTrue((np.ma.getmaskarray(into[0]).reshape(COUNT, -1) == joint[:, None]).all())
+        plain = tuple(np.zeros_like(a) for a in wanted)
+        with self.assertRaises(ValueError):
+            call(*masked, out=plain if len(plain) > 1 else plain[0])
+
+    @for_every_procedure
+    def test_what_has_an_array_is_taken(self, call: Call, row: dict[str, Any], given: list[Any]) -> None:
+        class Column:  # what a Series of pandas is to NumPy
+            def __init__(self, values: Any) -> None:
+                self.values = values
+
+            def __array__(self, dtype: Any = None, copy: Any = None) -> Any:
+                return self.values if dtype is None else self.values.astype(dtype)
+
+        columns = [Column(a) if isinstance(a, np.ndarray) else a for a in given]
+        self.assertTrue(same(call(*columns), call(*given)))
+        if all(a.dtype.kind != "S" for a in given if isinstance(a, np.ndarray)):
+            views = [memoryview(a) if isinstance(a, np.ndarray) else a for a in given]
+            self.assertTrue(same(call(*views), call(*given)))
+        objects = [a.astype(object) if isinstance(a, np.ndarray) else a for a in given]
+        with self.assertRaisesRegex(TypeError, "objects of Python"):
+            call(*objects)
+
+    @for_every_procedure
     def test_bad_arguments_are_errors(self, call: Call, row: dict[str, Any], given: list[Any]) -> None:
         bad = [None, object(), {}, 1j, [[1], [1, 2]], "\u00e9", np.zeros(2, "M8[s]"),
                np.zeros(2, "f4,i4"), np.zeros(2, "O"), np.zeros(2, "c16"), np.zeros(COUNT + 1, "g")]
