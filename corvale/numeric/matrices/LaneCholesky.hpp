@@ -32,7 +32,7 @@ struct SolveInLanes {
         explicit Work(std::size_t order) noexcept : any(order) {}
         std::size_t any;
         V square[kSquare];
-        V pivots[kMost], reciprocals[kMost], y[kMost], factors[kMost];
+        V pivots[kMost], reciprocals[kMost], y[kMost];
 
         CORVALE_INLINE std::size_t N() const noexcept { return fixed > 0 ? fixed : any; }
 
@@ -40,6 +40,8 @@ struct SolveInLanes {
         CORVALE_INLINE V* Row(std::size_t i) noexcept { return square + i * N(); }
         /// Element (i,k) of W, above its diagonal.
         CORVALE_INLINE V& W(std::size_t i, std::size_t k) noexcept { return square[k * N() + i]; }
+        /// What row k of U is made with: it lies where column k of W comes to lie.
+        CORVALE_INLINE V* Factors(std::size_t k) noexcept { return Row(k); }
         CORVALE_INLINE V DiagonalOfW(std::size_t k) const noexcept {
             return rootFree ? Splat<V>(1.0) : reciprocals[k];
         }
@@ -88,10 +90,11 @@ struct SolveInLanes {
 
     CORVALE_INLINE static void FactorRow(Work& work, std::size_t k) noexcept {
         V* const row = work.Row(k);
+        V* const factors = work.Factors(k);
         V sum{};
         for (std::size_t i = 0; i < k; ++i) {
             const V u = work.Row(i)[k];
-            work.factors[i] = rootFree ? work.pivots[i] * u : u;
+            factors[i] = rootFree ? work.pivots[i] * u : u;
             sum += rootFree ? work.pivots[i] * (u * u) : u * u;
         }
         const V rest = row[k] - sum;
@@ -105,8 +108,9 @@ struct SolveInLanes {
     template <std::size_t width>
     struct FactorPiece {
         CORVALE_INLINE static void Run(std::size_t j, Work& work, std::size_t k) noexcept {
+            const V* const factors = work.Factors(k);
             Sums<L, width> sums{};
-            for (std::size_t i = 0; i < k; ++i) sums.Add(work.Row(i) + j, work.factors[i]);
+            for (std::size_t i = 0; i < k; ++i) sums.Add(work.Row(i) + j, factors[i]);
             V* const row = work.Row(k) + j;
             sums.ForEach([&](const V& sum, std::size_t r) {
                 row[r] = rootFree ? (row[r] - sum) * work.reciprocals[k]
@@ -168,11 +172,12 @@ struct SolveInLanes {
     CORVALE_INLINE static void Multiply(Work& work) noexcept {
         const std::size_t n = work.N();
         const V zero{};
-        V before{};  // what k < j brings
+        V before{};                      // what k < j brings
+        V* const factors = work.pivots;  // no longer needed
         for (std::size_t j = 0; j < n; ++j) {
             for (std::size_t k = j; k < n; ++k) {
                 const V w = k == j ? work.DiagonalOfW(k) : work.W(j, k);
-                work.factors[k] = rootFree ? w * work.reciprocals[k] : w;
+                factors[k] = rootFree ? w * work.reciprocals[k] : w;
             }
             V zeros = before;  // and what k < i does
             InPieces<ProductPiece>(j, n, work, j, zeros);
@@ -189,7 +194,7 @@ struct SolveInLanes {
             Sums<L, width> sums;
             Corner(std::make_index_sequence<width>{}, sums, i, work, zeros);
             for (std::size_t k = i + width; k < work.N(); ++k)
-                sums.Add(&work.W(i, k), work.factors[k]);
+                sums.Add(&work.W(i, k), work.pivots[k]);
             V* const row = work.Row(j) + i;
             sums.ForEach([&](const V& sum, std::size_t r) { row[r] = sum; });
         }
@@ -198,9 +203,9 @@ struct SolveInLanes {
                                           std::size_t i, Work& work, V& zeros) noexcept {
             const V zero{};
             ((sums.template At<s>() = zeros,
-              sums.template Add<s>(&work.W(i, i + s), work.factors[i + s]),
-              sums.template At<s>() += work.DiagonalOfW(i + s) * work.factors[i + s],
-              zeros += zero * work.factors[i + s]),
+              sums.template Add<s>(&work.W(i, i + s), work.pivots[i + s]),
+              sums.template At<s>() += work.DiagonalOfW(i + s) * work.pivots[i + s],
+              zeros += zero * work.pivots[i + s]),
              ...);
         }
     };
