@@ -25,7 +25,7 @@ constexpr std::size_t kLaneOrder = kOrderWithoutHeap;
 
 /// The lanes of this build's fastest path. Positions, and positions with velocities, come by the
 /// million: on it alone orders 3 and 6 are known to the compiler (a third less time in
-/// bench/FleetBench.cpp, for as much code as all other orders have together).
+/// bench/SeriesBench.cpp, for as much code as all other orders have together).
 using MostLanes = std::conditional_t<CORVALE_HAS_AVX2_PATH, FourLanes, TwoLanes>;
 
 /// Where the elements of each lane's matrix or vector begin.
