@@ -3,7 +3,7 @@
 // Shape      three components each; component 1 (x) is element 0
 // Bad input  nothing fails: NaN and infinities spread as the formulas have them; squares overflow
 //            from about 1e154 and vanish below about 1e-162 (no scaling)
-// Aliasing   arguments are read whole before a result exists: a result may be assigned to an input
+// Aliasing   where a result is returned, arguments are read whole before a result exists: a result may be assigned to an input
 // Threads    no state, no allocation: any number of threads at once
 // Exactness  fixed order of operations, the same bits everywhere, around the one call of
 //            Elementary.hpp that a comment names, correctly rounded. Which NaN comes out, its sign
@@ -14,6 +14,7 @@
 #pragma once
 
 #include <corvale/base/Module.hpp>
+#include <corvale/numeric/Views.hpp>
 
 #include <array>
 #include <cstdint>
@@ -64,5 +65,19 @@ using Vector3 = std::array<double, 3>;
 /// Source     O. Rodrigues, J. Math. Pures Appl. 5 (1840), 380-440
 [[nodiscard]] CORVALE_API Vector3 RodriguesRot(const Vector3& v, double angle,
                                                const Vector3& k) noexcept;
+
+/// `RodriguesRot` for each vector of `v`, with the angle and the axis that have its number, several at
+/// a time.
+///
+/// Units      as `RodriguesRot`
+/// Shape      vectors of three components and angles with any strides and distances; the count is
+///            that of `v`
+/// Bad input  vectors of fewer than three components, or fewer angles, axes or results than vectors:
+///            nothing is written
+/// Aliasing   a result may overlap what is given with its own number in any way, nothing else
+/// Exactness  each result has the bits that `RodriguesRot` gives
+CORVALE_API void RodriguesRotEach(VectorSeries<const double> v, VectorView<const double> angle,
+                                  VectorSeries<const double> k,
+                                  VectorSeries<double> result) noexcept;
 
 }  // namespace corvale::GenFunctions

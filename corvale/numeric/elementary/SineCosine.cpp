@@ -19,6 +19,7 @@
 #include <corvale/numeric/Elementary.hpp>
 
 #include <corvale/numeric/elementary/AngleReduction.hpp>
+#include <corvale/numeric/elementary/SineLanes.hpp>
 #include <corvale/numeric/elementary/SineTable.hpp>
 #include <corvale/numeric/elementary/WideSeries.hpp>
 
@@ -81,30 +82,34 @@ Node NodeAt(std::uint32_t step) noexcept {
             WithSign(internal::kSines[kQuarter - index], (step + kQuarter) / (2 * kQuarter) % 2)};
 }
 
-// What sine and cosine of one angle share.
+// What sine and cosine of one angle share. Real is double, or a vector with an angle in each lane.
+template <typename Real>
 struct Remainder {
-    double t;              // the double nearest to the remainder
-    double head;           // its first 26 bits
-    double tail;           // the rest, with what the double lacks
-    double sineLessT;      // sin t - t
-    double cosineLessOne;  // cos t - 1
+    Real t;              // the double nearest to the remainder
+    Real head;           // its first 26 bits
+    Real tail;           // the rest, with what the double lacks
+    Real sineLessT;      // sin t - t
+    Real cosineLessOne;  // cos t - 1
 };
 
 // The polynomials are good to 2^-76 of t and to 2^-87.
-Remainder PowersOf(DoubleDouble t) noexcept {
-    const double head = Head(t.high);
-    const double square = t.high * t.high;
-    const double sine =
+template <typename Real>
+CORVALE_INLINE Remainder<Real> PowersOf(const Real& t, const Real& head, const Real& low) noexcept {
+    const Real square = t * t;
+    const Real sine =
         -0x1.5555555555555p-3 + square * (0x1.1111110f8755cp-7 + square * -0x1.9fafdf4a16769p-13);
-    const double cosine = 0x1.555555555549ep-5 + square * -0x1.6c16bb2a49e76p-10;
-    return {t.high, head, (t.high - head) + t.low, t.high * square * sine,
-            square * square * cosine - (0.5 * square + t.high * t.low)};
+    const Real cosine = 0x1.555555555549ep-5 + square * -0x1.6c16bb2a49e76p-10;
+    return {t, head, (t - head) + low, t * square * sine,
+            square * square * cosine - (0.5 * square + t * low)};
+}
+Remainder<double> PowersOf(DoubleDouble t) noexcept {
+    return PowersOf(t.high, Head(t.high), t.low);
 }
 
 // Two doubles: SinCos computes both results at once, in a seventh less time (bench: Rotate).
 using Pair [[gnu::vector_size(16)]] = double;
 
-// Real is double or Pair: tables' values, and the ends of the intervals that hold the results.
+// Real is double, Pair or a vector of lanes: tables' values, and the ends of the intervals that hold the results.
 template <typename Real>
 struct Terms {
     Real head;
@@ -117,9 +122,9 @@ struct Ends {
 };
 
 // Both ends of a cos t + b sin t. `magnitude` is that of a, or of t where a is 0.
-template <typename Real>
-Ends<Real> Combine(const Terms<Real>& a, const Terms<Real>& b, Real magnitude,
-                   const Remainder& r) noexcept {
+template <typename Real, typename Shared>
+CORVALE_INLINE Ends<Real> Combine(const Terms<Real>& a, const Terms<Real>& b, const Real& magnitude,
+                                  const Remainder<Shared>& r) noexcept {
     const Real product = b.head * r.head;
     const Real high = a.head + product;
     const Real highRest = product - (high - a.head);
@@ -147,7 +152,7 @@ double Decide(double lower, double upper, double x, std::uint32_t quarters) noex
 }
 
 // a is at least half a step's sine, which t never reaches, or 0.
-double Magnitude(const TableValue& a, const Remainder& r) noexcept {
+double Magnitude(const TableValue& a, const Remainder<double>& r) noexcept {
     return std::max(std::fabs(a.head), std::fabs(r.t));
 }
 
@@ -157,7 +162,7 @@ template <std::uint32_t kQuarters>
 struct OneWanted {
     static double Of(double x, const Angle& angle) noexcept {
         const auto [a, b] = NodeAt(angle.step + kQuarters * kQuarter);
-        const Remainder r = PowersOf(angle.rest);
+        const Remainder<double> r = PowersOf(angle.rest);
         const auto [lower, upper] =
             Combine<double>({a.head, a.rest}, {b.head, b.rest}, Magnitude(a, r), r);
         return Decide(lower, upper, x, kQuarters);
@@ -168,7 +173,7 @@ struct OneWanted {
 struct BothWanted {
     static SineCosine Of(double x, const Angle& angle) noexcept {
         const auto [a, b] = NodeAt(angle.step);
-        const Remainder r = PowersOf(angle.rest);
+        const Remainder<double> r = PowersOf(angle.rest);
         const Terms<Pair> first = {Pair{a.head, b.head}, Pair{a.rest, b.rest}};
         const Terms<Pair> second = {Pair{b.head, -a.head}, Pair{b.rest, -a.rest}};
         const Pair magnitudes = {Magnitude(a, r), Magnitude(b, r)};
@@ -196,6 +201,84 @@ auto Evaluate(double x) noexcept {
     return isNearZero ? Otherwise<Wanted>(x) : Wanted::Of(x, angle);
 }
 
+// The fast phase for an angle in each lane; the lanes for which it is none are done one by one.
+template <class L>
+struct SinCosLanes {
+    using V = typename L::Reals;
+    using Words = typename L::Words;
+    using Bits = typename L::Bits;
+
+    CORVALE_INLINE void operator()(const double* angles, std::size_t count, double* sines,
+                                   double* cosines) const noexcept {
+        for (std::size_t i = 0; i < count; i += L::kLanes)
+            Evaluate((V)internal::At<typename L::Vector>(angles + i), sines + i, cosines + i);
+    }
+
+    CORVALE_INLINE static V Absolute(const V& x) noexcept {
+        return (V)((Words)x & (Words{} + INT64_MAX));
+    }
+    CORVALE_INLINE static V Larger(const V& x, const V& y) noexcept { return x < y ? y : x; }
+
+    CORVALE_INLINE static void Evaluate(const V& x, double* sines, double* cosines) noexcept {
+        constexpr double kToWhole = 0x1.8p52;  // as ReduceBySteps has it
+        const V shifted = x * kStep.reciprocal + kToWhole;
+        const V steps = shifted - kToWhole;
+        const V exact = x - steps * kStep.head;
+        const V restOfSteps = steps * kStep.rest;
+        const V t = exact - restOfSteps;
+        const Words allSteps = (Words)shifted - (Words)internal::Splat<V>(kToWhole);
+        const Words step = allSteps & (4 * std::uint64_t{kQuarter} - 1);
+
+        const V head = (V)((Words)t & ~(Words{} + ((std::uint64_t{1} << 27U) - 1)));
+        const Remainder<V> r = PowersOf<V>(t, head, (exact - t) - restOfSteps);
+        Terms<V> a, b;
+        FindNodes(step, a, b);
+        const V ofT = Absolute(t);
+        const auto [sine, otherSine] = Combine<V>(a, b, Larger(Absolute(a.head), ofT), r);
+        const auto [cosine, otherCosine] =
+            Combine<V>(b, {-a.head, -a.rest}, Larger(Absolute(b.head), ofT), r);
+        internal::At<typename L::Vector>(sines) = sine;
+        internal::At<typename L::Vector>(cosines) = cosine;
+
+        const V size = Absolute(x);
+        const Bits isDone = (sine == otherSine) & (cosine == otherCosine) & (size >= kTiny) &
+                            (size < kFastLimit) &
+                            (((step & (kQuarter - 1)) != 0) | (allSteps == 0));
+        for (std::size_t lane = 0; lane < L::kLanes; ++lane)
+            if (isDone[lane] == 0) [[unlikely]] {
+                const auto [s, c] = SinCos(x[lane]);
+                sines[lane] = s, cosines[lane] = c;
+            }
+    }
+
+    // NodeAt in lanes.
+    CORVALE_INLINE static void FindNodes(const Words& step, Terms<V>& sine,
+                                         Terms<V>& cosine) noexcept {
+        const Words odd = -((step >> 8U) & 1U);
+        const Words index = (kQuarter & odd) + (((step & (kQuarter - 1)) ^ odd) - odd);
+        const TableValue* s[L::kLanes];
+        const TableValue* c[L::kLanes];
+        for (std::size_t lane = 0; lane < L::kLanes; ++lane) {
+            s[lane] = internal::kSines + index[lane];
+            c[lane] = internal::kSines + (kQuarter - index[lane]);
+        }
+        const Words sineSign = (step >> 9U) << 63U;
+        const Words cosineSign = ((step + kQuarter) >> 9U) << 63U;
+        sine = {(V)((Words)Pick<&TableValue::head>(s) ^ sineSign),
+                (V)((Words)Pick<&TableValue::rest>(s) ^ sineSign)};
+        cosine = {(V)((Words)Pick<&TableValue::head>(c) ^ cosineSign),
+                  (V)((Words)Pick<&TableValue::rest>(c) ^ cosineSign)};
+    }
+    template <auto member>
+    CORVALE_INLINE static V Pick(const TableValue* const* from) noexcept {
+        if constexpr (L::kLanes == 4)
+            return V{from[0]->*member, from[1]->*member, from[2]->*member, from[3]->*member};
+        else
+            return V{from[0]->*member, from[1]->*member};
+    }
+};
+static_assert(kQuarter == 1U << 8U);
+
 }  // namespace
 
 double Sin(double x) noexcept {
@@ -211,3 +294,12 @@ SineCosine SinCos(double x) noexcept {
 }
 
 }  // namespace corvale::Elementary
+
+namespace corvale::internal {
+
+void SinCosOfMany(const double* angles, std::size_t count, double* sines,
+                  double* cosines) noexcept {
+    OnBestPath<Elementary::SinCosLanes, FourLanes, TwoLanes>(angles, count, sines, cosines);
+}
+
+}  // namespace corvale::internal

@@ -29,10 +29,9 @@ struct SolveInLanes {
     static constexpr std::size_t kMost = fixed > 0 ? fixed : kLaneOrder, kSquare = kMost * kMost;
 
     struct Work {
-        explicit Work(std::size_t order) noexcept : any(order) {}
-        std::size_t any;
         V square[kSquare];
         V pivots[kMost], reciprocals[kMost], y[kMost];
+        std::size_t any;
 
         CORVALE_INLINE std::size_t N() const noexcept { return fixed > 0 ? fixed : any; }
 
@@ -48,7 +47,8 @@ struct SolveInLanes {
     };
 
     CORVALE_INLINE void operator()(const LaneSystems* systems) const noexcept {
-        Work work(static_cast<std::size_t>(systems->a.First().Rows()));
+        Work work;
+        work.any = static_cast<std::size_t>(systems->a.First().Rows());
         const auto count = static_cast<std::size_t>(systems->a.Count());
         for (std::size_t first = 0; first < count; first += L::kLanes) {
             Load(*systems, first, count, work);

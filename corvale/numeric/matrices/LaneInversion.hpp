@@ -26,17 +26,14 @@ struct InvertInLanes {
     static constexpr std::size_t kMost = fixed > 0 ? fixed : kLaneOrder, kSquare = kMost * kMost;
 
     struct Work {
-        explicit Work(std::size_t order) noexcept : any(order) {
-            for (std::size_t i = 0; i < N(); ++i) numbers[i] = Splat<V>(static_cast<double>(i));
-        }
-        std::size_t any;
-        std::size_t row, column;  // from one row, and column, to the next
         V square[kSquare];
         V w[kMost], numbers[kMost];
-        V origin[kMost];                    // of the row that stands here, counted from 0
-        V place;                            // where the pivot of this step is found
-        std::ptrdiff_t placeOf[L::kLanes];  // the same as offsets of doubles
+        V origin[kMost];  // of the row that stands here, counted from 0
+        V place;          // where the pivot of this step is found
         Bits stopped;
+        std::ptrdiff_t placeOf[L::kLanes];  // and as offsets of doubles
+        std::size_t any;
+        std::size_t row, column;  // from one row, and column, to the next
         bool hasMoved;
 
         CORVALE_INLINE std::size_t N() const noexcept { return fixed > 0 ? fixed : any; }
@@ -46,7 +43,10 @@ struct InvertInLanes {
     };
 
     CORVALE_INLINE void operator()(const LaneInversions* inversions) const noexcept {
-        Work work(static_cast<std::size_t>(inversions->a.First().Rows()));
+        Work work;
+        work.any = static_cast<std::size_t>(inversions->a.First().Rows());
+        for (std::size_t i = 0; i < work.N(); ++i)
+            work.numbers[i] = Splat<V>(static_cast<double>(i));
         const auto count = static_cast<std::size_t>(inversions->a.Count());
         for (std::size_t first = 0; first < count; first += L::kLanes) {
             Load(*inversions, first, count, work);

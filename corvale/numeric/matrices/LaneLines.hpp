@@ -31,6 +31,7 @@ using MostLanes = std::conditional_t<CORVALE_HAS_AVX2_PATH, FourLanes, TwoLanes>
 /// Where the elements of each lane's matrix or vector begin.
 template <class L, class T>
 struct LaneStarts {
+    using V = typename L::Vector;
     T* at[L::kLanes];
 
     /// Those of `series` from `first` on. Lanes behind the last get the first one's: they then read
@@ -43,6 +44,13 @@ struct LaneStarts {
             starts.at[lane] = data + static_cast<std::ptrdiff_t>(item) * distance;
         }
         return starts;
+    }
+    /// The elements `offset` behind them.
+    CORVALE_INLINE V Gather(std::ptrdiff_t offset) const noexcept {
+        if constexpr (L::kLanes == 4)
+            return V{at[0][offset], at[1][offset], at[2][offset], at[3][offset]};
+        else
+            return V{at[0][offset], at[1][offset]};
     }
     CORVALE_INLINE LaneStarts From(std::ptrdiff_t offset) const noexcept {
         LaneStarts moved;
@@ -57,7 +65,6 @@ template <class L>
 CORVALE_INLINE void LoadLine(const LaneStarts<L, const double>& from, std::ptrdiff_t step,
                              std::size_t count, typename L::Vector* to,
                              std::size_t toStep) noexcept {
-    using V = typename L::Vector;
     const auto end = static_cast<std::ptrdiff_t>(count), next = static_cast<std::ptrdiff_t>(toStep);
     constexpr std::ptrdiff_t kLanes = L::kLanes;
     const std::ptrdiff_t turned = step == 1 ? end - end % kLanes : 0;
@@ -67,14 +74,7 @@ CORVALE_INLINE void LoadLine(const LaneStarts<L, const double>& from, std::ptrdi
         block.Turn();
         block.Store([&](std::ptrdiff_t r) { return to + (k + r) * next; });
     }
-    for (std::ptrdiff_t k = turned; k < end; ++k) {
-        const std::ptrdiff_t place = k * step;
-        if constexpr (L::kLanes == 4)
-            to[k * next] =
-                V{from.at[0][place], from.at[1][place], from.at[2][place], from.at[3][place]};
-        else
-            to[k * next] = V{from.at[0][place], from.at[1][place]};
-    }
+    for (std::ptrdiff_t k = turned; k < end; ++k) to[k * next] = from.Gather(k * step);
 }
 
 /// The way back: vectors that are `fromStep` apart become `count` elements of each lane.

@@ -25,12 +25,16 @@ struct TwoLanes : BaselinePath {
     static constexpr std::size_t kLanes = 2, kPanel = 4;
     using Vector [[gnu::vector_size(16), gnu::may_alias]] = double;
     using Bits [[gnu::vector_size(16)]] = std::int64_t;
+    using Words [[gnu::vector_size(16)]] = std::uint64_t;
+    using Reals [[gnu::vector_size(16)]] = double;  // for templates, which forget may_alias
 };
 
 struct FourLanes : Avx2Path {
     static constexpr std::size_t kLanes = 4, kPanel = 8;
     using Vector [[gnu::vector_size(32), gnu::may_alias]] = double;
     using Bits [[gnu::vector_size(32)]] = std::int64_t;
+    using Words [[gnu::vector_size(32)]] = std::uint64_t;
+    using Reals [[gnu::vector_size(32)]] = double;
 };
 
 /// The width of the widest panel: scratch is laid out for it whatever the processor has.
