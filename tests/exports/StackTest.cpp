@@ -202,6 +202,11 @@ const struct Row {
      [] {
          real = Rotate({1, 2, 3}, 1, 1e22)[0] + RodriguesRot({1, 2, 3}, 40, {0, 0, 1})[1];
      }},
+    {"RodriguesRotEach",
+     [] {
+         RodriguesRotEach({matrix.data(), 3, 100}, {matrix.data(), 100}, {matrix.data(), 3, 100},
+                          {inverse.data(), 3, 100});
+     }},
     {"AcTan, AngleOf2Vecs",
      [] {
          real = AcTan(1, 3) + AngleOf2Vecs({1, 2, 3}, {3, 2, 1}) + AcSin(0.3);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace corvale::GenFunctions {
 namespace {
@@ -64,6 +65,46 @@ TEST(Rotations, AboutAnyAxis) {
     ExpectNear(Rotate({1, 2, 3}, 3, kPi / 2), {2, -1, 3}, "the axes turn, not the vector");
     for (const std::int32_t axis : {0, 4, -1, INT32_MIN})
         ExpectSameBits(Rotate({1, 2, 3}, axis, 1), {1, 2, 3}, "no such axis");
+}
+
+// More than a block of 64, with a last group of one; angles of every phase of sine and cosine.
+TEST(Rotations, OfManyAreThoseOfEach) {
+    constexpr std::int32_t kCount = 64 * 3 + 5, kWide = 4;
+    constexpr double kSpecial[] = {0.0,    -0.0,  90.0,   180.0,
+                                   -270.0, 360.0, 1e-300, 0x1p-1074,
+                                   3e4,    1e22,  kNaN,   std::numeric_limits<double>::infinity(),
+                                   -1e308};
+    std::vector<double> v, k, angles, result(kCount * kWide, -1.0);
+    for (std::int32_t i = 0; i < kCount * kWide; ++i) {
+        v.push_back(std::cos(i) * (i % 13 == 0 ? 0.0 : 1e3));
+        k.push_back(std::sin(i * 3));
+    }
+    for (std::int32_t i = 0; i < kCount; ++i)
+        angles.push_back(i % 3 == 0 ? kSpecial[static_cast<std::size_t>(i) % std::size(kSpecial)]
+                                    : std::tan(i) * 100.0);
+    const VectorSeries<const double> vectors({v.data() + v.size() - 2, 3, -1}, -kWide, kCount);
+    const VectorSeries<const double> axes({k.data() + 1, 3}, kWide, kCount),
+        one({k.data(), 3}, 0, kCount);
+    const VectorSeries<double> results({result.data(), 3}, kWide, kCount);
+    for (const auto& turnedAbout : {axes, one}) {
+        RodriguesRotEach(vectors, {angles.data(), kCount}, turnedAbout, results);
+        for (std::int32_t i = 1; i <= kCount; ++i) {
+            const auto from = vectors(i), axis = turnedAbout(i);
+            const auto to = results(i);
+            ExpectSameBits(
+                {to(1), to(2), to(3)},
+                RodriguesRot({from(1), from(2), from(3)}, angles[static_cast<std::size_t>(i) - 1],
+                             {axis(1), axis(2), axis(3)}),
+                "as one by one");
+            EXPECT_EQ(result[static_cast<std::size_t>(i * kWide) - 1], -1.0) << "between vectors";
+        }
+    }
+    const std::vector<double> before = result;
+    RodriguesRotEach(vectors, {angles.data(), kCount - 1}, axes, results);
+    RodriguesRotEach(vectors, {angles.data(), kCount}, {k.data(), 2, kCount}, results);
+    RodriguesRotEach(vectors, {angles.data(), kCount}, {k.data(), 3, 1}, results);
+    RodriguesRotEach({}, {}, {}, {});
+    for (std::size_t i = 0; i < result.size(); ++i) EXPECT_EQ(Bits(result[i]), Bits(before[i]));
 }
 
 }  // namespace

@@ -67,7 +67,7 @@ class Operand {
     Kind kind_;
     py::object owner_;  // the array, or the bytes of a scalar text
     std::unique_ptr<Py_buffer, Release> buffer_;
-    std::array<char, 8> number_{};  // a scalar number
+    alignas(double) std::array<char, 8> number_{};  // a scalar number
     std::vector<Count> outer_, steps_;
     Form form_;
 };

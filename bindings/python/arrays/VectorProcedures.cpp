@@ -1,9 +1,45 @@
+#include <algorithm>
+
 #include "Procedures.hpp"
 
 namespace corvale::python {
 namespace {
 
 namespace gen = GenFunctions;
+
+constexpr Signature kOneByOne = kSignature<gen::RodriguesRot>;
+constexpr Count kMostAtOnce = Count{1} << 30;
+
+/// Whether the lane's elements, or components, lie where views of doubles can count them.
+bool IsOfWholeReals(const Lane& lane) noexcept {
+    return IsAligned(lane.at) && lane.step % kReal == 0 && lane.form->steps[0] % kReal == 0;
+}
+
+template <class T>
+gen::VectorSeries<T> Vectors(const Lane& lane, Count first, std::int32_t count) noexcept {
+    return {{reinterpret_cast<T*>(lane.at + first * lane.step), 3, lane.form->steps[0] / kReal},
+            lane.step / kReal,
+            count};
+}
+
+/// All elements at once, where they lie as the library can take them.
+void Turn(Count count, const Lane* lanes) noexcept {
+    if (!std::all_of(lanes, lanes + 4, IsOfWholeReals)) return kOneByOne.loop(count, lanes);
+    for (Count first = 0; first < count; first += kMostAtOnce) {
+        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostAtOnce));
+        const auto* const angle =
+            reinterpret_cast<const double*>(lanes[1].at + first * lanes[1].step);
+        gen::RodriguesRotEach(
+            Vectors<const double>(lanes[0], first, some), {angle, some, lanes[1].step / kReal},
+            Vectors<const double>(lanes[2], first, some), Vectors<double>(lanes[3], first, some));
+    }
+}
+
+constexpr Signature Turning() noexcept {
+    Signature signature = kOneByOne;
+    signature.loop = &Turn;
+    return signature;
+}
 
 constexpr const char* kSpread = "NaN and infinities spread";
 
@@ -25,7 +61,7 @@ constexpr Procedure kProcedures[] = {
     {"rodrigues_rot", "v, angle, k", "GenFunctions::RodriguesRot",
      "The vector `v` turned about the axis `k`, right-handed.",
      "angle in degrees; the result has the unit of v; k has none",
-     "k is used as passed: only |k| = 1 gives a rotation", kSignature<gen::RodriguesRot>},
+     "k is used as passed: only |k| = 1 gives a rotation", Turning()},
 };
 
 }  // namespace
