@@ -74,7 +74,7 @@ TEST(Rotations, OfManyAreThoseOfEach) {
                                    -270.0, 360.0, 1e-300, 0x1p-1074,
                                    3e4,    1e22,  kNaN,   std::numeric_limits<double>::infinity(),
                                    -1e308};
-    std::vector<double> v, k, angles, result(kCount * kWide, -1.0);
+    std::vector<double> v, k, angles, result(std::size_t{kCount} * kWide, -1.0);
     for (std::int32_t i = 0; i < kCount * kWide; ++i) {
         v.push_back(std::cos(i) * (i % 13 == 0 ? 0.0 : 1e3));
         k.push_back(std::sin(i * 3));
