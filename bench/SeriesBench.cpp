@@ -1,11 +1,12 @@
-// Many small matrices: one call for all of them beside a call for each. Series/Each and Series/Single
-// are Cholesky with inverse and solution, SeriesInverse the inverse of general matrices with pivots; the
-// number is the order, what is counted are matrices. 1,000 of them stay in the cache.
+// Many small matrices: one call for all of them beside a call for each. Series/Each and
+// Series/Single are Cholesky with inverse and solution, SeriesInverse the inverse of general
+// matrices with pivots, by order; SeriesTurn is RodriguesRot. 1,000 of them stay in the cache.
 #include <corvale/numeric/GenFunctions.hpp>
 
 #include "reference/inputs/MatrixKinds.hpp"
 
 #include <benchmark/benchmark.h>
+#include <algorithm>
 #include <vector>
 
 namespace corvale::bench {
@@ -68,6 +69,36 @@ void InvertSingle(Given& g) {
                              {&g.inverse[g.Square(i)], g.order, g.order});
 }
 
+// Vectors turned about axes: SeriesTurn.
+struct Turns {
+    Turns()
+        : v(reference::RandomMatrix(3, kCount, 1)),
+          k(reference::RandomMatrix(3, kCount, 2)),
+          angles(reference::Scaled(reference::RandomMatrix(1, kCount, 3), 360.0)),
+          result(v.size()) {}
+    Matrix v, k, angles, result;
+};
+void TurnEach(Turns& t) {
+    GenFunctions::RodriguesRotEach({t.v.data(), 3, kCount}, {t.angles.data(), kCount},
+                                   {t.k.data(), 3, kCount}, {t.result.data(), 3, kCount});
+}
+void TurnSingle(Turns& t) {
+    for (std::size_t i = 0; i < t.angles.size(); ++i) {
+        const double *v = &t.v[3 * i], *k = &t.k[3 * i];
+        const auto turned =
+            GenFunctions::RodriguesRot({v[0], v[1], v[2]}, t.angles[i], {k[0], k[1], k[2]});
+        std::copy(turned.begin(), turned.end(), &t.result[3 * i]);
+    }
+}
+void RunTurns(benchmark::State& state, void (*work)(Turns&)) {
+    Turns turns;
+    for (auto _ : state) {
+        work(turns);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kCount);
+}
+
 void Orders(benchmark::internal::Benchmark* bench) {
     for (const int n : {1, 2, 3, 4, 6, 8, 10, 12, 16}) bench->Arg(n);
 }
@@ -76,6 +107,8 @@ BENCHMARK_CAPTURE(Run, each, true, SolveEach)->Name("Series/Each")->Apply(Orders
 BENCHMARK_CAPTURE(Run, single, true, SolveSingle)->Name("Series/Single")->Apply(Orders);
 BENCHMARK_CAPTURE(Run, each, false, InvertEach)->Name("SeriesInverse/Each")->Apply(Orders);
 BENCHMARK_CAPTURE(Run, single, false, InvertSingle)->Name("SeriesInverse/Single")->Apply(Orders);
+BENCHMARK_CAPTURE(RunTurns, each, TurnEach)->Name("SeriesTurn/Each");
+BENCHMARK_CAPTURE(RunTurns, single, TurnSingle)->Name("SeriesTurn/Single");
 
 }  // namespace
 }  // namespace corvale::bench

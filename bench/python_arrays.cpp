@@ -60,6 +60,12 @@ void cross(std::int64_t count, const gen::Vector3* a, const gen::Vector3* b, gen
     for (std::int64_t i = 0; i < count; ++i) result[i] = gen::Cross(a[i], b[i]);
 }
 
+void rodrigues_rot(std::int64_t count, const gen::Vector3* v, const double* angles,
+                   const gen::Vector3* axes, gen::Vector3* result) {
+    for (std::int64_t i = 0; i < count; ++i)
+        result[i] = gen::RodriguesRot(v[i], angles[i], axes[i]);
+}
+
 void mag(std::int64_t count, const gen::Vector3* v, double* result) {
     for (std::int64_t i = 0; i < count; ++i) result[i] = gen::Mag(v[i]);
 }

@@ -114,20 +114,21 @@ struct InvertInLanes {
         V carried = work.origin[k];
         for (std::size_t i = k + 1; i < work.N(); ++i) {
             work.origin[k] = place == work.numbers[i] ? work.origin[i] : work.origin[k];
-            work.origin[i] = Moved<true>(work, i, carried, work.origin[i]);
+            work.origin[i] = Moved<true>(place, work.numbers[i], carried, work.origin[i]);
         }
         work.hasMoved = true;
         return true;
     }
 
-    /// What comes to stand in row i: up to the lane's pivot row, what stood in the row before it.
+    /// What comes to stand in a row: up to the lane's pivot row, at `place`, what stood in the row
+    /// before it.
     template <bool moves>
-    CORVALE_INLINE static V Moved(const Work& work, std::size_t i, V& carried,
+    CORVALE_INLINE static V Moved(const V& place, const V& number, V& carried,
                                   const V& old) noexcept {
         if constexpr (!moves) return old;
         const V before = carried;
         carried = old;
-        return work.place >= work.numbers[i] ? before : carried;
+        return place >= number ? before : carried;
     }
 
     /// What each lane holds in its pivot row of `column`.
@@ -149,12 +150,12 @@ struct InvertInLanes {
     CORVALE_INLINE static void StepOn(Work& work, std::size_t k) noexcept {
         const std::size_t n = work.N();
         V carried = work.At(k, k);
-        const V pivot = moves ? Chosen(work, &work.At(0, k)) : carried;
+        const V pivot = moves ? Chosen(work, &work.At(0, k)) : carried, place = work.place;
         const Bits stopped = work.stopped;
         const V q = 1.0 / (stopped ? Splat<V>(1.0) : pivot);
         for (std::size_t i = 0; i < n; ++i) {
             V& element = work.At(i, k);
-            const V old = i > k ? Moved<moves>(work, i, carried, element) : element;
+            const V old = i > k ? Moved<moves>(place, work.numbers[i], carried, element) : element;
             const V w = i == k ? q : old * q;
             work.w[i] = Where(~stopped, w);
             element = stopped ? old : w;
@@ -168,13 +169,13 @@ struct InvertInLanes {
         V* element = &work.At(0, j);
         const std::size_t row = work.row, n = work.N();
         V carried = element[k * row];
-        const V pivot = moves ? Chosen(work, element) : carried;
+        const V pivot = moves ? Chosen(work, element) : carried, place = work.place;
         const V t = Where(~work.stopped, pivot);
         for (std::size_t i = 0; i < k; ++i, element += row) *element -= work.w[i] * t;
         *element = Where(work.stopped, pivot) - work.w[k] * t;
         for (std::size_t i = k + 1; i < n; ++i) {
             element += row;
-            *element = Moved<moves>(work, i, carried, *element) - work.w[i] * t;
+            *element = Moved<moves>(place, work.numbers[i], carried, *element) - work.w[i] * t;
         }
     }
 
