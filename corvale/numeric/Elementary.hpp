@@ -12,12 +12,13 @@
 // A call takes about as long as in a C library that is off by a unit now and then. One call in some
 // ten thousand needs more digits and takes 1 to 5 microseconds.
 //
-// Angles     Sin  Cos  SinCos
+// Angles     Sin  Cos  SinCos  SinCosEach
 // Arcs       ArcTan  ArcTan2  ArcCos
 // Powers     Exp  CubeRoot
 #pragma once
 
 #include <corvale/base/Module.hpp>
+#include <corvale/numeric/Views.hpp>
 
 namespace corvale::Elementary {
 
@@ -45,6 +46,19 @@ struct SineCosine {
 /// Bad input  an infinity gives two NaN
 /// Exactness  the bits of Sin and Cos
 [[nodiscard]] CORVALE_API SineCosine SinCos(double x) noexcept;
+
+/// Sine and cosine of each angle of `x`, several at a time.
+///
+/// Units      radians
+/// Shape      any strides; `sines` and `cosines` have at least as many elements as `x`, or none where
+///            they are not wanted
+/// Bad input  fewer elements: nothing is written; an infinity gives two NaN
+/// Aliasing   a result may lie on the angle of its own number, and not on another one; the two
+///            results must not overlap
+/// Exactness  the bits of Sin and Cos
+CORVALE_API void SinCosEach(GenFunctions::VectorView<const double> x,
+                            GenFunctions::VectorView<double> sines,
+                            GenFunctions::VectorView<double> cosines) noexcept;
 
 /// The angle from -pi/2 to pi/2 whose tangent is `x`. ArcTan(-0.0) is -0.0.
 ///

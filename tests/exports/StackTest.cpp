@@ -212,6 +212,10 @@ const struct Row {
          real = AcTan(1, 3) + AngleOf2Vecs({1, 2, 3}, {3, 2, 1}) + AcSin(0.3);
      }},
     {"SerExp, CubRt", [] { real = SerExp(0.3) + CubRt(7.0); }},
+    {"SinCosEach",
+     [] {
+         Elementary::SinCosEach({matrix.data(), 500}, {inverse.data(), 500}, {});
+     }},
     {"accurate phases", ComputeSlowly},
 };
 

@@ -13,6 +13,8 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
+#include <vector>
 
 namespace corvale::Elementary {
 namespace {
@@ -59,6 +61,30 @@ TEST(Elementary, SineAndCosine) {
         EXPECT_EQ(Bits(SinCos(x).sine), Bits(sine)) << why;
         EXPECT_EQ(Bits(SinCos(x).cosine), Bits(cosine)) << why;
     }
+}
+
+// All cases in each lane of a group, over more than a block of 64, in place and backwards.
+TEST(Elementary, SineAndCosineOfManyAreThoseOfEach) {
+    constexpr std::size_t kCases = std::size(kAngles);
+    for (std::size_t count = 1; count < 150; count += 3) {
+        std::vector<double> x(count), cosines(2 * count + 1, -7.0);
+        for (std::size_t i = 0; i < count; ++i) x[i] = kAngles[(i + count) % kCases].x;
+        const auto size = static_cast<std::int32_t>(count);
+        SinCosEach({x.data(), size}, {x.data(), size}, {&cosines[2 * count - 1], size, -2});
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto& wanted = kAngles[(i + count) % kCases];
+            EXPECT_EQ(Bits(x[i]), Bits(wanted.sine)) << wanted.why << ", " << i << " of " << count;
+            EXPECT_EQ(Bits(cosines[2 * (count - i) - 1]), Bits(wanted.cosine)) << wanted.why;
+            EXPECT_EQ(cosines[2 * i], -7.0) << "between";
+        }
+    }
+    std::vector<double> x(3, 1.0), result(3, -7.0);
+    SinCosEach({x.data(), 3}, {result.data(), 2}, {});
+    SinCosEach({x.data(), 3}, {}, {result.data(), 1});
+    SinCosEach({}, {}, {});
+    EXPECT_EQ(result, std::vector<double>(3, -7.0)) << "too few results";
+    SinCosEach({x.data(), 3}, {}, {result.data(), 3});
+    EXPECT_EQ(Bits(result[2]), Bits(Cos(1.0))) << "cosines alone";
 }
 
 struct PowerCase {

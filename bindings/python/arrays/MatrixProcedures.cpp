@@ -11,9 +11,6 @@ namespace {
 
 namespace gen = GenFunctions;
 
-/// The most matrices that go to the library in one call.
-constexpr Count kMostAtOnce = Count{1} << 30;
-
 template <class T>
 gen::MatrixSeries<T> Matrices(const Lane& lane, Count first, std::int32_t count) noexcept {
     const Slot<MatrixView<T>> slot(lane.at + first * lane.step, *lane.form);
@@ -29,8 +26,8 @@ gen::VectorSeries<T> Vectors(const Lane& lane, Count first, std::int32_t count) 
 /// Loops that hand all their elements to the library at once.
 template <auto solveEach>
 void SolveAll(Count count, const Lane* lanes) noexcept {
-    for (Count first = 0; first < count; first += kMostAtOnce) {
-        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostAtOnce));
+    for (Count first = 0; first < count; first += kMostInOneCall) {
+        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostInOneCall));
         solveEach(Matrices<const double>(lanes[0], first, some),
                   Vectors<const double>(lanes[1], first, some),
                   Matrices<double>(lanes[2], first, some), Vectors<double>(lanes[3], first, some));
@@ -39,8 +36,8 @@ void SolveAll(Count count, const Lane* lanes) noexcept {
 
 template <auto invertEach>
 void InvertAll(Count count, const Lane* lanes) noexcept {
-    for (Count first = 0; first < count; first += kMostAtOnce) {
-        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostAtOnce));
+    for (Count first = 0; first < count; first += kMostInOneCall) {
+        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostInOneCall));
         invertEach(Matrices<const double>(lanes[0], first, some),
                    Matrices<double>(lanes[1], first, some));
     }

@@ -56,6 +56,14 @@ inline bool IsAligned(const char* at) noexcept {
     return reinterpret_cast<std::uintptr_t>(at) % alignof(double) == 0;
 }
 
+/// Whether the lane's elements, and their components, lie where a view of doubles can count them.
+inline bool IsOfWholeReals(const Lane& lane) noexcept {
+    return IsAligned(lane.at) && lane.step % kReal == 0 && lane.form->steps[0] % kReal == 0;
+}
+
+/// The most elements that a series or view of the library takes, rounded down.
+constexpr Count kMostInOneCall = Count{1} << 30;
+
 /// A text whose blanks at the end count: no element of the operand ends with NumPy's NULs.
 struct FilledText {
     std::string_view text;

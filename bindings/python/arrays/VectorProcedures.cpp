@@ -8,12 +8,6 @@ namespace {
 namespace gen = GenFunctions;
 
 constexpr Signature kOneByOne = kSignature<gen::RodriguesRot>;
-constexpr Count kMostAtOnce = Count{1} << 30;
-
-/// Whether the lane's elements, or components, lie where views of doubles can count them.
-bool IsOfWholeReals(const Lane& lane) noexcept {
-    return IsAligned(lane.at) && lane.step % kReal == 0 && lane.form->steps[0] % kReal == 0;
-}
 
 template <class T>
 gen::VectorSeries<T> Vectors(const Lane& lane, Count first, std::int32_t count) noexcept {
@@ -25,8 +19,8 @@ gen::VectorSeries<T> Vectors(const Lane& lane, Count first, std::int32_t count) 
 /// All elements at once, where they lie as the library can take them.
 void Turn(Count count, const Lane* lanes) noexcept {
     if (!std::all_of(lanes, lanes + 4, IsOfWholeReals)) return kOneByOne.loop(count, lanes);
-    for (Count first = 0; first < count; first += kMostAtOnce) {
-        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostAtOnce));
+    for (Count first = 0; first < count; first += kMostInOneCall) {
+        const auto some = static_cast<std::int32_t>(std::min(count - first, kMostInOneCall));
         const auto* const angle =
             reinterpret_cast<const double*>(lanes[1].at + first * lanes[1].step);
         gen::RodriguesRotEach(
