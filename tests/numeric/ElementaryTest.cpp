@@ -14,7 +14,6 @@
 #include <string_view>
 #include <utility>
 #include <vector>
-#include <vector>
 
 namespace corvale::Elementary {
 namespace {
