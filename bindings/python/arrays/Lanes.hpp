@@ -67,8 +67,8 @@ struct Strided {
 void Walk(Loop loop, std::vector<Count> shape, std::vector<Strided> operands);
 
 /// The same by up to `threads` threads, the caller's among them, each with a part of the longest
-/// axis: every element is written by one. `inputs` of the operands are only read. Where threads are
-/// not to be had, there are fewer.
+/// axis: every element is written by one. `inputs` of the operands are only read. Where the system
+/// gives no more threads, there are fewer.
 void WalkOnThreads(Loop loop, const std::vector<Count>& shape, const std::vector<Strided>& operands,
                    std::size_t inputs, Count threads);
 

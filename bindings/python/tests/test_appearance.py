@@ -25,14 +25,15 @@ class Appearance(unittest.TestCase):
         for row in _arrays._TABLE:
             parameters = inspect.signature(getattr(corvale, row["name"])).parameters
             free = ["width"] if row["free_width"] else []
-            self.assertEqual(list(parameters), [*row["arguments"], *free, "out"])
+            self.assertEqual(list(parameters), [*row["arguments"], *free, "out", "threads"])
             self.assertIsNone(parameters["out"].default)
+            self.assertEqual(parameters["threads"].default, 1)
             self.assertEqual(parameters["out"].kind, inspect.Parameter.KEYWORD_ONLY)
         self.assertEqual(str(inspect.signature(corvale.isort)), "(values, order=1, *, out=None)")
 
     def test_help_shows_a_function_of_the_package(self) -> None:
         shown = pydoc.plain(pydoc.render_doc(corvale.cholesky))
-        self.assertIn("built-in function cholesky in module corvale\n\ncholesky(a, b, *, out=None)\n", shown)
+        self.assertIn("built-in function cholesky in module corvale\n\ncholesky(a, b, *, out=None, threads=1)\n", shown)
         self.assertIn("GenFunctions::Cholesky", shown)
         self.assertNotIn("object", shown)
 
