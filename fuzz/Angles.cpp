@@ -94,16 +94,6 @@ void Angles(Choices in) {
     ExpectVector(Rotate(v, axis, angle), reference::Rotate(v, axis, angle), "Rotate");
     ExpectVector(RodriguesRot(v, angle, other), reference::RodriguesRot(v, angle, other),
                  "RodriguesRot");
-
-    const Vector3 vectors[] = {v, other, v, other, v}, axes[] = {other, v, v, other, other};
-    const double angles[] = {in.Real(), angle, in.Real(), in.Real(), in.Real()};
-    Vector3 turned[std::size(vectors)];
-    const auto count = static_cast<std::int32_t>(std::size(vectors));
-    RodriguesRotEach({vectors[0].data(), 3, count}, {angles, count}, {axes[0].data(), 3, count},
-                     {turned[0].data(), 3, count});
-    for (std::size_t i = 0; i < std::size(vectors); ++i)
-        ExpectVector(turned[i], reference::RodriguesRot(vectors[i], angles[i], axes[i]),
-                     "RodriguesRotEach");
 }
 
 }  // namespace corvale::fuzz

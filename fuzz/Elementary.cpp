@@ -30,13 +30,6 @@ void Angle(double x) {
     ExpectNear(cosine, std::cos(x), "SinCos cosine");
     ExpectSame(corvale::Elementary::Sin(x), sine, "Sin");
     ExpectSame(corvale::Elementary::Cos(x), cosine, "Cos");
-    const double angles[] = {x, -x, 0x1p-8 + x, x * 0x1p-9, x};
-    double sines[5], cosines[5];
-    corvale::Elementary::SinCosEach({angles, 5}, {sines + 4, 5, -1}, {cosines, 5});
-    for (std::size_t i = 0; i < 5; ++i) {
-        ExpectSame(sines[4 - i], corvale::Elementary::Sin(angles[i]), "SinCosEach, sine");
-        ExpectSame(cosines[i], corvale::Elementary::Cos(angles[i]), "SinCosEach, cosine");
-    }
     ExpectSame(corvale::Elementary::Sin(-x), -sine, "Sin of the negative");
     ExpectSame(corvale::Elementary::Cos(-x), cosine, "Cos of the negative");
 }

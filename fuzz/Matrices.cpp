@@ -1,6 +1,5 @@
 // Packed forms, Cholesky and inversion, bit for bit against plain loops: matrices of every kind with
-// any elements changed, all orders to 8, many to 40 and some to 140, strides of any sign, results in place;
-// series of up to nine matrices of order 18 and below.
+// any elements changed, all orders to 8, many to 40 and some to 140, strides of any sign, results in place.
 #include "Targets.hpp"
 
 #include "reference/Cholesky.hpp"
@@ -118,118 +117,6 @@ void Invert(Choices& in, std::int32_t n, bool pivots) {
     from.Expect(a, "the matrix that was inverted");
 }
 
-// Matrices in one memory, side by side or with a gap, forwards or backwards, each with any strides.
-class Series {
-  public:
-    Series(MatrixRoom& room, std::int32_t rows, std::int32_t columns, std::int32_t count,
-           Choices& in) {
-        const std::ptrdiff_t gap = 1 + in.Byte() % 2;
-        std::ptrdiff_t row = gap, column = gap * (rows + in.Byte() % 2);
-        if (in.Flip()) column = gap, row = gap * (columns + in.Byte() % 2);
-        const std::ptrdiff_t size = (rows - 1) * row + (columns - 1) * column + 1;
-        std::ptrdiff_t distance = size + in.Byte() % 3;
-        size_ = static_cast<std::size_t>((count - 1) * distance + size);
-        memory_ = room.Of<double>(size_);
-        std::fill_n(memory_, size_, kAround);
-        double* first = memory_;
-        if (in.Flip()) first += (rows - 1) * row, row = -row;
-        if (in.Flip()) first += (columns - 1) * column, column = -column;
-        if (in.Flip()) first += (count - 1) * distance, distance = -distance;
-        view_ = {MatrixView<double>(first, rows, columns, row, column), distance, count};
-    }
-    [[nodiscard]] const MatrixSeries<double>& View() const { return view_; }
-    [[nodiscard]] VectorSeries<double> Vectors() const {
-        const MatrixView<double>& first = view_.First();
-        return {VectorView<double>(first.Data(), first.Rows(), first.RowStride()), view_.Distance(),
-                view_.Count()};
-    }
-    void Fill(std::int32_t number, const Matrix& from) const {
-        ForEach(number, [next = from.begin()](double& element) mutable { element = *next++; });
-    }
-    /// Takes what is expected out of the memory, so that what is left lies between the elements.
-    void Expect(std::int32_t number, const Matrix& wanted, const char* what) const {
-        ForEach(number, [&, next = wanted.begin()](double& element) mutable {
-            ExpectSame(element, *next++, what);
-            element = kAround;
-        });
-    }
-    void ExpectNothingElse() const {
-        for (std::size_t i = 0; i < size_; ++i) ExpectSame(memory_[i], kAround, "between matrices");
-    }
-
-  private:
-    template <class Action>
-    void ForEach(std::int32_t number, Action action) const {
-        const MatrixView<double> matrix = view_(number);
-        for (std::int32_t j = 1; j <= matrix.Columns(); ++j)
-            for (std::int32_t i = 1; i <= matrix.Rows(); ++i) action(matrix(i, j));
-    }
-
-    double* memory_;
-    std::size_t size_;
-    MatrixSeries<double> view_;
-};
-
-// How many, and whether the results lie on what they are made of.
-struct SeriesChoice {
-    std::int32_t count;
-    bool isInPlace;
-};
-
-void SolveEach(Choices& in, std::int32_t n, bool hasRoots) {
-    static thread_local MatrixRoom bRoom, xRoom;
-    const SeriesChoice choice{1 + in.Byte() % 9, in.Flip()};
-    const Series a(gFromRoom, n, n, choice.count, in), b(bRoom, n, 1, choice.count, in);
-    const Series ownInverse(gToRoom, n, n, choice.count, in), ownX(xRoom, n, 1, choice.count, in);
-    const Series& inverse = choice.isInPlace ? a : ownInverse;
-    const Series& x = choice.isInPlace ? b : ownX;
-    const Choices changes = in;
-    std::vector<Matrix> wanted, wantedX;
-    for (std::int32_t number = 1; number <= choice.count; ++number) {
-        Matrix given = AnyMatrix(in, n, number % 2 == 0 ? changes : Choices(nullptr, 0));
-        const Matrix right = reference::RandomMatrix(n, 1, n + number);
-        Matrix& result = wanted.emplace_back(given.size());
-        Matrix& solution = wantedX.emplace_back(right.size());
-        (hasRoots ? reference::Cholesky : reference::Cholesky2)(given.data(), right.data(), n,
-                                                                result.data(), solution.data());
-        const auto order = static_cast<std::size_t>(n);
-        for (std::size_t j = 0; j < order; ++j)  // what lies below the diagonal has no influence
-            std::fill_n(given.begin() + static_cast<std::ptrdiff_t>(j * order + j + 1),
-                        order - j - 1, reference::kNaN);
-        a.Fill(number, given);
-        b.Fill(number, right);
-    }
-    (hasRoots ? CholeskyEach : Cholesky2Each)(a.View(), b.Vectors(), inverse.View(), x.Vectors());
-    for (std::int32_t number = 1; number <= choice.count; ++number) {
-        const auto place = static_cast<std::size_t>(number) - 1;
-        inverse.Expect(number, wanted[place],
-                       hasRoots ? "CholeskyEach, inverse" : "Cholesky2Each, inverse");
-        x.Expect(number, wantedX[place],
-                 hasRoots ? "CholeskyEach, solution" : "Cholesky2Each, solution");
-    }
-    inverse.ExpectNothingElse();
-    x.ExpectNothingElse();
-}
-
-void InvertEach(Choices& in, std::int32_t n, bool pivots) {
-    const SeriesChoice choice{1 + in.Byte() % 9, in.Flip()};
-    const Series a(gFromRoom, n, n, choice.count, in), own(gToRoom, n, n, choice.count, in);
-    const Series& result = choice.isInPlace ? a : own;
-    const Choices changes = in;
-    std::vector<Matrix> wanted;
-    for (std::int32_t number = 1; number <= choice.count; ++number) {
-        const Matrix given = AnyMatrix(in, n, number % 2 == 0 ? changes : Choices(nullptr, 0));
-        Matrix& inverse = wanted.emplace_back(given.size());
-        (pivots ? reference::MtxInv : reference::MInv)(given.data(), n, inverse.data());
-        a.Fill(number, given);
-    }
-    (pivots ? MtxInvEach : MInvEach)(a.View(), result.View());
-    for (std::int32_t number = 1; number <= choice.count; ++number)
-        result.Expect(number, wanted[static_cast<std::size_t>(number) - 1],
-                      pivots ? "MtxInvEach" : "MInvEach");
-    result.ExpectNothingElse();
-}
-
 void CopyOblong(Choices& in, std::int32_t rows, bool pivots) {
     const auto columns = static_cast<std::int32_t>(1 + in.Below(12));
     if (columns == rows) return;
@@ -278,7 +165,7 @@ void Sizes(std::int32_t extent) {
 
 void Matrices(Choices in) {
     using namespace matrices;
-    const std::size_t kind = in.Below(12);
+    const std::size_t kind = in.Below(8);
     const std::uint8_t size = in.Byte();
     const std::int32_t n = 1 + (size < 192   ? size % 8
                                 : size < 252 ? size % 40
@@ -287,9 +174,7 @@ void Matrices(Choices in) {
     if (kind < 4) return Invert(in, n, kind == 2);
     if (kind < 6) return CopyOblong(in, n, kind == 4);
     if (kind == 6) return Pack(in, n);
-    if (kind == 7) return Sizes(in.Int32());
-    const std::int32_t order = std::min(n, 1 + size % 18);
-    kind < 10 ? SolveEach(in, order, kind == 8) : InvertEach(in, order, kind == 10);
+    Sizes(in.Int32());
 }
 
 }  // namespace corvale::fuzz

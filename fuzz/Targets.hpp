@@ -16,6 +16,7 @@ void Lists(Choices in);
 void Angles(Choices in);
 void Elementary(Choices in);
 void Matrices(Choices in);
+void Series(Choices in);
 void Sort(Choices in);
 void Log(Choices in);
 void Interface(Choices in);
@@ -26,11 +27,21 @@ struct NamedTarget {
 };
 inline constexpr NamedTarget kTargets[] = {
 #if !defined(_WIN32) && !defined(__wasi__)  // these create their files with POSIX calls
-    {"Cards", Cards},       {"Log", Log},
+    {"Cards", Cards},
+    {"Log", Log},
 #endif
-    {"Numbers", Numbers},   {"FreeForm", FreeForm}, {"NumberText", NumberText},
-    {"Csv", Csv},           {"Text", Text},         {"Keys", Keys},
-    {"Lists", Lists},       {"Angles", Angles},     {"Elementary", Elementary},
-    {"Matrices", Matrices}, {"Sort", Sort},         {"Interface", Interface}};
+    {"Numbers", Numbers},
+    {"FreeForm", FreeForm},
+    {"NumberText", NumberText},
+    {"Csv", Csv},
+    {"Text", Text},
+    {"Keys", Keys},
+    {"Lists", Lists},
+    {"Angles", Angles},
+    {"Elementary", Elementary},
+    {"Matrices", Matrices},
+    {"Series", Series},
+    {"Sort", Sort},
+    {"Interface", Interface}};
 
 }  // namespace corvale::fuzz
