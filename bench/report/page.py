@@ -194,7 +194,8 @@ an empty C++ library; a program that uses the C++ library already pays only the 
             yield "| " + " | ".join(str(cell) for cell in cells) + " |"
         yield ""
         size = anatomy["Corvale"]["stripped"]
-        self.count("stripped size", f"{size:,} bytes, not 290,000", size <= 290_000)
+        # 280 kB, and 98 for series of matrices, whose lanes are compiled for each width.
+        self.count("stripped size", f"{size:,} bytes, not 380,000", size <= 380_000)
         self.count("start over that of an empty C++ library", f"{over:.2f}, not 1.3", over <= 1.3)
 
     def allocations(self):
