@@ -210,6 +210,11 @@ TEST(Cholesky, TakesInZerosWhereTheyMeetInfinities) {
                     a.data(), a.data(), order, wanted.data(), wantedX.data());
                 ExpectSameBits(got, wanted, "inverse");
                 ExpectSameBits(x, wantedX, "solution");
+                (hasRoots ? CholeskyEach : Cholesky2Each)(
+                    {a.data(), order, order, 1}, {a.data(), order, 1},
+                    {got.data(), order, order, 1}, {x.data(), order, 1});
+                ExpectSameBits(got, wanted, "inverse, of a series");
+                ExpectSameBits(x, wantedX, "solution, of a series");
             }
         }
 }
