@@ -132,7 +132,7 @@ struct Sums {
 /// Runs Piece<width> for all of [first, end), in fours and one rest.
 template <template <std::size_t width> class Piece, class... Args>
 CORVALE_INLINE void InPieces(std::size_t first, std::size_t end, Args&... args) noexcept {
-    for (; first + 4 <= end; first += 4) Piece<4>::Run(first, args...);
+    for (; end - first >= 4; first += 4) Piece<4>::Run(first, args...);
     switch (end - first) {
         case 3:
             return Piece<3>::Run(first, args...);
