@@ -104,6 +104,6 @@ def exponential_scripts():
                                                (value * math.exp(-half), value * math.exp(half)), value * EXPONENTIAL_REST, bound("Exponential.cpp", "kError"))
 
 
-check_coefficients("SineCosine.cpp", "Remainder PowersOf", "Both ends", SINE)
+check_coefficients("SineCosine.cpp", "Remainder<Real> PowersOf", "Both ends", SINE)
 check_coefficients("Exponential.cpp", "double Curve", "Both ends", EXPONENTIAL)
 prove({"sine and cosine": sine_scripts, "exponential": exponential_scripts})
