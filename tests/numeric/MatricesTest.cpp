@@ -2,10 +2,10 @@
 // results, bad shapes, missing memory, floating-point traps.
 #include <corvale/numeric/GenFunctions.hpp>
 
+#include "SameBits.hpp"
 #include "reference/Cholesky.hpp"
 #include "reference/MatrixInversion.hpp"
 #include "reference/inputs/MatrixKinds.hpp"
-#include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -39,12 +39,7 @@ namespace {
 
 using reference::Matrix;
 using test::Bits;
-
-void ExpectSameBits(const Matrix& got, const Matrix& wanted, const std::string& why) {
-    ASSERT_EQ(got.size(), wanted.size());
-    for (std::size_t i = 0; i < got.size(); ++i)
-        ASSERT_EQ(Bits(got[i]), Bits(wanted[i])) << why << ", element " << i << ": " << got[i];
-}
+using test::ExpectSameBits;
 
 TEST(PackedSizes, AreExactOrSaturate) {
     struct Case {

@@ -2,8 +2,8 @@
 // matrices of all kinds side by side, any signs of the steps, results in place.
 #include <corvale/numeric/GenFunctions.hpp>
 
+#include "SameBits.hpp"
 #include "reference/inputs/MatrixKinds.hpp"
-#include "tests/support/Bits.hpp"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -15,12 +15,7 @@ namespace {
 
 using reference::Matrix;
 using test::Bits;
-
-void ExpectSameBits(const Matrix& got, const Matrix& wanted, const std::string& why) {
-    ASSERT_EQ(got.size(), wanted.size());
-    for (std::size_t i = 0; i < got.size(); ++i)
-        ASSERT_EQ(Bits(got[i]), Bits(wanted[i])) << why << ", element " << i << ": " << got[i];
-}
+using test::ExpectSameBits;
 
 // Matrices of one order in one memory, with any signs of the steps; between them and their elements
 // nothing is written.
