@@ -3,6 +3,7 @@
 #include "Escapes.hpp"
 #include "Joined.hpp"
 #include "NumberFields.hpp"
+#include "RealWords.hpp"
 #include "Texts.hpp"
 
 #include <corvale/numeric/Angles.hpp>
@@ -29,10 +30,6 @@ constexpr Layout kHourLayout = {"DDMMSSS", 10, "HHMMSSs"};
 const Layout& LayoutOf(std::string_view digits, bool inHours) {
     if (inHours) return kHourLayout;
     return digits.find('.') == kWideLayout.digits.find('.') ? kWideLayout : kDegreeLayout;
-}
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 // Where `text` first departs from the layout; its size where it does not.

@@ -76,7 +76,7 @@ class Checking {
                     [&](const std::string& unreadable, const std::string& why) {
                         hasFiles = true;
                         report_->BeginFile(unreadable);
-                        Fail(why);
+                        Fail("read", why);
                     }});
         if (hasFiles) return;
         std::cout.flush();
@@ -92,7 +92,7 @@ class Checking {
 
     void Compare(const std::string& name) {
         const DiffOutcome outcome = PrintDiff(name, {unwanted_, options_.fixesCommas, {}});
-        if (outcome.failure) return FailToFix(*outcome.failure);
+        if (outcome.failure) return Fail("fixed", *outcome.failure);
         status_ = std::max(status_, outcome.isDifferent ? kExitFindings : kExitOk);
     }
 
@@ -101,13 +101,8 @@ class Checking {
             report_->TakeFix(line, fixed);
         };
         const auto failure = FixFile(name, {unwanted_, options_.fixesCommas, tell});
-        if (failure) FailToFix(*failure);
+        if (failure) Fail("fixed", *failure);
         return !failure;
-    }
-
-    void FailToFix(const std::string& why) {
-        report_->Unfixable(why);
-        status_ = kExitFailed;
     }
 
     void CheckFile(const std::string& name) {
@@ -127,14 +122,15 @@ class Checking {
         }
         bar.Clear();
         if (input.Failure())
-            return Fail(*input.Failure() +
-                        (IsFolder(name) ? " (its files are checked with --glob PATTERN)" : ""));
+            return Fail("read",
+                        *input.Failure() +
+                            (IsFolder(name) ? " (its files are checked with --glob PATTERN)" : ""));
         report_->EndFile(content);
         status_ = std::max(status_, content.problems > 0 ? kExitFindings : kExitOk);
     }
 
-    void Fail(const std::string& why) {
-        report_->Unreadable(why);
+    void Fail(std::string_view verb, const std::string& why) {
+        report_->Fail({verb, why});
         status_ = kExitFailed;
     }
 

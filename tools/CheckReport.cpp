@@ -171,19 +171,13 @@ class TextReport : public CheckReport {
 
 }  // namespace
 
-std::string CheckReport::Refusal(const std::string& why) const {
-    return Joined("cannot be ", verb_, ": ", why);
+std::string FileFailure::Text() const {
+    return Joined("cannot be ", verb, ": ", why);
 }
 
-void CheckReport::Unreadable(const std::string& why) {
+void CheckReport::Fail(const FileFailure& failure) {
     std::cout.flush();
-    std::cerr << "corvale: " << QuotedName(name_) << ' ' << Refusal(why) << '\n';
-}
-
-void CheckReport::Unfixable(const std::string& why) {
-    verb_ = "fixed";
-    Unreadable(why);
-    verb_ = "read";
+    std::cerr << "corvale: " << QuotedName(name_) << ' ' << failure.Text() << '\n';
 }
 
 std::string LabelOf(FindingKind kind) {

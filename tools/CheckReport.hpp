@@ -21,6 +21,15 @@ struct CheckStyle {
     bool isFindingsOnly = false;  ///< neither cards nor what loading sets
 };
 
+/// What cannot be done with a file, "read" or "fixed", and why.
+struct FileFailure {
+    std::string_view verb;
+    std::string why;
+
+    /// "cannot be read: " and why.
+    [[nodiscard]] std::string Text() const;
+};
+
 /// Takes what is found out about the files, one file after the other. This one prints nothing but
 /// errors; each format is a class derived from it.
 class CheckReport {
@@ -35,10 +44,8 @@ class CheckReport {
     virtual void TakeFix(const Line& /*line*/, const FixedLine& /*fixed*/) {}
     virtual void TakeLine(const Line& /*line*/, const Explained& /*explained*/) {}
     virtual void EndFile(const FileContent& /*content*/) {}
-    /// Instead of EndFile: the file cannot be read, or not to its end.
-    virtual void Unreadable(const std::string& why);
-    /// Instead of all lines: the file cannot be mended.
-    void Unfixable(const std::string& why);
+    /// Instead of EndFile: the file cannot be read, or not to its end, or not be mended.
+    virtual void Fail(const FileFailure& failure);
     /// After the last file.
     virtual void Finish() {}
     /// Whether `TakeLine` would print something.
@@ -46,12 +53,9 @@ class CheckReport {
 
   protected:
     [[nodiscard]] const std::string& FileName() const { return name_; }
-    /// "cannot be read: " and why.
-    [[nodiscard]] std::string Refusal(const std::string& why) const;
 
   private:
     std::string name_;
-    std::string_view verb_ = "read";  // what cannot be done
 };
 
 /// For the formats that take findings one by one and leave all else out.

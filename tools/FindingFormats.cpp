@@ -35,9 +35,9 @@ class JsonLinesReport : public FindingsReport {
         CheckReport::BeginFile(name);
         start_ = Joined("{\"file\":", JsonName(name), ",");
     }
-    void Unreadable(const std::string& why) override {
-        CheckReport::Unreadable(why);
-        std::cout << start_ << "\"error\":" << nlohmann::json(why) << "}\n";
+    void Fail(const FileFailure& failure) override {
+        CheckReport::Fail(failure);
+        std::cout << start_ << "\"error\":" << nlohmann::json(failure.why) << "}\n";
     }
 
   private:
@@ -56,9 +56,9 @@ class GithubReport : public FindingsReport {
         CheckReport::BeginFile(name);
         start_ = Joined(" file=", Masked(name, "%\r\n:,"), ",line=");
     }
-    void Unreadable(const std::string& why) override {
-        CheckReport::Unreadable(why);
-        std::cout << "::error" << start_ << "1::" << Masked(Refusal(why), kEnds) << '\n';
+    void Fail(const FileFailure& failure) override {
+        CheckReport::Fail(failure);
+        std::cout << "::error" << start_ << "1::" << Masked(failure.Text(), kEnds) << '\n';
     }
 
   private:

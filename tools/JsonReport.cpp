@@ -85,11 +85,11 @@ class JsonReport : public CheckReport {
         if (!isFindingsOnly_) Put("bytes", JsonBytes(content));
         std::cout << '}';
     }
-    void Unreadable(const std::string& why) override {
-        CheckReport::Unreadable(why);
+    void Fail(const FileFailure& failure) override {
+        CheckReport::Fail(failure);
         EndFixes();
         if (hasFindings_ || !cards_.IsEmpty()) EndArrays();
-        Put("error", why);
+        Put("error", failure.why);
         std::cout << '}';
     }
     void Finish() override { std::cout << "\n]}\n"; }

@@ -19,10 +19,6 @@ bool IsItemEnd(char c) {
     return c == ' ' || c == '\t' || c == ',' || c == '/';
 }
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 bool IsLetter(char c) {
     const char lower = static_cast<char>(c | 0x20);
     return lower >= 'a' && lower <= 'z';

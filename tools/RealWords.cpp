@@ -16,10 +16,6 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789";
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 bool IsSign(char c) {
     return c == '+' || c == '-';
 }

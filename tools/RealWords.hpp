@@ -12,6 +12,10 @@ namespace corvale::tool {
 inline constexpr std::string_view kFieldExponents = "EeDd";
 inline constexpr std::string_view kCardExponents = "EeDdQq";
 
+[[nodiscard]] constexpr bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 /// The number of characters of the real that begins `text`; 0 where none begins, a mantissa without
 /// a digit included.
 [[nodiscard]] std::size_t RealLength(std::string_view text, std::string_view exponentLetters);

@@ -55,10 +55,11 @@ class SarifReport : public FindingsReport {
         CheckReport::BeginFile(name);
         artifact_ = {{"uri", Uri(name)}};
     }
-    void Unreadable(const std::string& why) override {
-        CheckReport::Unreadable(why);
-        failures_.push_back({{"level", "error"},
-                             {"message", {{"text", QuotedName(FileName()) + " " + Refusal(why)}}}});
+    void Fail(const FileFailure& failure) override {
+        CheckReport::Fail(failure);
+        failures_.push_back(
+            {{"level", "error"},
+             {"message", {{"text", QuotedName(FileName()) + " " + failure.Text()}}}});
     }
     void Finish() override {
         const bool isWhole = failures_.empty();
