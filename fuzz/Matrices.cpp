@@ -1,11 +1,10 @@
 // Packed forms, Cholesky and inversion, bit for bit against plain loops: matrices of every kind with
 // any elements changed, all orders to 8, many to 40 and some to 140, strides of any sign, results in place.
-#include "Targets.hpp"
+#include "MatrixInputs.hpp"
 
 #include "reference/Cholesky.hpp"
 #include "reference/MatrixInversion.hpp"
 #include "reference/PackedSymmetric.hpp"
-#include "reference/inputs/MatrixKinds.hpp"
 
 #include <corvale/numeric/GenFunctions.hpp>
 
@@ -16,8 +15,6 @@ namespace matrices {
 
 using namespace GenFunctions;
 using reference::Matrix;
-
-constexpr double kAround = 0x1.23456789abcdep+77;  // what lies between the elements of a view
 
 void ExpectElements(const double* got, const Matrix& wanted, const char* what) {
     for (std::size_t i = 0; i < wanted.size(); ++i) ExpectSame(got[i], wanted[i], what);
@@ -67,14 +64,6 @@ class Strided {
     std::size_t size_;
     MatrixView<double> view_;
 };
-
-// One of the kinds, with so many elements changed as the input has bytes for.
-Matrix AnyMatrix(Choices& in, std::int32_t n, const Choices& changes) {
-    Matrix a = in.Pick(reference::kMatrixKinds).make(n);
-    Choices rest = changes;
-    while (rest.Left() > 2) a[rest.Byte() % a.size()] = rest.Real();
-    return a;
-}
 
 void Solve(Choices& in, std::int32_t n, bool hasRoots) {
     static thread_local GuardedMemory<8 * kMost * kMost> aMemory, inverseMemory;

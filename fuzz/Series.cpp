@@ -1,11 +1,10 @@
 // Many matrices, rotations and angles in one call, bit for bit as one by one: series of up to nine
 // matrices of order 18 and below, forwards and backwards, with any strides, results in place.
-#include "Targets.hpp"
+#include "MatrixInputs.hpp"
 
 #include "reference/Cholesky.hpp"
 #include "reference/MatrixInversion.hpp"
 #include "reference/Vectors.hpp"
-#include "reference/inputs/MatrixKinds.hpp"
 
 #include <corvale/numeric/Elementary.hpp>
 #include <corvale/numeric/GenFunctions.hpp>
@@ -18,18 +17,9 @@ namespace series {
 using namespace GenFunctions;
 using reference::Matrix;
 
-constexpr double kAround = 0x1.23456789abcdep+77;  // what lies between the elements of a view
-
 constexpr std::size_t kMostOrder = 18, kMostCount = 9;
 using Guarded = GuardedMemory<8 * kMostCount * 4 * (kMostOrder + 2) * (kMostOrder + 2)>;
 thread_local Guarded gFrom, gTo;
-
-// One of the kinds, with so many elements changed as the input has bytes for.
-Matrix AnyMatrix(Choices& in, std::int32_t n, Choices changes) {
-    Matrix a = in.Pick(reference::kMatrixKinds).make(n);
-    for (; changes.Left() > 2; changes.Byte()) a[changes.Byte() % a.size()] = changes.Real();
-    return a;
-}
 
 // Matrices in one memory, side by side or with a gap, forwards or backwards, each with any strides.
 class Series {
