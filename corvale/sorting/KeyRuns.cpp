@@ -1,7 +1,5 @@
 #include <corvale/sorting/Ways.hpp>
 
-#include <corvale/sorting/WordRanks.hpp>
-
 #include <algorithm>
 #include <array>
 
@@ -220,7 +218,6 @@ bool SortLongRuns(const KeyRange& all, std::span<std::int32_t> block) noexcept {
 bool SortShortRuns(const KeyRange& range) noexcept {
     if (range.count < kFewestKeys) return false;
     std::array<std::int32_t, 1024> block;
-    TakeForWritten(block);
     return SortRuns(range, block, true);
 }
 
